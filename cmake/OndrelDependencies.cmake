@@ -1,0 +1,10 @@
+# What the library stands on. The same list, in the form for users, is in OndrelConfig.cmake.in.
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Xml Svg Concurrent)
+find_package(TBB REQUIRED)
+find_package(Boost 1.74 REQUIRED)
+find_package(PNG 1.6 REQUIRED)
+find_package(JPEG REQUIRED)
+find_package(TIFF REQUIRED)
+find_package(hwy REQUIRED CONFIG)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET GLOBAL lcms2>=2.9)

@@ -1,0 +1,30 @@
+# Installation: library, public headers, run-time data, the CMake package and the pkg-config file.
+include(CMakePackageConfigHelpers)
+
+set(ONDREL_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Ondrel)
+set(ONDREL_DATA_DIR ${CMAKE_INSTALL_DATADIR}/ondrel)
+
+install(TARGETS ondrel EXPORT OndrelTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY ondrel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
+install(FILES ${PROJECT_BINARY_DIR}/include/ondrel/ondrel_export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ondrel)
+install(DIRECTORY data DESTINATION ${ONDREL_DATA_DIR} FILES_MATCHING PATTERN "*.svg" PATTERN "*.css" PATTERN "*.icc")
+
+install(EXPORT OndrelTargets NAMESPACE Ondrel:: DESTINATION ${ONDREL_CMAKE_DIR})
+configure_package_config_file(cmake/OndrelConfig.cmake.in ${PROJECT_BINARY_DIR}/OndrelConfig.cmake
+  INSTALL_DESTINATION ${ONDREL_CMAKE_DIR} PATH_VARS ONDREL_DATA_DIR)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/OndrelConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/OndrelConfig.cmake ${PROJECT_BINARY_DIR}/OndrelConfigVersion.cmake
+  DESTINATION ${ONDREL_CMAKE_DIR})
+
+if(BUILD_SHARED_LIBS)
+  set(ONDREL_PC_CFLAGS "")
+else()
+  set(ONDREL_PC_CFLAGS "-DONDREL_STATIC_DEFINE")
+endif()
+configure_file(cmake/ondrel.pc.in ${PROJECT_BINARY_DIR}/ondrel.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ondrel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
