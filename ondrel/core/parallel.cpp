@@ -14,8 +14,10 @@
 #include <utility>
 #include <vector>
 
-namespace Ondrel {
-namespace {
+namespace Ondrel
+{
+namespace
+{
 
 std::atomic<ParallelEngine> engine{ParallelEngine::Tbb};
 
@@ -37,7 +39,8 @@ void runOnThreads(std::size_t count, std::size_t grain, const Body& body)
     const std::size_t pieces = std::min(kThreads, (count + grain - 1) / grain);
     std::vector<std::thread> threads;
     for (std::size_t i = 1; i < pieces; ++i)
-        threads.emplace_back([&body, first = count * i / pieces, last = count * (i + 1) / pieces] { body(first, last); });
+        threads.emplace_back(
+            [&body, first = count * i / pieces, last = count * (i + 1) / pieces] { body(first, last); });
     body(0, count / pieces);
     for (std::thread& thread : threads)
         thread.join();
