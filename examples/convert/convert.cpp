@@ -1,0 +1,275 @@
+// ondrel-convert: the road of an image from a file through the store, a colour profile and some pixel operations to
+// the display and to a file again. Exit status: 0 all done, 1 some file failed, 2 the command line made no sense.
+
+#include "operations.h"
+#include "options.h"
+#include "progress.h"
+
+#include <ondrel/color/colormanager.h>
+#include <ondrel/color/colorprofiles.h>
+#include <ondrel/color/colortransformer.h>
+#include <ondrel/resources/resourceengine.h>
+#include <ondrel/work/backgroundworkqueue.h>
+
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+
+#include <cstdio>
+#include <memory>
+
+namespace
+{
+
+using Hash = std::array<unsigned char, 32>;
+using Profile = Ondrel::ColorManager::ColorProfile;
+using ProfileList = std::vector<std::pair<QString, Hash>>;
+
+QByteArray toByteArray(const Hash& hash)
+{
+    return QByteArray(reinterpret_cast<const char*>(hash.data()), int(hash.size()));
+}
+
+ProfileList allProfiles()
+{
+    ProfileList list;
+    Ondrel::ColorManager::colorProfileNamesAndHashesSorted(
+        list, {Profile::RGB, Profile::CMYK, Profile::Lab},
+        {Profile::BuiltIn, Profile::System, Profile::User, Profile::Embedded});
+    return list;
+}
+
+QString profileName(const Hash& hash)
+{
+    for (const auto& [name, known] : allProfiles())
+        if (known == hash)
+            return name;
+    return "none";
+}
+
+// The hash of what --profile names. A file is registered for the life of the process only.
+bool findProfile(const QString& text, Hash& hash)
+{
+    if (text.isEmpty() || text == "embedded" || text == "none") {
+        hash = text == "none" ? Ondrel::NoneColorProfile : Ondrel::EmbeddedColorProfile;
+        return true;
+    }
+    for (const auto& [name, known] : allProfiles()) {
+        if (name.compare(text, Qt::CaseInsensitive) == 0) {
+            hash = known;
+            return true;
+        }
+    }
+    QFile file(text);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray bytes = file.readAll();
+    return Ondrel::ColorManager::addColorProfile({bytes.begin(), bytes.end()}, Profile::Embedded, &hash);
+}
+
+int listProfiles()
+{
+    for (const auto& [name, hash] : allProfiles())
+        std::printf("%s  %s\n", toByteArray(hash).toHex().constData(), qUtf8Printable(name));
+    return 0;
+}
+
+// A resource that leaves the store when it goes out of scope.
+class Resource
+{
+public:
+    explicit Resource(const QString& file) { ResourceEngine::Get().AddImage(file.toStdString(), m_id); }
+    ~Resource()
+    {
+        if (*this)
+            ResourceEngine::Get().RemoveResource(m_id);
+    }
+    Resource(const Resource&) = delete;
+    Resource& operator=(const Resource&) = delete;
+    explicit operator bool() const { return m_id != Ondrel::ResourceId(); }
+    Ondrel::ResourceId id() const { return m_id; }
+
+private:
+    Ondrel::ResourceId m_id;
+};
+
+int showInfo(const QStringList& files)
+{
+    int status = 0;
+    for (const QString& file : files) {
+        const Resource resource(file);
+        Ondrel::ImageInfo info;
+        std::shared_ptr<const Ondrel::Image> image;
+        ResourceEngine::Format format;
+        std::vector<unsigned char> data;
+        std::string name;
+        ResourceEngine& store = ResourceEngine::Get();
+        if (!resource || !store.CopyImageInfo(resource.id(), info) ||
+            !store.CopyData(resource.id(), format, data, name) ||
+            !store.CopyImage(resource.id(), image, Ondrel::EmbeddedColorProfile, {})) {
+            std::fprintf(stderr, "%s: not a readable PNG, JPEG or TIFF file\n", qUtf8Printable(file));
+            status = 1;
+            continue;
+        }
+        static const char* const formats[] = {"PNG", "JPEG", "TIFF"};
+        std::printf("%s: %s, %u x %u, %zu bytes, profile %s\n", qUtf8Printable(file), formats[format], info.width,
+                    info.height, data.size(), qUtf8Printable(profileName(image->colorProfile)));
+    }
+    return status;
+}
+
+// Renders on a worker thread, as a preview does, and waits for the result in a local event loop.
+QImage renderForDisplay(std::shared_ptr<const Ondrel::Image> image)
+{
+    BackgroundWorkQueue queue(nullptr);
+    QEventLoop loop;
+    QImage result;
+    QObject::connect(&queue, QOverload<const QImage&, int, const QVariant&>::of(&BackgroundWorkQueue::qImageFinished),
+                     [&](const QImage& rendered) {
+                         result = rendered;
+                         loop.quit();
+                     });
+    const std::function<QImage()> job = [image] { return Ondrel::ColorTransformer::toQImage(*image, false); };
+    queue.queueWork(job, 0, true, false, QVariant());
+    loop.exec();
+    return result;
+}
+
+bool writeImage(const QString& file, const Ondrel::Image& image, const Hash& profile, const Options& options,
+                Progress& progress)
+{
+    const QString suffix = QFileInfo(file).suffix().toLower();
+    if (suffix == "png") {
+        const ResourceEngine::ExportPNGSettings settings{options.pngLevel, profile, options.alpha, options.sixteenBits};
+        return ResourceEngine::ExportPNG(file, image, settings, Progress::exportRow, &progress);
+    }
+    if (suffix == "jpg" || suffix == "jpeg") {
+        const ResourceEngine::ExportJPEGSettings settings{options.quality, true, false, 0, profile};
+        return ResourceEngine::ExportJPEG(file, image, settings, Progress::exportRow, &progress);
+    }
+    const ResourceEngine::ExportTIFFSettings settings{profile, options.alpha, options.sixteenBits,
+                                                      options.tiffCompression};
+    return ResourceEngine::ExportTIFF(file, image, settings, Progress::exportRow, &progress);
+}
+
+bool writable(const QString& file)
+{
+    return QStringList{"png", "jpg", "jpeg", "tif", "tiff"}.contains(QFileInfo(file).suffix().toLower());
+}
+
+QString outputFor(const QString& input, const Options& options)
+{
+    if (!options.outputIsFolder)
+        return options.output;
+    const QFileInfo info(input);
+    return QDir(options.output)
+        .filePath(info.completeBaseName() + '.' + (options.format.isEmpty() ? info.suffix() : options.format));
+}
+
+// Gives the reason of a failure, or an empty text.
+QString convert(const QString& input, const QString& output, const Hash& profile, const Options& options,
+                Progress& progress)
+{
+    const Resource resource(input);
+    if (!resource)
+        return "not a readable PNG, JPEG or TIFF file";
+    progress.stage("into the store, validated, profile registered");
+
+    std::shared_ptr<const Ondrel::Image> image;
+    if (!ResourceEngine::Get().CopyImage(resource.id(), image, Ondrel::EmbeddedColorProfile, {}))
+        return "could not be decoded";
+    progress.stage(
+        QString("decoded, %1 x %2, %3").arg(image->width).arg(image->height).arg(profileName(image->colorProfile)));
+
+    const bool converts = profile != Ondrel::EmbeddedColorProfile && profile != Ondrel::NoneColorProfile;
+    if (converts && Ondrel::ColorManager::copyColorProfileDataByHash(image->colorProfile).empty())
+        return "its pixels are in no RGB profile to convert from";
+    if (converts) {
+        image = std::make_shared<Ondrel::Image>(
+            ConvertColorSpace(*image, "Automatic", toByteArray(profile), options.intent));
+        progress.stage("converted to " + profileName(profile));
+    }
+    for (const Operation& operation : options.operations) {
+        image = std::make_shared<Ondrel::Image>(applyOperation(*image, operation, options.filter));
+        if (image->width == 0 || image->height == 0)
+            return "nothing is left after: " + describeOperation(operation);
+        progress.stage(describeOperation(operation));
+    }
+    if (!options.display.isEmpty()) {
+        if (!renderForDisplay(image).save(options.display, "PNG"))
+            return "could not write " + options.display;
+        progress.stage("rendered for the display in the background");
+    }
+    if (output.isEmpty())
+        return {};
+    // The pixels are in their final profile by now: it is embedded as it is.
+    const Hash embedded = profile == Ondrel::NoneColorProfile ? profile : Ondrel::EmbeddedColorProfile;
+    if (!writeImage(output, *image, embedded, options, progress))
+        return "could not write " + output;
+    progress.stage("exported to " + QFileInfo(output).fileName());
+    return {};
+}
+
+int convertAll(const Options& options)
+{
+    Hash profile;
+    if (!findProfile(options.profile, profile)) {
+        std::fprintf(stderr, "ondrel-convert: no profile \"%s\"; see --list-profiles\n",
+                     qUtf8Printable(options.profile));
+        return 2;
+    }
+    if (options.outputIsFolder && !QDir().mkpath(options.output)) {
+        std::fprintf(stderr, "ondrel-convert: cannot make the folder %s\n", qUtf8Printable(options.output));
+        return 1;
+    }
+    Progress progress(options.quiet, options.timings);
+    int status = 0;
+    for (int i = 0; i < options.inputs.size(); ++i) {
+        const QString& input = options.inputs[i];
+        const QString output = outputFor(input, options);
+        progress.begin(input, i + 1, options.inputs.size());
+        const QString reason = output.isEmpty() || writable(output) ? convert(input, output, profile, options, progress)
+                                                                    : "the output must end in .png, .jpg or .tif";
+        if (reason.isEmpty()) {
+            progress.done(output.isEmpty() ? options.display : output);
+        } else {
+            progress.failed(reason);
+            status = 1;
+        }
+    }
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen"); // no display is needed
+    const QGuiApplication application(argc, argv);
+    QCoreApplication::setOrganizationName("Ondrel");
+    QCoreApplication::setApplicationName("ondrel-convert");
+    QCoreApplication::setApplicationVersion("0.1.0");
+
+    Options options;
+    QString message;
+    if (!parseOptions(QCoreApplication::arguments(), options, message)) {
+        std::fprintf(stderr, "ondrel-convert: %s\nTry ondrel-convert --help.\n", qUtf8Printable(message));
+        return 2;
+    }
+    switch (options.mode) {
+    case Options::Mode::Help:
+    case Options::Mode::Version:
+        std::fputs(qUtf8Printable(message), stdout);
+        return 0;
+    case Options::Mode::ListProfiles:
+        return listProfiles();
+    case Options::Mode::Info:
+        return showInfo(options.inputs);
+    case Options::Mode::Convert:
+        return convertAll(options);
+    }
+    return 0;
+}
