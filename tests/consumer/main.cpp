@@ -1,0 +1,31 @@
+// Uses one function of each folder, so that a missing symbol or dependency shows at link time.
+
+#include <ondrel/color/colormanager.h>
+#include <ondrel/color/colortransformer.h>
+#include <ondrel/core/image.h>
+#include <ondrel/core/xml.h>
+#include <ondrel/pixel/scale.h>
+#include <ondrel/resources/resourceengine.h>
+#include <ondrel/work/backgroundworkqueue.h>
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    Ondrel::Image image(40, 30);
+    image.Fill(65535, 0, 0, 65535);
+    image.colorProfile = Ondrel::DefaultColorProfileHash;
+    const Ondrel::Image half = Scale(image, 20, 15, Ondrel::FilterMethod::Bilinear);
+    const QImage shown = Ondrel::ColorTransformer::toQImage(half, false);
+    Ondrel::ResourceId id;
+    const bool stored = ResourceEngine::Get().AddImageBuffer(half, id);
+    const BackgroundWorkQueue queue(nullptr);
+    const bool ok = stored && shown.width() == 20 && shown.pixel(3, 3) == 0xFFFF0000u && !queue.isWorking() &&
+                    Ondrel::AttributeAsGradient(QDomNode(), "none").isEmpty() &&
+                    !Ondrel::ColorManager::copyColorProfileDataByHash(image.colorProfile).empty();
+    std::puts(ok ? "consumer: ok" : "consumer: failed");
+    return ok ? 0 : 1;
+}
