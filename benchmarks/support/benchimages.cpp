@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace OndrelBench {
-namespace {
+namespace OndrelBench
+{
+namespace
+{
 
 std::uint16_t sample(double v)
 {

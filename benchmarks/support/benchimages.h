@@ -3,7 +3,8 @@
 #include <ondrel/core/image.h>
 
 // Pictures that every benchmark shares, so that figures of different operations can be set side by side.
-namespace OndrelBench {
+namespace OndrelBench
+{
 
 // A synthetic photograph: smooth gradients, hard edges, noise, and an alpha that varies over the width. The same
 // pixels on every call.

@@ -18,7 +18,8 @@
 #include <locale>
 #include <stdexcept>
 
-namespace {
+namespace
+{
 
 void failOnConnectWarnings(QtMsgType, const QMessageLogContext&, const QString& message)
 {

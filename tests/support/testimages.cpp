@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstring>
 
-namespace OndrelTest {
+namespace OndrelTest
+{
 
 Ondrel::Image randomImage(unsigned int width, unsigned int height, unsigned int seed)
 {

@@ -7,7 +7,8 @@
 #include <random>
 
 // Images for tests. All are reproducible: the same arguments give the same pixels.
-namespace OndrelTest {
+namespace OndrelTest
+{
 
 using Pixel = std::array<std::uint16_t, 4>;
 
