@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Moves of rectangles of whole pixels, in memory order and without passing large results through the caches. Steps are
+// in pixels, may be negative, and lead from a pixel to the next one across or down. Source and target must not overlap.
+
+namespace Ondrel
+{
+
+// width x height pixels, each row in the order of the source.
+void copyRows(const std::uint16_t* from, std::ptrdiff_t fromDownStep, std::uint16_t* to, std::size_t toStride,
+              std::size_t width, std::size_t height);
+
+// Each row from right to left. `from` is the leftmost pixel of the first row; the target rows touch.
+void copyReversedRows(const std::uint16_t* from, std::ptrdiff_t fromDownStep, std::uint16_t* to, std::size_t width,
+                      std::size_t height);
+
+// Target pixel (x, y) is from + x * acrossStep + y * downStep. For quarter turns, where |downStep| is 1.
+void copyStrided(const std::uint16_t* from, std::ptrdiff_t acrossStep, std::ptrdiff_t downStep, std::uint16_t* to,
+                 std::size_t toStride, std::size_t width, std::size_t height);
+
+} // namespace Ondrel
