@@ -2,6 +2,7 @@
 #undef emit
 #include <tbb/blocked_range.h>
 #include <tbb/parallel_for.h>
+#include <tbb/task_arena.h>
 #include <tbb/task_group.h>
 #pragma pop_macro("emit")
 
@@ -28,10 +29,13 @@ void runOnTbb(std::size_t count, std::size_t grain, const Body& body)
 {
     // A context of its own: a cancelled task group of the caller must not leave rows undone.
     tbb::task_group_context context(tbb::task_group_context::isolated);
-    tbb::parallel_for(
-        tbb::blocked_range<std::size_t>(0, count, grain),
-        [&body](const tbb::blocked_range<std::size_t>& range) { body(range.begin(), range.end()); },
-        tbb::auto_partitioner(), context);
+    // Isolated: callers may hold a lock, and a thread that waits here must not pick up a task that takes it too.
+    tbb::this_task_arena::isolate([&] {
+        tbb::parallel_for(
+            tbb::blocked_range<std::size_t>(0, count, grain),
+            [&body](const tbb::blocked_range<std::size_t>& range) { body(range.begin(), range.end()); },
+            tbb::auto_partitioner(), context);
+    });
 }
 
 void runOnThreads(std::size_t count, std::size_t grain, const Body& body)
