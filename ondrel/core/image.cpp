@@ -1,5 +1,6 @@
 #include <ondrel/core/image.h>
 #include <ondrel/core/pixelblock_p.h>
+#include <ondrel/core/pixelsinblock_p.h>
 
 #include <algorithm>
 #include <cstring>
@@ -10,17 +11,9 @@ namespace Ondrel
 namespace
 {
 
-constexpr std::size_t kPixelBytes = 4 * sizeof(std::uint16_t);
-
 std::uint64_t blockBytes(std::uint32_t width, std::uint32_t height)
 {
     return std::uint64_t{width * height * 4} * 2;
-}
-
-// Pixels that both the size and the block hold: they differ when the 32-bit size wrapped.
-std::size_t pixelsInBlock(const Image& image)
-{
-    return std::min<std::size_t>(std::size_t{image.width} * image.height, image.sizeBytes / kPixelBytes);
 }
 
 void copyMetadata(Image& to, const Image& from)
