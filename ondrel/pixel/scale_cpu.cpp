@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <ondrel/pixel/bilinearsample_p.h>
 #include <ondrel/pixel/imageblock_p.h>
-#include <ondrel/pixel/scalesamplers_p.h>
+#include <ondrel/pixel/scalefiltered_p.h>
 #include <vector>
 
 using namespace Ondrel;
@@ -38,41 +37,6 @@ void scaleNearest(Image const& source, Image& destination)
     }
 }
 
-void sample(BilinearBoxes, Image const& source, float* xs, float* ys, bool wide, float* rgba)
-{
-    if (wide)
-        BilinearSupersampleMultiplied(source, xs, ys, rgba);
-    else
-        bilinearSamplePremultiplied(source, xs[1], ys[1], rgba);
-}
-
-void sample(BicubicBoxes, Image const& source, float* xs, float* ys, bool wide, float* rgba)
-{
-    if (wide)
-        BicubicSupersampleMultiplied(source, xs, ys, rgba);
-    else
-        BicubicSample<GetPixelAsFloatRGBAPremultiplied>(source, xs[1], ys[1], rgba);
-}
-
-template <typename Boxes>
-void scaleFiltered(Image const& source, Image& destination)
-{
-    const float stepX = float(source.width) / float(destination.width);
-    const float stepY = float(source.height) / float(destination.height);
-    for (std::uint32_t y = 0; y < destination.height; ++y) {
-        const Span ySpan = spanOfOutput<Boxes>(y, stepY);
-        float ys[3] = {ySpan.low, middleOfOutput(y, stepY), ySpan.high};
-        std::uint16_t* to = pixelAt(destination, 0, y);
-        for (std::uint32_t x = 0; x < destination.width; ++x) {
-            const Span xSpan = spanOfOutput<Boxes>(x, stepX);
-            float xs[3] = {xSpan.low, middleOfOutput(x, stepX), xSpan.high};
-            float rgba[4];
-            sample(Boxes{}, source, xs, ys, isWide<Boxes>(xSpan) || isWide<Boxes>(ySpan), rgba);
-            storeUnpremultiplied(rgba, to + std::size_t(x) * 4);
-        }
-    }
-}
-
 } // namespace
 
 void Scale_CPU(Ondrel::Image const& source, Ondrel::Image& destination, unsigned int width, unsigned int height,
@@ -90,10 +54,10 @@ void Scale_CPU(Ondrel::Image const& source, Ondrel::Image& destination, unsigned
             scaleNearest(source, destination);
             break;
         case FilterMethod::Bilinear:
-            scaleFiltered<BilinearBoxes>(source, destination);
+            scaleBilinear(source, destination);
             break;
         case FilterMethod::Bicubic:
-            scaleFiltered<BicubicBoxes>(source, destination);
+            scaleBicubic(source, destination);
             break;
         }
     }
