@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+
+#include <jpeglib.h>
+
+#include <csetjmp>
+#include <type_traits>
+
+// The one landing place for errors of libjpeg, as in pngboundary_p.h. Messages go to libjpeg's own output.
+
+namespace Ondrel
+{
+
+struct JpegErrors : jpeg_error_mgr {
+    std::jmp_buf landing;
+
+    JpegErrors()
+    {
+        jpeg_std_error(this);
+        error_exit = [](j_common_ptr jpeg) {
+            jpeg->err->output_message(jpeg);
+            leave(jpeg);
+        };
+    }
+    [[noreturn]] static void leave(j_common_ptr jpeg) { std::longjmp(static_cast<JpegErrors*>(jpeg->err)->landing, 1); }
+};
+
+// False if libjpeg gave up inside `step`.
+template <class Step>
+[[nodiscard, gnu::noinline]] bool jpegStep(JpegErrors& errors, Step step)
+{
+    static_assert(std::is_trivially_destructible_v<Step>);
+    if (setjmp(errors.landing))
+        return false;
+    step();
+    return true;
+}
+
+} // namespace Ondrel
