@@ -1,0 +1,188 @@
+#include <ondrel/color/colormanager.h>
+#include <ondrel/resources/decodelimits_p.h>
+#include <ondrel/resources/exportfile_p.h>
+#include <ondrel/resources/resourceengine.h>
+#include <ondrel/resources/samples_p.h>
+#include <ondrel/resources/tiffmemory_p.h>
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+namespace Ondrel
+{
+namespace
+{
+
+struct TiffPicture {
+    unsigned int width, height;
+    std::uint16_t photometric;
+    std::uint16_t channels; // samples a pixel in the file
+    std::uint16_t bits;
+    bool alpha; // the fourth channel is declared as unassociated alpha
+};
+
+std::uint16_t compressionTag(unsigned int compression)
+{
+    switch (compression) {
+    case 1:
+        return COMPRESSION_DEFLATE;
+    case 2:
+        return COMPRESSION_LZW;
+    case 3:
+        return COMPRESSION_PACKBITS;
+    default:
+        return COMPRESSION_NONE;
+    }
+}
+
+void setTags(TIFF* tiff, const TiffPicture& picture, unsigned int compression, const std::vector<unsigned char>& icc)
+{
+    if (!icc.empty())
+        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, std::uint32_t(icc.size()), icc.data());
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, int(picture.photometric));
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, int(picture.channels));
+    if (picture.photometric == PHOTOMETRIC_SEPARATED)
+        TIFFSetField(tiff, TIFFTAG_INKSET, INKSET_CMYK);
+    if (picture.alpha) {
+        const std::uint16_t kind = EXTRASAMPLE_UNASSALPHA;
+        TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);
+    }
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, int(picture.bits));
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.height);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, int(compressionTag(compression)));
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 1u);
+    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 90.0);
+    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 90.0);
+    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    const QString software =
+        QCoreApplication::applicationName() + QLatin1Char(' ') + QCoreApplication::applicationVersion();
+    TIFFSetField(tiff, TIFFTAG_SOFTWARE, software.toUtf8().constData());
+}
+
+// Writes the rows that `fill(y, row)` puts into the row buffer, then the directory. The buffer is refilled for each
+// row, since libtiff swaps its bytes in place. False on failure; a stopped export is none, and has no directory.
+template <class Fill>
+bool writePicture(TIFF* tiff, const TiffPicture& picture, ExportProgress& progress, Fill fill)
+{
+    struct FreeRow {
+        void operator()(void* row) const noexcept { _TIFFfree(row); }
+    };
+    const auto rowSize = tmsize_t(picture.width) * picture.channels * (picture.bits / 8);
+    const std::unique_ptr<void, FreeRow> row(_TIFFmalloc(rowSize));
+    if (!row)
+        return false;
+    for (unsigned int y = 0; y < picture.height; ++y) {
+        fill(y, row.get());
+        if (TIFFWriteEncodedStrip(tiff, y, row.get(), rowSize) == -1)
+            return false;
+        if (!progress.rowWritten(y))
+            return true;
+    }
+    return TIFFWriteDirectory(tiff) == 1;
+}
+
+bool writeImage(TIFF* tiff, const Image& image, const ResourceEngine::ExportTIFFSettings& settings,
+                const std::vector<unsigned char>& icc, ExportProgress& progress)
+{
+    const TiffPicture picture{image.width,
+                              image.height,
+                              PHOTOMETRIC_RGB,
+                              std::uint16_t(settings.alpha != 0 ? 4 : 3),
+                              std::uint16_t(settings.bitDepth != 0 ? 16 : 8),
+                              settings.alpha == 1};
+    setTags(tiff, picture, settings.compression, icc);
+    const std::size_t samples = std::size_t(image.width) * 4;
+    if (picture.bits == 16) {
+        return writePicture(tiff, picture, progress, [&](unsigned int y, void* row) {
+            copyChannels(image.data + y * samples, image.width, picture.channels, static_cast<std::uint16_t*>(row));
+        });
+    }
+    std::vector<std::uint8_t> bytes(samples);
+    return writePicture(tiff, picture, progress, [&](unsigned int y, void* row) {
+        bytesRounded(image.data + y * samples, samples, bytes.data());
+        copyChannels(bytes.data(), image.width, picture.channels, static_cast<std::uint8_t*>(row));
+    });
+}
+
+// Room for the samples and for what belongs to each strip, so that an uncompressed file does not move as it grows.
+void reserve(std::vector<unsigned char>& data, const Image& image, const ResourceEngine::ExportTIFFSettings& settings)
+{
+    if (compressionTag(settings.compression) != COMPRESSION_NONE)
+        return;
+    const std::size_t row = std::size_t(image.width) * (settings.alpha != 0 ? 4 : 3) * (settings.bitDepth != 0 ? 2 : 1);
+    data.reserve((row + 16) * image.height + 4096);
+}
+
+} // namespace
+} // namespace Ondrel
+
+bool ResourceEngine::ExportTIFF(const QString& fileName, const Ondrel::Image& image, const ExportTIFFSettings& settings,
+                                bool (*progress)(int, void*), void* userData)
+{
+    using namespace Ondrel;
+    if (!holdsAllPixels(image))
+        return false;
+    ExportProgress reported(progress, userData, image.height);
+    OwnedTiff tiff(TIFFOpen(fileName.toUtf8().constData(), "w"));
+    if (!tiff)
+        return false;
+    std::vector<unsigned char> icc;
+    PrepareImageForExport(image, settings.colorProfile, icc);
+    const bool written = writeImage(tiff.get(), image, settings, icc, reported);
+    tiff.reset();
+    if (!reported.stopped())
+        return written;
+    removeStoppedExport(fileName);
+    return true;
+}
+
+bool ResourceEngine::ExportTIFFToMemory(std::vector<unsigned char>& data, const Ondrel::Image& image,
+                                        const ExportTIFFSettings& settings, bool (*progress)(int, void*),
+                                        void* userData)
+{
+    using namespace Ondrel;
+    data.clear();
+    if (!holdsAllPixels(image))
+        return false;
+    reserve(data, image, settings);
+    ExportProgress reported(progress, userData, image.height);
+    TiffMemory memory(data);
+    OwnedTiff tiff = memory.open("wb"); // in libtiff's modes the b means big-endian
+    if (!tiff)
+        return false;
+    std::vector<unsigned char> icc;
+    PrepareImageForExport(image, settings.colorProfile, icc);
+    return writeImage(tiff.get(), image, settings, icc, reported);
+}
+
+bool ResourceEngine::ExportCMYKTIFFToMemory(std::vector<unsigned char>& data, const std::vector<unsigned char>& cmyk,
+                                            unsigned int width, unsigned int height, const ExportTIFFSettings& settings,
+                                            bool (*progress)(int, void*), void* userData)
+{
+    using namespace Ondrel;
+    data.clear();
+    if (!isDecodableSize(width, height) || cmyk.size() < std::size_t(width) * height * 4)
+        return false;
+    if (settings.colorProfile == NoneColorProfile)
+        return false;
+    const std::vector<unsigned char> icc = ColorManager::copyColorProfileDataByHash(settings.colorProfile);
+    if (icc.empty())
+        return false;
+    ExportProgress reported(progress, userData, height);
+    TiffMemory memory(data);
+    const OwnedTiff tiff = memory.open("wb");
+    if (!tiff)
+        return false;
+    const TiffPicture picture{width, height, PHOTOMETRIC_SEPARATED, 4, 8, false};
+    setTags(tiff.get(), picture, settings.compression, icc);
+    const std::size_t rowSize = std::size_t(width) * 4;
+    return writePicture(tiff.get(), picture, reported,
+                        [&](unsigned int y, void* row) { std::memcpy(row, cmyk.data() + y * rowSize, rowSize); });
+}
