@@ -68,6 +68,11 @@ void setParallelEngine(ParallelEngine newEngine)
     engine = newEngine;
 }
 
+ParallelEngine parallelEngine()
+{
+    return engine;
+}
+
 void parallelRanges(std::size_t count, std::size_t grain, const Body& body)
 {
     if (count == 0)

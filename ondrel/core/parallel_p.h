@@ -19,6 +19,7 @@ enum class ParallelEngine {
 
 // Chooses the engine of every later loop in the process. For tests; not to be called while a loop runs.
 ONDREL_EXPORT void setParallelEngine(ParallelEngine engine);
+ONDREL_EXPORT ParallelEngine parallelEngine();
 
 // Calls body(first, last) for disjoint ranges that together are [0, count), possibly at the same time on several
 // threads, and returns when all calls have returned. `grain` is the smallest range worth a task of its own (at least
