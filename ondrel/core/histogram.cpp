@@ -1,53 +1,200 @@
 #include <ondrel/core/image.h>
+#include <ondrel/core/parallel_p.h>
+#include <ondrel/core/pixelsinblock_p.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <type_traits>
 
 namespace Ondrel
 {
 namespace
 {
 
-template <typename BinOf>
-void count(std::vector<unsigned int>& bins, const Image& image, std::size_t pixels, BinOf binOf)
+enum Channel : std::size_t { Luminance, Lightness, Red, Green, Blue, ChannelCount };
+
+using Lists = std::array<unsigned int*, ChannelCount>;
+
+// The definition of a sample's bin.
+struct ExactBins {
+    explicit ExactBins(unsigned int bins)
+        : scale((bins - 1) / 65535.0)
+    {
+    }
+    std::size_t truncated(unsigned int v) const { return static_cast<std::size_t>(v * scale); }
+    std::size_t rounded(unsigned int v) const { return static_cast<std::size_t>(v * scale + 0.5); }
+
+    double scale;
+};
+
+// The same in fixed point with 32 fractional bits, which is faster. Not every number of bins allows it.
+struct FixedBins {
+    explicit FixedBins(unsigned int bins)
+        : factor(static_cast<std::uint64_t>((bins - 1) / 65535.0 * 4294967296.0) + 1)
+    {
+    }
+    std::size_t truncated(unsigned int v) const { return v * factor >> 32; }
+    std::size_t rounded(unsigned int v) const { return (v * factor + (std::uint64_t{1} << 31)) >> 32; }
+
+    bool equals(const ExactBins& exact) const
+    {
+        bool equal = true;
+        for (unsigned int v = 0; v <= 65535; ++v)
+            equal &= truncated(v) == exact.truncated(v) && rounded(v) == exact.rounded(v);
+        return equal;
+    }
+
+    std::uint64_t factor;
+};
+
+template <bool WithLuminance, bool WithLightness, bool WithColors, typename Bins>
+void countPixel(const std::uint16_t* pixel, const Lists& lists, std::size_t lastBin, Bins bins)
 {
-    for (std::size_t i = 0; i < pixels; ++i)
-        ++bins[binOf(image.data + 4 * i)];
+    const unsigned int r = pixel[0];
+    const unsigned int g = pixel[1];
+    const unsigned int b = pixel[2];
+    if constexpr (WithLuminance) {
+        const float greenAndRed = static_cast<float>(pixel[1]) * 0.587f + static_cast<float>(pixel[0]) * 0.299f;
+        const double luminance = static_cast<double>(pixel[2]) * 0.114 + static_cast<double>(greenAndRed);
+        ++lists[Luminance][std::min(lastBin, bins.truncated(static_cast<unsigned int>(static_cast<int>(luminance))))];
+    }
+    if constexpr (WithLightness) {
+        const unsigned int lightness = (std::min(std::min(r, g), b) + std::max(std::max(r, g), b)) >> 1;
+        ++lists[Lightness][bins.rounded(lightness)];
+    }
+    if constexpr (WithColors) {
+        ++lists[Red][bins.truncated(r)];
+        ++lists[Green][bins.truncated(g)];
+        ++lists[Blue][bins.truncated(b)];
+    }
 }
+
+// Pixels go to two sets of lists in turn: neighbours often fall into one bin, and would wait for each other's store.
+template <bool WithLuminance, bool WithLightness, bool WithColors, typename Bins>
+void countPixels(const std::uint16_t* pixels, std::size_t count, Lists even, Lists odd, std::size_t lastBin, Bins bins)
+{
+    constexpr auto countOne = countPixel<WithLuminance, WithLightness, WithColors, Bins>;
+    std::size_t i = 0;
+    for (; i + 1 < count; i += 2) {
+        countOne(pixels + 4 * i, even, lastBin, bins);
+        countOne(pixels + 4 * i + 4, odd, lastBin, bins);
+    }
+    if (i < count)
+        countOne(pixels + 4 * i, even, lastBin, bins);
+}
+
+template <typename Body>
+void withConstant(bool value, Body body)
+{
+    if (value)
+        body(std::true_type());
+    else
+        body(std::false_type());
+}
+
+// Counters of all channels for a few shares of the pixels, so that threads need no lock.
+class Counters
+{
+public:
+    Counters(std::size_t pixels, std::array<bool, ChannelCount> channels, std::size_t bins)
+        : m_channels(channels)
+        , m_bins(bins)
+        , m_pixels(pixels)
+        , m_shares(bins <= kManyBins && pixels >= kManyPixels ? 16 : 1)
+        , m_sets(bins <= kManyBins ? 2 : 1)
+        , m_counters(m_shares * m_sets * stride())
+    {
+    }
+
+    template <typename Bins>
+    void count(const std::uint16_t* samples, Bins bins)
+    {
+        withConstant(m_channels[Luminance], [&](auto luminance) {
+            withConstant(m_channels[Lightness], [&](auto lightness) {
+                withConstant(m_channels[Red], [&](auto colors) {
+                    constexpr auto countAll = countPixels<luminance, lightness, colors, Bins>;
+                    parallelRanges(m_shares, 1, [&](std::size_t firstShare, std::size_t lastShare) {
+                        for (std::size_t share = firstShare; share < lastShare; ++share) {
+                            const std::size_t first = m_pixels * share / m_shares;
+                            const std::size_t last = m_pixels * (share + 1) / m_shares;
+                            countAll(samples + first * 4, last - first, lists(share, 0), lists(share, m_sets - 1),
+                                     m_bins - 1, bins);
+                        }
+                    });
+                });
+            });
+        });
+    }
+
+    void addTo(std::vector<unsigned int>& result, Channel channel)
+    {
+        result.assign(m_bins, 0);
+        for (std::size_t share = 0; share < m_shares; ++share) {
+            for (std::size_t set = 0; set < m_sets; ++set) {
+                const unsigned int* list = lists(share, set)[channel];
+                for (std::size_t bin = 0; bin < m_bins; ++bin)
+                    result[bin] += list[bin];
+            }
+        }
+    }
+
+    static constexpr std::size_t kManyBins = 4096;
+    static constexpr std::size_t kManyPixels = std::size_t{1} << 18;
+
+private:
+    std::size_t stride() const
+    {
+        return m_bins * static_cast<std::size_t>(std::count(m_channels.begin(), m_channels.end(), true));
+    }
+
+    Lists lists(std::size_t share, std::size_t set)
+    {
+        unsigned int* next = m_counters.data() + (share * m_sets + set) * stride();
+        Lists result{};
+        for (std::size_t channel = 0; channel < ChannelCount; ++channel) {
+            if (m_channels[channel]) {
+                result[channel] = next;
+                next += m_bins;
+            }
+        }
+        return result;
+    }
+
+    std::array<bool, ChannelCount> m_channels;
+    std::size_t m_bins;
+    std::size_t m_pixels;
+    std::size_t m_shares;
+    std::size_t m_sets;
+    std::vector<unsigned int> m_counters;
+};
 
 } // namespace
 
 void Image::BuildHistogram(Histogram& histogram, bool luminance, bool lightness, bool red, bool green, bool blue,
                            unsigned int bins) const
 {
-    const auto lists = {&histogram.luminance, &histogram.lightness, &histogram.red, &histogram.green, &histogram.blue};
-    for (std::vector<unsigned int>* list : lists)
-        list->clear();
+    const std::array<std::vector<unsigned int>*, ChannelCount> results = {
+        &histogram.luminance, &histogram.lightness, &histogram.red, &histogram.green, &histogram.blue};
+    const std::array<bool, ChannelCount> wanted = {luminance, lightness, red, green, blue};
+    for (std::vector<unsigned int>* result : results)
+        result->clear();
     if (width == 0 || height == 0 || bins == 0)
         return;
-    const std::size_t pixels = std::min<std::size_t>(std::size_t{width} * height, sizeBytes / 8);
-    const double scale = (bins - 1) / 65535.0;
-    const auto scaled = [scale](unsigned int v) { return static_cast<std::size_t>(v * scale); };
-    if (luminance) {
-        histogram.luminance.assign(bins, 0);
-        count(histogram.luminance, *this, pixels, [&](const std::uint16_t* p) {
-            const double sum = double(p[2]) * 0.114 + double(float(p[1]) * 0.587f + float(p[0]) * 0.299f);
-            return std::min<std::size_t>(bins - 1, scaled(static_cast<unsigned int>(sum)));
-        });
-    }
-    if (lightness) {
-        histogram.lightness.assign(bins, 0);
-        count(histogram.lightness, *this, pixels, [&](const std::uint16_t* p) {
-            const auto [low, high] = std::minmax({p[0], p[1], p[2]});
-            return static_cast<std::size_t>(((low + high) >> 1) * scale + 0.5);
-        });
-    }
-    const bool wanted[3] = {red, green, blue};
-    std::vector<unsigned int>* colors[3] = {&histogram.red, &histogram.green, &histogram.blue};
-    for (std::size_t c = 0; c < 3; ++c) {
-        if (!wanted[c])
-            continue;
-        colors[c]->assign(bins, 0);
-        count(*colors[c], *this, pixels, [&](const std::uint16_t* p) { return scaled(p[c]); });
+
+    const bool colors = red || green || blue; // they come together at little cost
+    const std::size_t pixels = pixelsInBlock(*this);
+    Counters counters(pixels, {luminance, lightness, colors, colors, colors}, bins);
+    const ExactBins exact(bins);
+    const FixedBins fixed(bins);
+    // The comparison pays only for a large image.
+    if (pixels >= Counters::kManyPixels && fixed.equals(exact))
+        counters.count(data, fixed);
+    else
+        counters.count(data, exact);
+    for (std::size_t channel = 0; channel < ChannelCount; ++channel) {
+        if (wanted[channel])
+            counters.addTo(*results[channel], static_cast<Channel>(channel));
     }
 }
 
