@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 namespace
 {
 
@@ -18,6 +21,19 @@ using Ondrel::Image;
 using Ondrel::packForDisplay;
 
 constexpr std::size_t kPackingGrain = std::size_t{1} << 17;
+
+// Larger blocks than glibc ever takes from its heap: each is a mapping of its own, which goes when the image goes.
+constexpr std::size_t kOwnMapping = std::size_t{32} << 20;
+
+// First writes to small pages would take longer than the packing itself. Only a hint; nothing depends on it.
+void adviseHugePages(uchar* bytes, std::size_t size)
+{
+    if (size <= kOwnMapping)
+        return;
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::size_t skipped = (page - reinterpret_cast<std::uintptr_t>(bytes) % page) % page;
+    madvise(bytes + skipped, (size - skipped) / page * page, MADV_HUGEPAGE);
+}
 
 // The bytes of a new result and the number of pixels that it shares with the image.
 struct Target {
@@ -30,8 +46,9 @@ Target targetFor(const Image& image)
 {
     QImage result(static_cast<int>(image.width), static_cast<int>(image.height), QImage::Format_ARGB32_Premultiplied);
     uchar* bytes = result.bits();
-    const std::size_t room = static_cast<std::size_t>(result.sizeInBytes()) / 4;
-    return {std::move(result), bytes, std::min(pixelsInBlock(image), room)};
+    const auto size = static_cast<std::size_t>(result.sizeInBytes());
+    adviseHugePages(bytes, size);
+    return {std::move(result), bytes, std::min(pixelsInBlock(image), size / 4)};
 }
 
 QImage toUnmanagedQImage(const Image& image, SIMDCompatibility level)
