@@ -16,31 +16,31 @@ QSize sizeOf(Image const& image)
 }
 
 // A quarter turn as a walk over the source: pixel (x, y) of the turned picture is
-// origin + x * acrossStep + y * downStep, in pixels.
+// origin + x * acrossStep, and from there y pixels to the right if it leads downwards, else to the left.
 struct TurnedPicture {
     const std::uint16_t* origin;
     std::ptrdiff_t acrossStep;
-    std::ptrdiff_t downStep;
+    bool downwards;
     std::uint32_t width;
     std::uint32_t height;
 };
 
 TurnedPicture counterClockwise(Image const& image)
 {
-    return {pixelAt(image, image.width - 1, 0), std::ptrdiff_t(image.width), -1, image.height, image.width};
+    return {pixelAt(image, image.width - 1, 0), std::ptrdiff_t(image.width), false, image.height, image.width};
 }
 
 TurnedPicture clockwise(Image const& image)
 {
-    return {pixelAt(image, 0, image.height - 1), -std::ptrdiff_t(image.width), 1, image.height, image.width};
+    return {pixelAt(image, 0, image.height - 1), -std::ptrdiff_t(image.width), true, image.height, image.width};
 }
 
 Image wholeTurned(TurnedPicture const& picture)
 {
     Image result(picture.width, picture.height);
     if (hasPixels(result))
-        copyStrided(picture.origin, picture.acrossStep, picture.downStep, result.data, result.width, result.width,
-                    result.height);
+        copyTurned(picture.origin, picture.acrossStep, picture.downwards, result.data, result.width, result.width,
+                   result.height);
     return result;
 }
 
@@ -54,9 +54,9 @@ Image centredTurned(TurnedPicture const& picture)
     const std::uint32_t shorter = std::min(picture.width, picture.height);
     const std::uint32_t d = (std::max(picture.width, picture.height) - shorter) >> 1;
     const bool wide = picture.width > picture.height;
-    const std::ptrdiff_t lost = std::ptrdiff_t(d) * (wide ? picture.acrossStep : picture.downStep);
+    const std::ptrdiff_t lost = std::ptrdiff_t(d) * (wide ? picture.acrossStep : picture.downwards ? 1 : -1);
     std::uint16_t* to = wide ? pixelAt(result, 0, d) : pixelAt(result, d, 0);
-    copyStrided(picture.origin + lost * 4, picture.acrossStep, picture.downStep, to, result.width, shorter, shorter);
+    copyTurned(picture.origin + lost * 4, picture.acrossStep, picture.downwards, to, result.width, shorter, shorter);
     return result;
 }
 

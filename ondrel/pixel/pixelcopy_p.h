@@ -17,8 +17,8 @@ void copyRows(const std::uint16_t* from, std::ptrdiff_t fromDownStep, std::uint1
 void copyReversedRows(const std::uint16_t* from, std::ptrdiff_t fromDownStep, std::uint16_t* to, std::size_t width,
                       std::size_t height);
 
-// Target pixel (x, y) is from + x * acrossStep + y * downStep. For quarter turns, where |downStep| is 1.
-void copyStrided(const std::uint16_t* from, std::ptrdiff_t acrossStep, std::ptrdiff_t downStep, std::uint16_t* to,
-                 std::size_t toStride, std::size_t width, std::size_t height);
+// A quarter turn: target pixel (x, y) is from + x * acrossStep + y, or - y unless it leads downwards.
+void copyTurned(const std::uint16_t* from, std::ptrdiff_t acrossStep, bool downwards, std::uint16_t* to,
+                std::size_t toStride, std::size_t width, std::size_t height);
 
 } // namespace Ondrel
