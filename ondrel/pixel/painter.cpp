@@ -7,6 +7,7 @@
 #include <ondrel/pixel/geometry.h>
 #include <ondrel/pixel/imageblock_p.h>
 #include <ondrel/pixel/painterblend_p.h>
+#include <ondrel/pixel/paintersweep_p.h>
 
 using Ondrel::hasPixels;
 using Ondrel::Image;
@@ -128,11 +129,15 @@ float PixelPainter::strength() const
     return float(m_alpha) / 65535.0f * m_opacity;
 }
 
-// The mask of a painter without setBrush is shorter than its radius needs.
-float PixelPainter::weightAt(std::size_t column, std::size_t row) const
+// The mask of a painter without setBrush is shorter than its radius needs; `space` then takes one filled up with zeros.
+std::vector<float> const& PixelPainter::wholeMask(std::vector<float>& space) const
 {
-    const std::size_t index = row * (2 * std::size_t(m_radius) + 1) + column;
-    return index < m_mask.size() ? m_mask[index] : 0.0f;
+    const std::size_t side = 2 * std::size_t(m_radius) + 1;
+    if (m_mask.size() >= side * side)
+        return m_mask;
+    space = m_mask;
+    space.resize(side * side, 0.0f);
+    return space;
 }
 
 void PixelPainter::stamp(QPoint const& point, bool draw) const
@@ -142,10 +147,15 @@ void PixelPainter::stamp(QPoint const& point, bool draw) const
     const std::int64_t maskTop = std::int64_t(point.y()) - m_radius;
     const OndrelBrush::Ink ink(m_red, m_green, m_blue);
     const float full = strength();
+    std::vector<float> space;
+    std::vector<float> const& mask = wholeMask(space);
+    const int left = rect.left();
+    const int right = rect.right();
     for (int y = rect.top(); y < rect.bottom(); ++y) {
-        std::uint16_t* pixel = pixelAt(*m_image, std::size_t(rect.left()), std::size_t(y));
-        for (int x = rect.left(); x < rect.right(); ++x, pixel += 4) {
-            const float s = weightAt(std::size_t(x - maskLeft), std::size_t(y - maskTop)) * full;
+        const std::size_t maskRow = std::size_t(y - maskTop) * (2 * std::size_t(m_radius) + 1);
+        std::uint16_t* pixel = pixelAt(*m_image, std::size_t(left), std::size_t(y));
+        for (int x = left; x < right; ++x, pixel += 4) {
+            const float s = mask[maskRow + std::size_t(x - maskLeft)] * full;
             if (draw)
                 OndrelBrush::blend(ink, s, pixel);
             else
@@ -201,39 +211,24 @@ Ondrel::RectT<int> PixelPainter::drawLine(QPoint from, QPoint to)
     if (!m_image || !hasPixels(*m_image))
         return IntRect();
     const IntRect rect = sweptRect(from, to);
+    const int left = rect.left();
+    const int right = rect.right();
+    std::vector<float> space;
+    const OndrelBrush::Sweep sweep(from, to, m_radius, wholeMask(space).data());
     const OndrelBrush::Ink ink(m_red, m_green, m_blue);
     const float full = strength();
-    const float radius = float(m_radius);
-    const float reach = 2.0f * radius;
-    const float fromX = float(from.x());
-    const float fromY = float(from.y());
-    const float dx = float(to.x()) - fromX;
-    const float dy = float(to.y()) - fromY;
-    const float lengthSquared = dx * dx + dy * dy;
+    OndrelBrush::WeightRun run;
     for (int y = rect.top(); y < rect.bottom(); ++y) {
+        std::uint16_t* const row = pixelAt(*m_image, 0, std::size_t(y));
         bool met = false;
-        std::uint16_t* pixel = pixelAt(*m_image, std::size_t(rect.left()), std::size_t(y));
-        for (int x = rect.left(); x < rect.right(); ++x, pixel += 4) {
-            const float px = float(x);
-            const float py = float(y);
-            float k = 0.0f;
-            if (lengthSquared > 0.0f)
-                k = std::clamp(((px - fromX) * dx + (py - fromY) * dy) / lengthSquared, 0.0f, 1.0f);
-            const float maskX = radius + (k < 1.0f ? fromX + k * dx : float(to.x())) - px;
-            const float maskY = radius + (k < 1.0f ? fromY + k * dy : float(to.y())) - py;
-            if (!(maskX >= 0.0f && maskX < reach && maskY >= 0.0f && maskY < reach)) {
-                if (met)
-                    break;
-                continue;
-            }
-            met = true;
-            const std::size_t column = std::size_t(maskX);
-            const std::size_t row = std::size_t(maskY);
-            const float fx = maskX - float(column);
-            const float fy = maskY - float(row);
-            const float upper = weightAt(column, row) * (1.0f - fx) + weightAt(column + 1, row) * fx;
-            const float lower = weightAt(column, row + 1) * (1.0f - fx) + weightAt(column + 1, row + 1) * fx;
-            OndrelBrush::blend(ink, (upper * (1.0f - fy) + lower * fy) * full, pixel);
+        for (int x = sweep.firstColumn(y, left); x < right; x += OndrelBrush::WeightRun::largest) {
+            sweep.findWeights(x, std::min(right - x, OndrelBrush::WeightRun::largest), y, met, run);
+            for (int i = run.first; i < run.end; ++i)
+                OndrelBrush::blend(ink, run.weights[i] * full, row + (std::size_t(x) + std::size_t(i)) * 4);
+            met = met || run.first < run.end;
+            // What the brush leaves it does not reach again in this row.
+            if (met && run.end < OndrelBrush::WeightRun::largest)
+                break;
         }
     }
     return rect;

@@ -69,7 +69,7 @@ public:
 
 private:
     float strength() const;
-    float weightAt(std::size_t column, std::size_t row) const;
+    std::vector<float> const& wholeMask(std::vector<float>& space) const;
     void stamp(QPoint const& point, bool draw) const;
     Ondrel::RectT<int> sweptRect(QPoint from, QPoint to) const;
 
