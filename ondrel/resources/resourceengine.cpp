@@ -6,6 +6,7 @@
 #include <QMutexLocker>
 
 #include <algorithm>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -234,13 +235,23 @@ bool ResourceEngine::ClearCache()
 
 void ResourceEngine::RebuildSizeCache()
 {
-    // Built beside the old one, so that readers wait for a swap only, and keep the old one if memory runs out.
-    std::unordered_map<unsigned int, Ondrel::ImageInfo> sizes;
-    sizes.reserve(resources.size());
-    for (const auto& [id, info] : resources) {
-        if (info)
-            sizes.emplace(id, info->info);
-    }
+    // Entries that stay are overwritten in place, which spares most of the allocations of a full pass.
+    std::unordered_map<unsigned int, Ondrel::ImageInfo> added;
+    std::size_t records = 0;
     QMutexLocker lock(&sizeCacheMutex);
-    sizeCache.swap(sizes);
+    for (const auto& [id, info] : resources) {
+        if (!info)
+            continue;
+        ++records;
+        const auto found = sizeCache.find(id);
+        if (found != sizeCache.end())
+            found->second = info->info;
+        else
+            added.emplace(id, info->info);
+    }
+    sizeCache.merge(added);
+    if (sizeCache.size() == records)
+        return;
+    for (auto entry = sizeCache.begin(); entry != sizeCache.end();)
+        entry = FindResource(entry->first) ? std::next(entry) : sizeCache.erase(entry);
 }

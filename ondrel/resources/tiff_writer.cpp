@@ -104,10 +104,15 @@ bool writeImage(TIFF* tiff, const Image& image, const ResourceEngine::ExportTIFF
             copyChannels(image.data + y * samples, image.width, picture.channels, static_cast<std::uint16_t*>(row));
         });
     }
+    if (picture.channels == 4) {
+        return writePicture(tiff, picture, progress, [&](unsigned int y, void* row) {
+            bytesRounded(image.data + y * samples, samples, static_cast<std::uint8_t*>(row));
+        });
+    }
     std::vector<std::uint8_t> bytes(samples);
     return writePicture(tiff, picture, progress, [&](unsigned int y, void* row) {
         bytesRounded(image.data + y * samples, samples, bytes.data());
-        copyChannels(bytes.data(), image.width, picture.channels, static_cast<std::uint8_t*>(row));
+        copyChannels(bytes.data(), image.width, 3, static_cast<std::uint8_t*>(row));
     });
 }
 
