@@ -11,11 +11,11 @@
 #include <ondrel/resources/resourceengine.h>
 #include <ondrel/work/backgroundworkqueue.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
-#include <QGuiApplication>
 
 #include <cstdio>
 #include <memory>
@@ -198,9 +198,11 @@ QString convert(const QString& input, const QString& output, const Hash& profile
         progress.stage(describeOperation(operation));
     }
     if (!options.display.isEmpty()) {
-        if (!renderForDisplay(image).save(options.display, "PNG"))
-            return "could not write " + options.display;
+        const QImage rendered = renderForDisplay(image);
         progress.stage("rendered for the display in the background");
+        if (!rendered.save(options.display, "PNG"))
+            return "could not write " + options.display;
+        progress.stage("saved the rendering");
     }
     if (output.isEmpty())
         return {};
@@ -246,9 +248,7 @@ int convertAll(const Options& options)
 
 int main(int argc, char** argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen"); // no display is needed
-    const QGuiApplication application(argc, argv);
+    const QCoreApplication application(argc, argv); // no display is needed
     QCoreApplication::setOrganizationName("Ondrel");
     QCoreApplication::setApplicationName("ondrel-convert");
     QCoreApplication::setApplicationVersion("0.1.0");
