@@ -24,7 +24,7 @@ void Premultiply(const std::uint16_t* from, std::size_t count, float* to)
 
 void Store(const PixelQuad* from, std::size_t count, std::uint16_t* to)
 {
-    const float* samples = from->samples;
+    const float* samples = floatsOf(from);
     std::size_t i = 0;
     for (; i + kPixels <= count; i += kPixels)
         storeUnpremultiplied<kPixels>(samples + i * 4, to + i * 4);
@@ -81,7 +81,7 @@ using Curve = std::conditional_t<taps == 2, Linear, Cubic>;
 template <int taps>
 void MixAcross(const float* row, Positions positions, PixelQuad* to)
 {
-    float* out = to->samples;
+    float* out = floatsOf(to);
     for (std::size_t i = 0; i < positions.count; i += kPixels) {
         Pixels p[taps];
         for (int tap = 0; tap < taps; ++tap)
@@ -96,7 +96,7 @@ HWY_INLINE Pixels sampleDown(Column<taps> const& column, Curve<taps> const& curv
 {
     Pixels p[taps];
     for (int tap = 0; tap < taps; ++tap)
-        p[tap] = load(column.rows[tap]->samples + offset);
+        p[tap] = load(floatsOf(column.rows[tap]) + offset);
     return curve(p);
 }
 
@@ -104,7 +104,7 @@ template <int taps>
 void MixDown(Column<taps> const& column, std::size_t count, PixelQuad* to)
 {
     const Curve<taps> curve(allOf(column.fraction));
-    float* out = to->samples;
+    float* out = floatsOf(to);
     for (std::size_t i = 0; i < count * 16; i += kPixels * 4)
         save(sampleDown<taps>(column, curve, i), out + i);
 }
@@ -133,14 +133,14 @@ template <int taps>
 void AverageDown(Column<taps> const& column, std::size_t run, std::size_t pairs, Half half, PixelQuad* to)
 {
     const Curve<taps> curve(allOf(column.fraction));
-    averagePairs(run, pairs, half, to->samples,
+    averagePairs(run, pairs, half, floatsOf(to),
                  [&](std::size_t offset) HWY_ATTR { return sampleDown<taps>(column, curve, offset); });
 }
 
 void Average(const PixelQuad* from, std::size_t run, std::size_t pairs, Half half, PixelQuad* to)
 {
-    const float* samples = from->samples;
-    averagePairs(run, pairs, half, to->samples, [&](std::size_t offset) HWY_ATTR { return load(samples + offset); });
+    const float* samples = floatsOf(from);
+    averagePairs(run, pairs, half, floatsOf(to), [&](std::size_t offset) HWY_ATTR { return load(samples + offset); });
 }
 
 void MixAcross2(const float* row, Positions positions, PixelQuad* to)

@@ -15,6 +15,17 @@ struct alignas(64) PixelQuad {
     float samples[16];
 };
 
+// A row of quads as one run of floats.
+inline const float* floatsOf(const PixelQuad* row)
+{
+    return reinterpret_cast<const float*>(row);
+}
+
+inline float* floatsOf(PixelQuad* row)
+{
+    return reinterpret_cast<float*>(row);
+}
+
 // Premultiplied floats in the range 0 to 1 of `count` stored pixels; writes exactly those.
 void premultiply(const std::uint16_t* from, std::size_t count, float* to);
 
