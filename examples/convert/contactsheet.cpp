@@ -12,6 +12,7 @@
 #include <QPainterPath>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -66,6 +67,7 @@ void drawPicture(QPainter& painter, int index, const QString& title, const Ondre
     painter.drawImage(area.center() - shown.rect().center(), shown);
 }
 
+// Heights are square roots of the counts, so that the few bright pixels of a dark picture are seen as well.
 void drawHistogram(QPainter& painter, int index, const Ondrel::Image& image)
 {
     const QRect area = drawFrame(painter, index, "Histogram", "luminance, red, green, blue");
@@ -86,7 +88,7 @@ void drawHistogram(QPainter& painter, int index, const Ondrel::Image& image)
         QPainterPath path(QPointF(area.left(), area.bottom() + 1));
         for (std::size_t i = 0; i < bins->size(); ++i)
             path.lineTo(area.left() + double(i) / 255 * area.width(),
-                        area.bottom() + 1 - 0.95 * area.height() * (*bins)[i] / peak);
+                        area.bottom() + 1 - 0.95 * area.height() * std::sqrt(std::min(1.0, double((*bins)[i]) / peak)));
         path.lineTo(area.right() + 1, area.bottom() + 1);
         painter.fillPath(path, color);
     }

@@ -47,21 +47,43 @@ void paintRidge(Ondrel::Image& image, double horizon, double height, double shad
     }
 }
 
-void paintStrokes(Ondrel::Image& image)
+// Numbers from 0 to 1 that look random and are the same each time.
+double scatter(int index)
+{
+    const double v = std::sin(index * 12.9898) * 43758.5453;
+    return v - std::floor(v);
+}
+
+void paintSky(Ondrel::Image& image)
 {
     const int w = int(image.width), h = int(image.height);
     PixelPainter painter(&image);
     painter.setBrush(65535, 62000, 48000, 65535, static_cast<unsigned short>(h / 14), 0.8f, 4.0, 0.3);
     painter.drawPoint(QPoint(w * 3 / 4, h / 5));
-    painter.setOpacity(0.5f);
-    painter.setBrush(65535, 65535, 65535, 65535, static_cast<unsigned short>(h / 18), 0.1f, 4.0, 0.3);
-    for (int i = 0; i < 5; ++i)
-        painter.drawLine(QPoint(w * i / 6, h / 6 + (i * 37) % (h / 9 + 1)), QPoint(w * i / 6 + w / 5, h / 6));
-    painter.setOpacity(1.0f);
-    painter.setBrush(9000, 24000, 8000, 65535, static_cast<unsigned short>(h / 60), 0.4f, 4.0, 0.3);
-    for (int i = 0; i < 40; ++i) {
-        const QPoint root(w * (i * 17 % 40) / 40, h * 7 / 10 + h * (i % 7) / 28);
-        painter.drawLine(root, root - QPoint(0, h / 12));
+    painter.setOpacity(0.25f);
+    for (int i = 0; i < 24; ++i) {
+        painter.setBrush(65535, 65535, 65535, 65535, static_cast<unsigned short>(h / (14 + i % 12)), 0.02f, 4.0, 0.35);
+        const QPoint from(int(scatter(i) * w), int((0.06 + 0.22 * scatter(i + 50)) * h));
+        painter.drawLine(from, from + QPoint(int((0.05 + 0.12 * scatter(i + 99)) * w), int(0.01 * h)));
+    }
+}
+
+// Firs, the far ones first and small.
+void paintTrees(Ondrel::Image& image)
+{
+    const int w = int(image.width), h = int(image.height), count = 60;
+    PixelPainter painter(&image);
+    for (int i = 0; i < count; ++i) {
+        const double near = double(i) / count;
+        const QPoint root(int(scatter(i) * w), int((0.64 + 0.34 * near * near) * h));
+        const int height = int((0.03 + 0.14 * near) * h);
+        for (int step = 0; step < 12; ++step) {
+            const int half = std::max(1, height * (12 - step) / 45);
+            painter.setBrush(channel(0.10 + 0.01 * step), channel(0.26 + 0.012 * step), channel(0.13), 65535,
+                             static_cast<unsigned short>(std::max(2, height / 14)), 0.5f, 4.0, 0.3);
+            const QPoint middle = root - QPoint(0, height * step / 12);
+            painter.drawLine(middle - QPoint(half, 0), middle + QPoint(half, 0));
+        }
     }
 }
 
@@ -79,9 +101,10 @@ int main(int argc, char** argv)
     }
     Ondrel::Image image(width, height);
     paintGround(image);
+    paintSky(image);
     paintRidge(image, 0.62, 0.30, 0.20);
     paintRidge(image, 0.64, 0.18, 0.05);
-    paintStrokes(image);
+    paintTrees(image);
     image.colorProfile = Ondrel::DefaultColorProfileHash;
     const ResourceEngine::ExportPNGSettings settings{6, Ondrel::EmbeddedColorProfile, 0, 1};
     return ResourceEngine::ExportPNG(arguments[1], image, settings, nullptr, nullptr) ? 0 : 1;
