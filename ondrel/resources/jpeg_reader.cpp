@@ -72,8 +72,8 @@ std::optional<Conversion> makeConversion(const JpegColours& colours, OwnedProfil
     if (!output)
         output.reset(Create_sRGBColorProfile());
     conversion.hash = ColorManager::buildColorProfileHash(output.get());
-    const cmsUInt32Number format =
-        COLORSPACE_SH(colours.type) | CHANNELS_SH(colours.channels) | BYTES_SH(1) | FLAVOR_SH(colours.reversed ? 1 : 0);
+    const cmsUInt32Number format = COLORSPACE_SH(colours.type) | CHANNELS_SH(colours.channels) | BYTES_SH(1) |
+                                   FLAVOR_SH(colours.reversed ? 1u : 0u);
     conversion.transform.reset(
         cmsCreateTransform(source.get(), format, output.get(), TYPE_RGBA_16, INTENT_PERCEPTUAL, 0));
     if (!conversion.transform)

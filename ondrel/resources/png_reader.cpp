@@ -14,7 +14,7 @@ namespace Ondrel
 namespace
 {
 
-constexpr unsigned int kMostTextChunks = 128;
+constexpr unsigned int kMostKeptChunks = 128;
 
 struct MemorySource {
     const unsigned char* data;
@@ -67,6 +67,14 @@ bool create(PngReader& reader)
     return created && reader.info;
 }
 
+// Text is not used, but costs up to 8 MB a chunk once unpacked; other chunks that libpng keeps are limited in number.
+void limitChunks(png_structp png)
+{
+    const png_byte text[] = {'t', 'E', 'X', 't', 0, 'z', 'T', 'X', 't', 0, 'i', 'T', 'X', 't', 0};
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, text, 3);
+    png_set_chunk_cache_max(png, kMostKeptChunks);
+}
+
 // Samples as 16-bit colour and alpha. libpng corrects the gamma of files whose gAMA chunk differs from that of sRGB.
 void setTransformations(png_structp png, png_infop info)
 {
@@ -83,7 +91,7 @@ bool readHeader(PngReader& reader, PngHeader& header)
     return pngStep(reader.errors, [&reader, &header] {
         png_structp png = reader.png;
         png_set_read_fn(png, &reader.source, &readFromMemory);
-        png_set_chunk_cache_max(png, kMostTextChunks);
+        limitChunks(png);
         png_read_info(png, reader.info);
         int depth = 0, type = 0;
         png_get_IHDR(png, reader.info, &header.width, &header.height, &depth, &type, nullptr, nullptr, nullptr);

@@ -105,9 +105,9 @@ public:
     bool RemoveResource(Ondrel::ResourceId id);
 
     // Gives the decoded image in the profile that `colorProfile` names; with EmbeddedColorProfile in its own. A
-    // repeated call for the same profile gives the same object; a call for another one decodes anew. On failure `image`
-    // is unchanged if the id is unknown, and an empty image otherwise; a profile that is not registered or cannot be
-    // converted to is a failure.
+    // repeated call for the same profile gives the same object; a call for another one decodes anew. A profile that is
+    // not registered or cannot be converted to is a failure for PNG and RAW; JPEG and TIFF then come out in sRGB. If a
+    // file cannot be decoded or converted, `image` becomes an empty image; for an unknown id it stays as it was.
     //
     // A buffer resource ignores `colorProfile` and is copied; if the image that `image` already holds has a block of
     // the same size, its pixels are overwritten in place, although they are const for every other use.

@@ -96,8 +96,9 @@ bool readSampleFormat(TIFF* tiff, TiffLayout& layout)
 
 cmsUInt32Number TiffLayout::lcmsFormat() const
 {
-    return BYTES_SH(sampleBytes) | CHANNELS_SH(channels) | EXTRA_SH(extras) | PLANAR_SH(planar ? 1u : 0u) |
-           COLORSPACE_SH(type) | FLAVOR_SH(reversed ? 1u : 0u) | FLOAT_SH(isFloat ? 1u : 0u);
+    return BYTES_SH(unsigned(sampleBytes)) | CHANNELS_SH(unsigned(channels)) | EXTRA_SH(unsigned(extras)) |
+           PLANAR_SH(planar ? 1u : 0u) | COLORSPACE_SH(type) | FLAVOR_SH(reversed ? 1u : 0u) |
+           FLOAT_SH(isFloat ? 1u : 0u);
 }
 
 std::optional<TiffLayout> readTiffLayout(TIFF* tiff)
