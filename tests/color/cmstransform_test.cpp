@@ -1,6 +1,6 @@
 #include <ondrel/color/cmstransform.h>
 
-#include "testprofiles.h"
+#include "tests/support/testprofiles.h"
 
 #include "tests/support/testimages.h"
 

@@ -1,6 +1,6 @@
 // The registry, the display conversion and reload() from many threads at once: no deadlock, no race, right results.
 
-#include "testprofiles.h"
+#include "tests/support/testprofiles.h"
 
 #include "tests/support/testimages.h"
 

@@ -1,4 +1,4 @@
-#include "testprofiles.h"
+#include "tests/support/testprofiles.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colorprofiles.h>

@@ -1,6 +1,6 @@
 // What the registry finds on disk at its first use. Each case is a process of its own, as the registry is built once.
 
-#include "testprofiles.h"
+#include "tests/support/testprofiles.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colorprofiles.h>

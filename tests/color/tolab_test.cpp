@@ -1,4 +1,4 @@
-#include "testprofiles.h"
+#include "tests/support/testprofiles.h"
 
 #include "tests/support/testimages.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lcms2.h>
+
 #include <QByteArray>
 #include <QString>
 
@@ -25,6 +27,9 @@ Profile rgbProfile(double gamma, const std::string& description);
 Profile greyProfile();
 Profile labProfile();
 Profile cmykProfile(); // a device link's space is CMYK: it registers, and fits no RGB transform
+
+// A profile of any device colour space with a table to Lab, from which transforms can be built.
+Profile tableProfile(cmsColorSpaceSignature space);
 
 // The profile as it comes back from its saved bytes, in which numbers are rounded: what the registry hands out.
 Profile reopened(const Profile& profile);

@@ -1,7 +1,5 @@
 #include "testprofiles.h"
 
-#include <lcms2.h>
-
 #include <algorithm>
 #include <cstring>
 
@@ -12,6 +10,32 @@ void CloseProfile::operator()(void* profile) const
 {
     cmsCloseProfile(profile);
 }
+
+namespace
+{
+
+void describe(void* profile, const std::string& description)
+{
+    cmsMLU* const text = cmsMLUalloc(nullptr, 1);
+    cmsMLUsetASCII(text, "en", "US", description.c_str());
+    cmsWriteTag(profile, cmsSigProfileDescriptionTag, text);
+    cmsMLUfree(text);
+}
+
+// Any function will do that is neither constant nor the same for all channels.
+int sampleTable(const cmsUInt16Number in[], cmsUInt16Number out[], void* channels)
+{
+    unsigned int sum = 0;
+    const unsigned int count = *static_cast<const unsigned int*>(channels);
+    for (unsigned int i = 0; i < count; ++i)
+        sum += in[i];
+    out[0] = static_cast<cmsUInt16Number>(65535 - sum / count);
+    out[1] = static_cast<cmsUInt16Number>(24000 + in[0] / 4);
+    out[2] = static_cast<cmsUInt16Number>(42000 - in[count - 1] / 4);
+    return 1;
+}
+
+} // namespace
 
 Profile rgbProfile(double gamma, const std::string& description)
 {
@@ -25,10 +49,7 @@ Profile rgbProfile(double gamma, const std::string& description)
         cmsWriteTag(profile.get(), cmsSigProfileDescriptionTag, nullptr);
         return profile;
     }
-    cmsMLU* const text = cmsMLUalloc(nullptr, 1);
-    cmsMLUsetASCII(text, "en", "US", description.c_str());
-    cmsWriteTag(profile.get(), cmsSigProfileDescriptionTag, text);
-    cmsMLUfree(text);
+    describe(profile.get(), description);
     return profile;
 }
 
@@ -48,6 +69,24 @@ Profile labProfile()
 Profile cmykProfile()
 {
     return Profile(cmsCreateInkLimitingDeviceLink(cmsSigCmykData, 300));
+}
+
+Profile tableProfile(cmsColorSpaceSignature space)
+{
+    unsigned int channels = cmsChannelsOf(space);
+    Profile profile(cmsCreateProfilePlaceholder(nullptr));
+    cmsSetProfileVersion(profile.get(), 4.3);
+    cmsSetDeviceClass(profile.get(), cmsSigInputClass);
+    cmsSetColorSpace(profile.get(), space);
+    cmsSetPCS(profile.get(), cmsSigLabData);
+    describe(profile.get(), "Table of " + std::to_string(channels));
+    cmsPipeline* const pipeline = cmsPipelineAlloc(nullptr, channels, 3);
+    cmsStage* const table = cmsStageAllocCLut16bit(nullptr, channels > 5 ? 2 : 5, channels, 3, nullptr);
+    cmsStageSampleCLut16bit(table, sampleTable, &channels, 0);
+    cmsPipelineInsertStage(pipeline, cmsAT_BEGIN, table);
+    cmsWriteTag(profile.get(), cmsSigAToB0Tag, pipeline);
+    cmsPipelineFree(pipeline);
+    return profile;
 }
 
 Profile reopened(const Profile& profile)
