@@ -112,7 +112,7 @@ int main(int argc, char** argv)
     Ondrel::ColorManager::get(); // display management is on from here
     const int cells = arguments.size() - 2;
     const int rows = (cells + kColumns - 1) / kColumns;
-    QImage sheet(kColumns * kCellWidth + kMargin, rows * kCellHeight + kMargin, QImage::Format_RGB32);
+    QImage sheet(std::min(cells, kColumns) * kCellWidth + kMargin, rows * kCellHeight + kMargin, QImage::Format_RGB32);
     sheet.fill(kBackground);
     QPainter painter(&sheet);
     painter.setRenderHint(QPainter::Antialiasing);
