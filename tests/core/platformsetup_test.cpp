@@ -9,7 +9,8 @@
 #include <QFileInfo>
 #include <QLibraryInfo>
 
-namespace {
+namespace
+{
 
 TEST(PlatformSetup, StoresTheDirectoryAndLeavesTheArgumentsOfAReleaseQt)
 {
