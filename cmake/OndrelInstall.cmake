@@ -26,5 +26,7 @@ if(BUILD_SHARED_LIBS)
 else()
   set(ONDREL_PC_CFLAGS "-DONDREL_STATIC_DEFINE")
 endif()
+# The way from the file to the prefix, so that a moved installation is found where it is.
+file(RELATIVE_PATH ONDREL_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/ondrel.pc.in ${PROJECT_BINARY_DIR}/ondrel.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ondrel.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
