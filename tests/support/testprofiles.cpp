@@ -83,7 +83,9 @@ Profile tableProfile(cmsColorSpaceSignature space)
     cmsPipeline* const pipeline = cmsPipelineAlloc(nullptr, channels, 3);
     cmsStage* const table = cmsStageAllocCLut16bit(nullptr, channels > 5 ? 2 : 5, channels, 3, nullptr);
     cmsStageSampleCLut16bit(table, sampleTable, &channels, 0);
-    cmsPipelineInsertStage(pipeline, cmsAT_BEGIN, table);
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, channels, nullptr));
+    cmsPipelineInsertStage(pipeline, cmsAT_END, table);
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, 3, nullptr));
     cmsWriteTag(profile.get(), cmsSigAToB0Tag, pipeline);
     cmsPipelineFree(pipeline);
     return profile;
