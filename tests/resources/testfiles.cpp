@@ -23,6 +23,16 @@ Bytes randomBytes(std::size_t count, unsigned int seed)
     return bytes;
 }
 
+void append(Bytes& bytes, const Bytes& more)
+{
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
+
+Bytes bigEndian(unsigned int value)
+{
+    return {std::uint8_t(value >> 24), std::uint8_t(value >> 16), std::uint8_t(value >> 8), std::uint8_t(value)};
+}
+
 Bytes readFile(const QString& name)
 {
     QFile file(name);

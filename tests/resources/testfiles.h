@@ -28,6 +28,8 @@ namespace OndrelTest
 std::shared_ptr<ResourceEngine::ImageInfo> recordOf(const Bytes& data);
 
 Bytes randomBytes(std::size_t count, unsigned int seed);
+void append(Bytes& bytes, const Bytes& more);
+Bytes bigEndian(unsigned int value); // four bytes
 Bytes readFile(const QString& name);
 void writeFile(const QString& name, const Bytes& data);
 

@@ -18,12 +18,6 @@ void appendToBytes(png_struct* png, png_byte* data, std::size_t size)
 
 void flushNothing(png_struct*) {}
 
-void appendBigEndian(Bytes& bytes, std::size_t value)
-{
-    for (int shift = 24; shift >= 0; shift -= 8)
-        bytes.push_back(static_cast<unsigned char>(value >> shift));
-}
-
 } // namespace
 
 unsigned int PngPicture::channels() const
@@ -92,11 +86,11 @@ Bytes pngFile(const PngPicture& picture, const PngChunks& chunks)
 
 Bytes pngChunk(const char* type, const Bytes& data)
 {
-    Bytes chunk;
-    appendBigEndian(chunk, data.size());
-    chunk.insert(chunk.end(), type, type + 4);
-    chunk.insert(chunk.end(), data.begin(), data.end());
-    appendBigEndian(chunk, crc32(0, chunk.data() + 4, uInt(chunk.size() - 4)));
+    Bytes content(type, type + 4);
+    append(content, data);
+    Bytes chunk = bigEndian(unsigned(data.size()));
+    append(chunk, content);
+    append(chunk, bigEndian(unsigned(crc32(0, content.data(), uInt(content.size())))));
     return chunk;
 }
 
