@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <new>
 
 namespace Ondrel
 {
@@ -331,6 +332,7 @@ bool ColorManager::addColorProfilePrivate(const std::vector<unsigned char>& data
     profile.rightsText = readProfileInfo(data, cmsInfoCopyright);
     profile.fileName = fileName;
     profile.type = type;
+    reserveRetiredHandles();
     m_colorProfiles.emplace(dataHash, std::move(profile));
     handle.release();
     return true;
@@ -350,7 +352,20 @@ bool ColorManager::addColorProfileAndClose(void* profile, const QString& fileNam
 void* ColorManager::copyColorProfileByHashPrivate(const std::array<unsigned char, 32>& hash)
 {
     const auto found = m_colorProfiles.find(hash);
-    return found == m_colorProfiles.end() ? nullptr : openProfile(found->second.data).release();
+    if (found == m_colorProfiles.end())
+        return nullptr;
+    OwnedProfile copy = openProfile(found->second.data);
+    if (!copy) // these bytes have been opened before, so all that can be missing is memory
+        throw std::bad_alloc();
+    return copy.release();
+}
+
+// Room for all handles that could be retired, so that a removal needs no memory.
+void ColorManager::reserveRetiredHandles()
+{
+    const std::size_t needed = m_retiredHandles.size() + m_colorProfiles.size() + 1;
+    if (needed > m_retiredHandles.capacity())
+        m_retiredHandles.reserve(2 * needed);
 }
 
 void ColorManager::retireHandle(void* handle)

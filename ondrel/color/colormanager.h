@@ -70,7 +70,8 @@ public:
                                                  const std::vector<ColorProfile::Colorspace>& colorspaces,
                                                  const std::vector<ColorProfile::Type>& types);
 
-    // A new handle of a registered profile, to be closed by the caller; null if the hash is unknown.
+    // A new handle of a registered profile, to be closed by the caller; null if the hash is unknown. Throws
+    // std::bad_alloc if there is no memory for it.
     static void* copyColorProfileByHash(const std::array<unsigned char, 32>& hash);
 
     // The bytes of a registered profile; empty if the hash is unknown.
@@ -126,6 +127,7 @@ private:
                                  std::array<unsigned char, 32>* hash);
     void* copyColorProfileByHashPrivate(const std::array<unsigned char, 32>& hash);
     void retireHandle(void* handle);
+    void reserveRetiredHandles();
 
     bool m_colorManagementEnabled = false;
     void* m_displayProfile = nullptr; // the handle of an entry, or of one that was removed

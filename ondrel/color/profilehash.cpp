@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <functional>
-#include <string>
+#include <string_view>
 
 namespace Ondrel
 {
@@ -32,7 +32,8 @@ constexpr BlankedField kBlanked[] = {
 
 std::size_t ColorProfileHashHasher::operator()(const std::array<unsigned char, 32>& hash) const
 {
-    return std::hash<std::string>()(std::string(hash.begin(), hash.end()));
+    // The hash of an equal std::string, without an allocation: a look-up must not fail where something is undone.
+    return std::hash<std::string_view>()({reinterpret_cast<const char*>(hash.data()), hash.size()});
 }
 
 std::array<unsigned char, 32> ColorManager::buildColorProfileHash(const std::vector<unsigned char>& data)
