@@ -26,7 +26,8 @@ bool ResourceEngine::PrepareImageForExport(const Ondrel::Image& image,
     std::vector<unsigned char> bytes;
     Ondrel::GetICCProfileData(target.get(), bytes);
     // In place, through the const reference: callers hand in a copy of their own, and so save another one here.
-    if (Ondrel::convertPixels(const_cast<Ondrel::Image&>(image), own.get(), target.get()))
+    // Pixels in a profile that cannot be embedded would be read as something else.
+    if (!bytes.empty() && Ondrel::convertPixels(const_cast<Ondrel::Image&>(image), own.get(), target.get()))
         iccProfile = std::move(bytes);
     return true;
 }

@@ -116,14 +116,16 @@ bool ResourceEngine::AddImageByDataPrivate(std::shared_ptr<ImageInfo>& info, Ond
 void ResourceEngine::RegisterEmbeddedProfile(ImageInfo& info, void* profile)
 {
     usedColorProfiles.reserve(usedColorProfiles.size() + 1);
-    info.colorProfileHash = std::make_unique<std::array<unsigned char, 32>>();
-    info.colorProfileHash->fill(0);
+    auto hash = std::make_unique<std::array<unsigned char, 32>>();
     Ondrel::GetICCProfileData(profile, info.iccProfile);
-    Ondrel::ColorManager::addColorProfile(info.iccProfile, Ondrel::ColorManager::ColorProfile::Embedded,
-                                          info.colorProfileHash.get());
-    if (std::find(usedColorProfiles.begin(), usedColorProfiles.end(), *info.colorProfileHash) ==
-        usedColorProfiles.end())
-        usedColorProfiles.push_back(*info.colorProfileHash);
+    if (!Ondrel::ColorManager::addColorProfile(info.iccProfile, Ondrel::ColorManager::ColorProfile::Embedded,
+                                               hash.get())) {
+        info.iccProfile.clear(); // Little CMS could not save what it had opened: the image goes without a profile
+        return;
+    }
+    if (std::find(usedColorProfiles.begin(), usedColorProfiles.end(), *hash) == usedColorProfiles.end())
+        usedColorProfiles.push_back(*hash);
+    info.colorProfileHash = std::move(hash);
 }
 
 void ResourceEngine::ForgetEmbeddedProfile(const std::array<unsigned char, 32>& hash)
