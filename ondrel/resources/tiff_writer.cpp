@@ -12,6 +12,8 @@
 #include <type_traits>
 #include <utility>
 
+#include <unistd.h>
+
 namespace Ondrel
 {
 namespace
@@ -39,31 +41,46 @@ std::uint16_t compressionTag(unsigned int compression)
     }
 }
 
-void setTags(TIFF* tiff, const TiffPicture& picture, unsigned int compression, const std::vector<unsigned char>& icc)
+// libtiff does not tell when it had no memory for the content of these two, and would write from a null pointer, even
+// while it closes the file. Without such a tag it can at least be closed.
+bool keptArrays(TIFF* tiff)
 {
-    if (!icc.empty())
-        TIFFSetField(tiff, TIFFTAG_ICCPROFILE, std::uint32_t(icc.size()), icc.data());
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, int(picture.photometric));
-    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, int(picture.channels));
-    if (picture.photometric == PHOTOMETRIC_SEPARATED)
-        TIFFSetField(tiff, TIFFTAG_INKSET, INKSET_CMYK);
-    if (picture.alpha) {
-        const std::uint16_t kind = EXTRASAMPLE_UNASSALPHA;
-        TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &kind);
+    const char* software = nullptr;
+    if (!TIFFGetField(tiff, TIFFTAG_SOFTWARE, &software) || !software) {
+        TIFFUnsetField(tiff, TIFFTAG_SOFTWARE);
+        return false;
     }
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, int(picture.bits));
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.height);
-    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff, TIFFTAG_COMPRESSION, int(compressionTag(compression)));
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 1u);
-    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 90.0);
-    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 90.0);
-    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-    TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+    std::uint16_t count = 0;
+    const std::uint16_t* kinds = nullptr;
+    if (TIFFGetField(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds) && !kinds) {
+        TIFFUnsetField(tiff, TIFFTAG_EXTRASAMPLES);
+        return false;
+    }
+    return true;
+}
+
+// False if libtiff had no memory for a tag; it must not be given another one then.
+bool setTags(TIFF* tiff, const TiffPicture& picture, unsigned int compression, const std::vector<unsigned char>& icc)
+{
+    const std::uint16_t alphaKind = EXTRASAMPLE_UNASSALPHA;
     const QString software =
         QCoreApplication::applicationName() + QLatin1Char(' ') + QCoreApplication::applicationVersion();
-    TIFFSetField(tiff, TIFFTAG_SOFTWARE, software.toUtf8().constData());
+    const bool set =
+        (icc.empty() || TIFFSetField(tiff, TIFFTAG_ICCPROFILE, std::uint32_t(icc.size()), icc.data())) &&
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, int(picture.photometric)) &&
+        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, int(picture.channels)) &&
+        (picture.photometric != PHOTOMETRIC_SEPARATED || TIFFSetField(tiff, TIFFTAG_INKSET, INKSET_CMYK)) &&
+        (!picture.alpha || TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alphaKind)) &&
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, int(picture.bits)) &&
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, picture.width) &&
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, picture.height) &&
+        TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+        TIFFSetField(tiff, TIFFTAG_COMPRESSION, int(compressionTag(compression))) &&
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 1u) && TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 90.0) &&
+        TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 90.0) && TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH) &&
+        TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT) &&
+        TIFFSetField(tiff, TIFFTAG_SOFTWARE, software.toUtf8().constData());
+    return keptArrays(tiff) && set;
 }
 
 // Writes the rows that `fill(y, row)` puts into the row buffer, then the directory. The buffer is refilled for each
@@ -97,7 +114,8 @@ bool writeImage(TIFF* tiff, const Image& image, const ResourceEngine::ExportTIFF
                               std::uint16_t(settings.alpha != 0 ? 4 : 3),
                               std::uint16_t(settings.bitDepth != 0 ? 16 : 8),
                               settings.alpha == 1};
-    setTags(tiff, picture, settings.compression, icc);
+    if (!setTags(tiff, picture, settings.compression, icc))
+        return false;
     const std::size_t samples = std::size_t(image.width) * 4;
     if (picture.bits == 16) {
         return writePicture(tiff, picture, progress, [&](unsigned int y, void* row) {
@@ -114,6 +132,15 @@ bool writeImage(TIFF* tiff, const Image& image, const ResourceEngine::ExportTIFF
         bytesRounded(image.data + y * samples, samples, bytes.data());
         copyChannels(bytes.data(), image.width, 3, static_cast<std::uint8_t*>(row));
     });
+}
+
+// TIFFClose() does not tell whether the system could close the file, and a network file system may tell only then that
+// the disk is full.
+bool closeExport(OwnedTiff tiff)
+{
+    const int file = TIFFFileno(tiff.get());
+    TIFFCleanup(tiff.release());
+    return ::close(file) == 0;
 }
 
 // Room for the samples and for what belongs to each strip, so that an uncompressed file does not move as it grows.
@@ -141,9 +168,9 @@ bool ResourceEngine::ExportTIFF(const QString& fileName, const Ondrel::Image& im
     std::vector<unsigned char> icc;
     PrepareImageForExport(image, settings.colorProfile, icc);
     const bool written = writeImage(tiff.get(), image, settings, icc, reported);
-    tiff.reset();
+    const bool closed = closeExport(std::move(tiff));
     if (!reported.stopped())
-        return written;
+        return written && closed;
     removeStoppedExport(fileName);
     return true;
 }
@@ -186,7 +213,8 @@ bool ResourceEngine::ExportCMYKTIFFToMemory(std::vector<unsigned char>& data, co
     if (!tiff)
         return false;
     const TiffPicture picture{width, height, PHOTOMETRIC_SEPARATED, 4, 8, false};
-    setTags(tiff.get(), picture, settings.compression, icc);
+    if (!setTags(tiff.get(), picture, settings.compression, icc))
+        return false;
     const std::size_t rowSize = std::size_t(width) * 4;
     return writePicture(tiff.get(), picture, reported,
                         [&](unsigned int y, void* row) { std::memcpy(row, cmyk.data() + y * rowSize, rowSize); });
