@@ -1,19 +1,14 @@
 // The registry, the display conversion and reload() from many threads at once: no deadlock, no race, right results.
 
-#include "tests/support/testprofiles.h"
-
+#include "tests/support/stress.h"
 #include "tests/support/testimages.h"
+#include "tests/support/testprofiles.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colorprofiles.h>
 #include <ondrel/color/colortransformer.h>
 
-#include <QElapsedTimer>
-
 #include <atomic>
-#include <cstdlib>
-#include <functional>
-#include <thread>
 
 namespace
 {
@@ -21,31 +16,6 @@ namespace
 using namespace OndrelTest;
 using Ondrel::ColorManager;
 using Ondrel::Image;
-
-// How long the stress runs: 60 seconds where ONDREL_STRESS_SECONDS asks for it, two otherwise.
-int stressSeconds()
-{
-    return qEnvironmentVariableIsSet("ONDREL_STRESS_SECONDS") ? qEnvironmentVariableIntValue("ONDREL_STRESS_SECONDS")
-                                                              : 2;
-}
-
-void runTogether(const std::vector<std::function<void()>>& jobs)
-{
-    QElapsedTimer timer;
-    timer.start();
-    std::atomic<bool> stop{false};
-    std::vector<std::thread> threads;
-    for (const auto& job : jobs)
-        threads.emplace_back([&stop, job] {
-            while (!stop)
-                job();
-        });
-    while (timer.elapsed() < stressSeconds() * 1000)
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    stop = true;
-    for (std::thread& thread : threads)
-        thread.join();
-}
 
 TEST(ColorLocks, ReloadMeetsRunningConversionsWithoutADeadlock)
 {
