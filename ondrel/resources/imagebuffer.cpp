@@ -1,6 +1,7 @@
 #include <ondrel/resources/decodelimits_p.h>
 #include <ondrel/resources/imagebuffer.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -52,6 +53,8 @@ void WriteImageBuffer(std::shared_ptr<const Ondrel::Image> image, std::vector<un
     data[0] = 0;
     std::memcpy(data.data() + 1, &image->width, sizeof image->width);
     std::memcpy(data.data() + 5, &image->height, sizeof image->height);
-    if (pixelSize > 0)
-        std::memcpy(data.data() + kHeaderSize, image->data, pixelSize);
+    // Sides that were set beyond the block leave zeros at the end.
+    const auto held = std::size_t(std::min<std::uint64_t>(pixelSize, image->sizeBytes));
+    if (held > 0)
+        std::memcpy(data.data() + kHeaderSize, image->data, held);
 }
