@@ -116,7 +116,7 @@ int main(int argc, char** argv)
     sheet.fill(kBackground);
     QPainter painter(&sheet);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(kMargin / 2, kMargin / 2);
+    painter.translate(kMargin / 2.0, kMargin / 2.0);
     QFont font = painter.font();
     font.setPixelSize(15);
     painter.setFont(font);

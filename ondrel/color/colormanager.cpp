@@ -226,7 +226,7 @@ void ColorManager::updateColorProfile(const std::array<unsigned char, 32>& hash,
         manager->retireHandle(oldHandle.release()); // in use until the next reload()
     manager->m_colorProfiles.erase(found);
     if (manager->m_colorProfiles.emplace(newHash, std::move(updated)).second)
-        handle.release();
+        static_cast<void>(handle.release()); // the entry's from here on
 }
 
 void ColorManager::removeColorProfile(const std::array<unsigned char, 32>& hash, ColorProfile::Type type)
@@ -334,7 +334,7 @@ bool ColorManager::addColorProfilePrivate(const std::vector<unsigned char>& data
     profile.type = type;
     reserveRetiredHandles();
     m_colorProfiles.emplace(dataHash, std::move(profile));
-    handle.release();
+    static_cast<void>(handle.release()); // the entry's from here on
     return true;
 }
 

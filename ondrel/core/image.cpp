@@ -30,7 +30,7 @@ void copyMetadata(Image& to, const Image& from)
     to.rawToneCurve = from.rawToneCurve;
 }
 
-void swapMetadata(Image& a, Image& b)
+void swapMetadata(Image& a, Image& b) noexcept
 {
     std::swap(a.colorProfile, b.colorProfile);
     std::swap(a.rawIsMosaic, b.rawIsMosaic);
@@ -44,7 +44,7 @@ void swapMetadata(Image& a, Image& b)
     std::swap(a.rawToneCurve, b.rawToneCurve);
 }
 
-void takePixels(Image& to, Image& from)
+void takePixels(Image& to, Image& from) noexcept
 {
     to.width = std::exchange(from.width, 0);
     to.height = std::exchange(from.height, 0);
@@ -52,7 +52,7 @@ void takePixels(Image& to, Image& from)
     to.data = std::exchange(from.data, nullptr);
 }
 
-void dropPixels(Image& image)
+void dropPixels(Image& image) noexcept
 {
     unmapPixelBlock(std::exchange(image.data, nullptr), std::exchange(image.sizeBytes, 0));
     image.width = 0;
@@ -122,7 +122,7 @@ Image::Image(Image const& other)
     copyMetadata(*this, other);
 }
 
-Image::Image(Image&& other)
+Image::Image(Image&& other) noexcept
 {
     takePixels(*this, other);
     swapMetadata(*this, other);
@@ -145,7 +145,7 @@ Image& Image::operator=(Image const& other)
     return *this;
 }
 
-Image& Image::operator=(Image&& other)
+Image& Image::operator=(Image&& other) noexcept
 {
     dropPixels(*this);
     rawIsMosaic = false;

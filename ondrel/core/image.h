@@ -63,12 +63,12 @@ public:
     Image(Image const& other);
 
     // Takes the block and exchanges the metadata: the source is left without pixels and with this image's metadata.
-    Image(Image&& other);
+    Image(Image&& other) noexcept;
 
     // As the constructors. Copying between equal `sizeBytes` keeps the block. Moving gives the old block back first
     // and clears rawIsMosaic, rawFilters and rawHasInfo, so that the source receives these three cleared.
     Image& operator=(Image const& other);
-    Image& operator=(Image&& other);
+    Image& operator=(Image&& other) noexcept;
     ~Image();
 
     // Whether the block is large enough for the new width with the present height, and for the new height with the

@@ -73,7 +73,7 @@ QString UserPictureDirectory()
 
 QString UserColorProfileDirectory()
 {
-    const QString path = QFileInfo(QSettings().fileName()).absolutePath() + QStringLiteral("/color/icc");
+    QString path = QFileInfo(QSettings().fileName()).absolutePath() + QStringLiteral("/color/icc");
     const QDir directory(path);
     if (!directory.exists())
         directory.mkpath(path);

@@ -42,7 +42,6 @@ bool ReadImageBuffer(const std::vector<unsigned char>& data, std::shared_ptr<con
     return true;
 }
 
-// Hosts link against the parameter by value. NOLINTNEXTLINE(performance-unnecessary-value-param)
 void WriteImageBuffer(std::shared_ptr<const Ondrel::Image> image, std::vector<unsigned char>& data)
 {
     data.clear();

@@ -55,7 +55,6 @@ bool ResourceEngine::ValidateImage(const std::shared_ptr<ImageInfo>& info, void*
     return false;
 }
 
-// Hosts link against the parameter by value. NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool ResourceEngine::ValidateRawImage(std::shared_ptr<ImageInfo> info, void** profile)
 {
     const auto validate = Ondrel::rawDecoder().validate;
