@@ -1,3 +1,4 @@
+#include <ondrel/core/histogrambins_p.h>
 #include <ondrel/core/image.h>
 #include <ondrel/core/parallel_p.h>
 #include <ondrel/core/pixelsinblock_p.h>
@@ -23,19 +24,20 @@ struct ExactBins {
     {
     }
     std::size_t truncated(unsigned int v) const { return static_cast<std::size_t>(v * scale); }
+    // Not std::lround(): the sum itself rounds. NOLINTNEXTLINE(bugprone-incorrect-roundings)
     std::size_t rounded(unsigned int v) const { return static_cast<std::size_t>(v * scale + 0.5); }
 
     double scale;
 };
 
-// The same in fixed point with 32 fractional bits, which is faster. Not every number of bins allows it.
+// The same in fixed point with 32 fractional bits, for vectors. Not every number of bins allows it.
 struct FixedBins {
     explicit FixedBins(unsigned int bins)
-        : factor(static_cast<std::uint64_t>((bins - 1) / 65535.0 * 4294967296.0) + 1)
+        : factor(static_cast<std::uint32_t>((bins - 1) / 65535.0 * 4294967296.0) + 1)
     {
     }
-    std::size_t truncated(unsigned int v) const { return v * factor >> 32; }
-    std::size_t rounded(unsigned int v) const { return (v * factor + (std::uint64_t{1} << 31)) >> 32; }
+    std::size_t truncated(unsigned int v) const { return std::uint64_t{v} * factor >> 32; }
+    std::size_t rounded(unsigned int v) const { return (std::uint64_t{v} * factor + (std::uint64_t{1} << 31)) >> 32; }
 
     bool equals(const ExactBins& exact) const
     {
@@ -45,44 +47,69 @@ struct FixedBins {
         return equal;
     }
 
-    std::uint64_t factor;
+    std::uint32_t factor;
 };
 
-template <bool WithLuminance, bool WithLightness, bool WithColors, typename Bins>
-void countPixel(const std::uint16_t* pixel, const Lists& lists, std::size_t lastBin, Bins bins)
-{
-    const unsigned int r = pixel[0];
-    const unsigned int g = pixel[1];
-    const unsigned int b = pixel[2];
-    if constexpr (WithLuminance) {
-        const float greenAndRed = static_cast<float>(pixel[1]) * 0.587f + static_cast<float>(pixel[0]) * 0.299f;
-        const double luminance = static_cast<double>(pixel[2]) * 0.114 + static_cast<double>(greenAndRed);
-        ++lists[Luminance][std::min(lastBin, bins.truncated(static_cast<unsigned int>(static_cast<int>(luminance))))];
+// The channels that a loop counts.
+template <bool WithLuminance, bool WithLightness, bool WithColors>
+struct Counting {
+    static void count(const std::uint16_t* pixels, std::size_t count, const Lists& lists, const Lists&,
+                      std::size_t lastBin, const ExactBins& bins)
+    {
+        for (const std::uint16_t* pixel = pixels; pixel != pixels + 4 * count; pixel += 4) {
+            if constexpr (WithLuminance)
+                ++lists[Luminance][std::min(lastBin, bins.truncated(luminanceOf(pixel)))];
+            if constexpr (WithLightness)
+                ++lists[Lightness][bins.rounded(lightnessOf(pixel))];
+            if constexpr (WithColors) {
+                for (std::size_t c = 0; c < 3; ++c)
+                    ++lists[Red + c][bins.truncated(pixel[c])];
+            }
+        }
     }
-    if constexpr (WithLightness) {
-        const unsigned int lightness = (std::min(std::min(r, g), b) + std::max(std::max(r, g), b)) >> 1;
-        ++lists[Lightness][bins.rounded(lightness)];
-    }
-    if constexpr (WithColors) {
-        ++lists[Red][bins.truncated(r)];
-        ++lists[Green][bins.truncated(g)];
-        ++lists[Blue][bins.truncated(b)];
-    }
-}
 
-// Pixels go to two sets of lists in turn: neighbours often fall into one bin, and would wait for each other's store.
-template <bool WithLuminance, bool WithLightness, bool WithColors, typename Bins>
-void countPixels(const std::uint16_t* pixels, std::size_t count, Lists even, Lists odd, std::size_t lastBin, Bins bins)
-{
-    constexpr auto countOne = countPixel<WithLuminance, WithLightness, WithColors, Bins>;
-    std::size_t i = 0;
-    for (; i + 1 < count; i += 2) {
-        countOne(pixels + 4 * i, even, lastBin, bins);
-        countOne(pixels + 4 * i + 4, odd, lastBin, bins);
+    static void count(const std::uint16_t* pixels, std::size_t count, const Lists& even, const Lists& odd, std::size_t,
+                      const FixedBins& bins)
+    {
+        alignas(64) std::uint16_t buffer[kPiece * 4];
+        for (std::size_t done = 0; done < count; done += kPiece, pixels += 4 * kPiece) {
+            const std::size_t length = std::min(kPiece, count - done);
+            if constexpr (WithLuminance) {
+                binsOfPixels(pixels, length, bins.factor, FourthBin::Luminance, buffer);
+                addBins<Luminance, WithColors && !WithLightness>(buffer, length, even, odd);
+            }
+            if constexpr (WithLightness || !WithLuminance) {
+                binsOfPixels(pixels, length, bins.factor, FourthBin::Lightness, buffer);
+                addBins<WithLightness ? Lightness : ChannelCount, WithColors>(buffer, length, even, odd);
+            }
+        }
     }
-    if (i < count)
-        countOne(pixels + 4 * i, even, lastBin, bins);
-}
+
+private:
+    static constexpr std::size_t kPiece = 1024; // pixels whose bins stay in the first-level cache
+
+    // Pixels go to two sets of lists in turn: neighbours often fall into one bin, and would wait for each other's
+    // store.
+    template <Channel fourth, bool colors>
+    static void addBins(const std::uint16_t* bins, std::size_t count, const Lists& even, const Lists& odd)
+    {
+        const auto addOne = [](const std::uint16_t* bin, const Lists& lists) {
+            if constexpr (colors) {
+                for (std::size_t c = 0; c < 3; ++c)
+                    ++lists[Red + c][bin[c]];
+            }
+            if constexpr (fourth != ChannelCount)
+                ++lists[fourth][bin[3]];
+        };
+        std::size_t i = 0;
+        for (; i + 1 < count; i += 2) {
+            addOne(bins + 4 * i, even);
+            addOne(bins + 4 * i + 4, odd);
+        }
+        if (i < count)
+            addOne(bins + 4 * i, even);
+    }
+};
 
 template <typename Body>
 void withConstant(bool value, Body body)
@@ -113,13 +140,13 @@ public:
         withConstant(m_channels[Luminance], [&](auto luminance) {
             withConstant(m_channels[Lightness], [&](auto lightness) {
                 withConstant(m_channels[Red], [&](auto colors) {
-                    constexpr auto countAll = countPixels<luminance, lightness, colors, Bins>;
                     parallelRanges(m_shares, 1, [&](std::size_t firstShare, std::size_t lastShare) {
                         for (std::size_t share = firstShare; share < lastShare; ++share) {
                             const std::size_t first = m_pixels * share / m_shares;
                             const std::size_t last = m_pixels * (share + 1) / m_shares;
-                            countAll(samples + first * 4, last - first, lists(share, 0), lists(share, m_sets - 1),
-                                     m_bins - 1, bins);
+                            Counting<luminance, lightness, colors>::count(samples + first * 4, last - first,
+                                                                          lists(share, 0), lists(share, m_sets - 1),
+                                                                          m_bins - 1, bins);
                         }
                     });
                 });
@@ -186,9 +213,10 @@ void Image::BuildHistogram(Histogram& histogram, bool luminance, bool lightness,
     const std::size_t pixels = pixelsInBlock(*this);
     Counters counters(pixels, {luminance, lightness, colors, colors, colors}, bins);
     const ExactBins exact(bins);
-    const FixedBins fixed(bins);
     // The comparison pays only for a large image.
-    if (pixels >= Counters::kManyPixels && fixed.equals(exact))
+    const bool tryFixed = bins <= Counters::kManyBins && pixels >= Counters::kManyPixels;
+    const FixedBins fixed(tryFixed ? bins : 1);
+    if (tryFixed && fixed.equals(exact))
         counters.count(data, fixed);
     else
         counters.count(data, exact);

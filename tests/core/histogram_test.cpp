@@ -123,6 +123,41 @@ TEST(Histogram, AgreesWithTheLiteralFormForAllFlagsAndBins)
     });
 }
 
+// Large images are counted by vectors and in shares, where the number of bins allows it.
+TEST(Histogram, LargeImagesAgreeWithTheLiteralFormForAllFlagsAndBins)
+{
+    const Image image = OndrelTest::randomImage(521, 511, 23);
+    OndrelTest::forEveryInstructionLevel([&image] {
+        for (const unsigned int bins : {1u, 2u, 100u, 256u, 4096u, 4097u})
+            for (const unsigned int flags : {1u, 2u, 16u, 29u, 30u, 31u}) {
+                Histogram expected;
+                OndrelReference::buildHistogram(image, expected, flags & 1, flags & 2, flags & 4, flags & 8, flags & 16,
+                                                bins);
+                expectSame(of(image, bins, flags), expected);
+            }
+    });
+}
+
+TEST(Histogram, EveryValueOfALargeImageFallsIntoItsBin)
+{
+    Image image(65536, 5);
+    for (unsigned int v = 0; v < 65536; ++v) {
+        const auto s = std::uint16_t(v);
+        OndrelTest::setPixel(image, v, 0, {s, s, s, 0});
+        OndrelTest::setPixel(image, v, 1, {s, 0, 0, 0});
+        OndrelTest::setPixel(image, v, 2, {0, s, 0, 0});
+        OndrelTest::setPixel(image, v, 3, {0, 0, s, 0});
+        OndrelTest::setPixel(image, v, 4, {65535, s, std::uint16_t(65535 - v), 0});
+    }
+    OndrelTest::forEveryInstructionLevel([&image] {
+        for (const unsigned int bins : {2u, 16u, 255u, 256u, 257u, 1021u, 4096u, 65536u}) {
+            Histogram expected;
+            OndrelReference::buildHistogram(image, expected, true, true, true, true, true, bins);
+            expectSame(of(image, bins), expected);
+        }
+    });
+}
+
 TEST(Histogram, EveryGreyValueFallsIntoItsBin)
 {
     Image image(65536, 1);
