@@ -147,6 +147,7 @@ Image pngPixels(const Bytes& file)
         png_set_tRNS_to_alpha(png);
     else
         png_set_add_alpha(png, 0xFFFF, PNG_FILLER_AFTER);
+    png_set_interlace_handling(png);
     png_read_update_info(png, info);
     const unsigned int width = png_get_image_width(png, info), height = png_get_image_height(png, info);
     const std::size_t rowBytes = png_get_rowbytes(png, info);
