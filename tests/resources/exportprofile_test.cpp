@@ -111,6 +111,13 @@ TEST(ExportProfile, ATargetConvertsThePixelsInPlaceAndGivesItsBytes)
     }
 }
 
+TEST(ExportProfile, TheIntentIsPerceptual)
+{
+    const RegisteredProfile table(tableProfile(cmsSigRgbData)); // has another table for each intent
+    const Image image = imageIn(table.hash());
+    EXPECT_TRUE(samePixels(prepared(image, linear()).image, converted(image, linear())));
+}
+
 TEST(ExportProfile, TheOwnProfileAsTargetStillTransforms)
 {
     const Image image = imageIn(proPhoto());

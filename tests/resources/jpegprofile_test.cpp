@@ -161,6 +161,15 @@ TEST_F(JpegProfile, AnotherColorSpaceThanTheFilesIsRefused)
     EXPECT_TRUE(reads(JCS_RGB, tableProfile(cmsSigRgbData)));
 }
 
+TEST_F(JpegProfile, TheIntentIsPerceptual)
+{
+    const Profile table = tableProfile(cmsSigRgbData); // has another table for each intent
+    const Bytes file = fileWith([&](jpeg_compress_struct* jpeg) { writeIcc(jpeg, savedBytes(table.get())); });
+    const JpegRows rows = decodeJpeg(file);
+    EXPECT_TRUE(samePixels(readJpeg(file, Hash{}).image,
+                           transformed(rows.samples, 5, 4, TYPE_RGB_8, reopened(table).get(), sRGB().get())));
+}
+
 TEST_F(JpegProfile, AProfileThatGivesNoTransformIsRefusedWhereOneIsNeeded)
 {
     // RGB by its header, without any tag to convert by.

@@ -22,17 +22,35 @@ void describe(void* profile, const std::string& description)
     cmsMLUfree(text);
 }
 
+struct TableShape {
+    unsigned int channels;
+    unsigned int darkest; // the lightness that all ink or light together has
+};
+
 // Any function will do that is neither constant nor the same for all channels.
-int sampleTable(const cmsUInt16Number in[], cmsUInt16Number out[], void* channels)
+int sampleTable(const cmsUInt16Number in[], cmsUInt16Number out[], void* tableShape)
 {
+    const TableShape& shape = *static_cast<const TableShape*>(tableShape);
     unsigned int sum = 0;
-    const unsigned int count = *static_cast<const unsigned int*>(channels);
-    for (unsigned int i = 0; i < count; ++i)
+    for (unsigned int i = 0; i < shape.channels; ++i)
         sum += in[i];
-    out[0] = static_cast<cmsUInt16Number>(65535 - sum / count);
+    const unsigned int mean = sum / shape.channels;
+    out[0] = static_cast<cmsUInt16Number>(65535 - mean + mean * shape.darkest / 65535);
     out[1] = static_cast<cmsUInt16Number>(24000 + in[0] / 4);
-    out[2] = static_cast<cmsUInt16Number>(42000 - in[count - 1] / 4);
+    out[2] = static_cast<cmsUInt16Number>(42000 - in[shape.channels - 1] / 4);
     return 1;
+}
+
+void writeTable(void* profile, cmsTagSignature tag, TableShape shape)
+{
+    cmsPipeline* const pipeline = cmsPipelineAlloc(nullptr, shape.channels, 3);
+    cmsStage* const table = cmsStageAllocCLut16bit(nullptr, shape.channels > 5 ? 2 : 5, shape.channels, 3, nullptr);
+    cmsStageSampleCLut16bit(table, sampleTable, &shape, 0);
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, shape.channels, nullptr));
+    cmsPipelineInsertStage(pipeline, cmsAT_END, table);
+    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, 3, nullptr));
+    cmsWriteTag(profile, tag, pipeline);
+    cmsPipelineFree(pipeline);
 }
 
 } // namespace
@@ -73,21 +91,16 @@ Profile cmykProfile()
 
 Profile tableProfile(cmsColorSpaceSignature space)
 {
-    unsigned int channels = cmsChannelsOf(space);
+    const unsigned int channels = cmsChannelsOf(space);
     Profile profile(cmsCreateProfilePlaceholder(nullptr));
     cmsSetProfileVersion(profile.get(), 4.3);
     cmsSetDeviceClass(profile.get(), cmsSigInputClass);
     cmsSetColorSpace(profile.get(), space);
     cmsSetPCS(profile.get(), cmsSigLabData);
     describe(profile.get(), "Table of " + std::to_string(channels));
-    cmsPipeline* const pipeline = cmsPipelineAlloc(nullptr, channels, 3);
-    cmsStage* const table = cmsStageAllocCLut16bit(nullptr, channels > 5 ? 2 : 5, channels, 3, nullptr);
-    cmsStageSampleCLut16bit(table, sampleTable, &channels, 0);
-    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, channels, nullptr));
-    cmsPipelineInsertStage(pipeline, cmsAT_END, table);
-    cmsPipelineInsertStage(pipeline, cmsAT_END, cmsStageAllocToneCurves(nullptr, 3, nullptr));
-    cmsWriteTag(profile.get(), cmsSigAToB0Tag, pipeline);
-    cmsPipelineFree(pipeline);
+    writeTable(profile.get(), cmsSigAToB0Tag, {channels, 0});
+    writeTable(profile.get(), cmsSigAToB1Tag, {channels, 20000});
+    writeTable(profile.get(), cmsSigAToB2Tag, {channels, 40000});
     return profile;
 }
 

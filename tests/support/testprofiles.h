@@ -28,7 +28,8 @@ Profile greyProfile();
 Profile labProfile();
 Profile cmykProfile(); // a device link's space is CMYK: it registers, and fits no RGB transform
 
-// A profile of any device colour space with a table to Lab, from which transforms can be built.
+// A profile of any device colour space with a table to Lab for each intent, from which transforms can be built; to it,
+// none can.
 Profile tableProfile(cmsColorSpaceSignature space);
 
 // The profile as it comes back from its saved bytes, in which numbers are rounded: what the registry hands out.
