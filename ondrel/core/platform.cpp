@@ -1,4 +1,5 @@
 #include <ondrel/core/platform.h>
+#include <ondrel/core/platformarguments_p.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -99,6 +100,19 @@ QString executableDirectory(int argc, char** argv)
 
 } // namespace
 
+void Ondrel::addPlatformPluginArguments(std::vector<char*>& arguments, int& argc, char*** argv)
+{
+    static char option[] = "-platformpluginpath";
+    static char directory[] = "./qt/platforms";
+    // Taken aside, as the vector may move its array while it grows.
+    const std::vector<char*> given(*argv, *argv + argc);
+    arguments.insert(arguments.end(), given.begin(), given.end());
+    arguments.push_back(option);
+    arguments.push_back(directory);
+    *argv = arguments.data();
+    argc = static_cast<int>(arguments.size());
+}
+
 PlatformPrivate* PlatformPrivate::get()
 {
     static PlatformPrivate platform;
@@ -110,19 +124,8 @@ void PlatformPrivate::setup(int& argc, char*** argv)
     PlatformPrivate* platform = get();
     platform->m_applicationDirectory = executableDirectory(argc, *argv);
     QCoreApplication::addLibraryPath(platform->m_applicationDirectory + QStringLiteral("/qt/"));
-    if (!QLibraryInfo::isDebugBuild())
-        return;
-
-    static char option[] = "-platformpluginpath";
-    static char directory[] = "./qt/platforms";
-    std::vector<char*>& arguments = platform->m_arguments;
-    // A second call starts from the vector that the first one handed out, so the old pointers are taken aside.
-    const std::vector<char*> given(*argv, *argv + argc);
-    arguments.insert(arguments.end(), given.begin(), given.end());
-    arguments.push_back(option);
-    arguments.push_back(directory);
-    *argv = arguments.data();
-    argc = static_cast<int>(arguments.size());
+    if (QLibraryInfo::isDebugBuild())
+        Ondrel::addPlatformPluginArguments(platform->m_arguments, argc, argv);
 }
 
 QString PlatformPrivate::applicationDirectory() const

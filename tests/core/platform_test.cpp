@@ -1,4 +1,5 @@
 #include <ondrel/core/platform.h>
+#include <ondrel/core/platformarguments_p.h>
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,9 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QTemporaryDir>
+
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -121,6 +125,32 @@ TEST(PlatformPlugins, CanBeAddedReplacedAndRemoved)
     platform->removePluginDirectory("one");
     EXPECT_EQ(Platform::PluginDirectory("one"), "/");
     platform->removePluginDirectory("one");
+}
+
+std::vector<std::string> texts(int argc, char** argv)
+{
+    return std::vector<std::string>(argv, argv + argc);
+}
+
+TEST(PlatformArguments, TellADebugBuildOfQtWhereItsPluginsAre)
+{
+    char program[] = "program", option[] = "--option";
+    char* given[] = {program, option, nullptr};
+    std::vector<char*> arguments;
+    int argc = 2;
+    char** argv = given;
+    Ondrel::addPlatformPluginArguments(arguments, argc, &argv);
+    const std::vector<std::string> once = {"program", "--option", "-platformpluginpath", "./qt/platforms"};
+    EXPECT_EQ(texts(argc, argv), once);
+    EXPECT_EQ(argv, arguments.data());
+    EXPECT_EQ(argv[1], option); // the texts are not copied
+
+    // A second call adds to what the first one left.
+    Ondrel::addPlatformPluginArguments(arguments, argc, &argv);
+    std::vector<std::string> twice = once;
+    twice.insert(twice.end(), once.begin(), once.end());
+    twice.insert(twice.end(), {"-platformpluginpath", "./qt/platforms"});
+    EXPECT_EQ(texts(argc, argv), twice);
 }
 
 } // namespace
