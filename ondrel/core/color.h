@@ -11,7 +11,7 @@ namespace Ondrel
 {
 
 // A 16-bit colour, 0 to 65535 in each channel, not premultiplied; opaque black at first. It travels in a QVariant
-// under the meta type name "Ondrel::Color".
+// under the meta type name "Ondrel::Color". A plain value without locks; conversion to QVariant from any thread.
 class ONDREL_EXPORT Color
 {
 public:
@@ -40,8 +40,8 @@ public:
     bool operator!=(Color const& other) const;
 };
 
-// The same colour with channels of 0 to 1.
+// The same colour, each channel as its 65535th part in single precision, 0 to 1; QColor keeps 16 bits of it.
 ONDREL_EXPORT QColor ColorToQColor(Ondrel::Color const& color);
 
 } // namespace Ondrel
-Q_DECLARE_METATYPE(Ondrel::Color) // name "Ondrel::Color"
+Q_DECLARE_METATYPE(Ondrel::Color)

@@ -12,6 +12,8 @@ struct Curves {
     std::vector<CubicBezierSpline::Point> all, red, green, blue;
 };
 
+// Pure functions: any thread, as long as no two change one list.
+
 // Whether the list is exactly (0, 0), (65535, 65535). A third knot on that line makes it not linear.
 ONDREL_EXPORT bool IsCurveLinear(std::vector<CubicBezierSpline::Point> const& points);
 

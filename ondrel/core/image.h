@@ -66,7 +66,8 @@ public:
     Image(Image&& other) noexcept;
 
     // As the constructors. Copying between equal `sizeBytes` keeps the block. Moving gives the old block back first
-    // and clears rawIsMosaic, rawFilters and rawHasInfo, so that the source receives these three cleared.
+    // and clears rawIsMosaic, rawFilters and rawHasInfo, so that the source receives these three cleared; an image
+    // moved to itself ends without pixels.
     Image& operator=(Image const& other);
     Image& operator=(Image&& other) noexcept;
     ~Image();
@@ -90,9 +91,9 @@ public:
     // Sets every sample, alpha too.
     void FastFill(unsigned short value);
 
-    // The mean colour of a box of pixels, 0 to 1, alpha ignored. A box that starts left of or above the image is moved
-    // to the edge, not shortened; what lies beyond the right or lower edge is left out. False, with the outputs
-    // unchanged, if no pixel is left. The sum runs in single precision from pixel to pixel, in row order.
+    // The mean colour of a box of pixels, 0 to 1 but for rounding, alpha ignored. A box that starts left of or above
+    // the image is moved to the edge, not shortened; what lies beyond the right or lower edge is left out. False, with
+    // the outputs unchanged, if no pixel is left. The sum runs in single precision from pixel to pixel, in row order.
     bool SampleAverageRGB(int x, int y, int w, int h, float& r, float& g, float& b) const;
 
     // Counts all pixels, transparent ones too, into `bins` equal classes. All five vectors are cleared first; those

@@ -132,5 +132,3 @@ extern template class RectT<int>;
 extern template class RectT<float>;
 
 } // namespace Ondrel
-
-// RectT<int> passes through signals: Q_DECLARE_METATYPE(Ondrel::RectT<int>) stands in the header that needs it

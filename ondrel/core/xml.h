@@ -12,7 +12,8 @@
 #include <QVector>
 
 // Reading and writing of XML nodes, and tinted icons. Nothing here reports an error: what is absent or malformed gives
-// the default. Attribute names are matched exactly.
+// the default. Attribute names are matched exactly. Nodes and renderers are objects of Qt: what one thread reads here,
+// no other may change at the same time.
 
 namespace Ondrel
 {
@@ -40,8 +41,8 @@ ONDREL_EXPORT QVector<QPair<double, QColor>> AttributeAsGradient(QDomNode node, 
 // A new element with one text child, not attached to anything.
 ONDREL_EXPORT QDomElement TextElement(QDomDocument& document, QString elementName, QString text);
 
-// Loads a file into the renderer, with every occurrence of the bytes `find` (UTF-8) replaced. A file that cannot be
-// opened leaves the renderer as it was.
+// Loads a file into the renderer, with every occurrence of the bytes `find` (UTF-8) replaced. What is no regular file,
+// or cannot be opened, leaves the renderer as it was.
 ONDREL_EXPORT void LoadSvgWithReplace(QSvgRenderer& renderer, const QString& fileName, const QString& find,
                                       const QString& replace);
 

@@ -25,7 +25,11 @@
 // Ondrel::Image job. A job that throws delivers a null or empty image.
 //
 // The destructor neither waits for the running job nor cancels it; nothing is emitted afterwards. So a job must hold
-// what it reads by shared ownership. A slot may delete the queue.
+// what it reads by shared ownership. A slot may delete the queue. A queue keeps the last result of each kind until the
+// next job of that kind starts.
+//
+// Signals and slots are connected by their signatures: qImageFinished(QImage,int,QVariant) and
+// imageFinished(Ondrel::Image,int,QVariant).
 class ONDREL_EXPORT BackgroundWorkQueue : public QObject, private boost::noncopyable
 {
     Q_OBJECT
@@ -82,6 +86,3 @@ private:
     QVariant m_currentUserData;
     bool m_working = false;
 };
-// Image(QImage) is explicit, or a bare lambda returning QImage would be ambiguous between the two overloads; callers
-// wrap the job in any case: queueWork(std::function<QImage ()>([...] {...}), ...) moc:
-// qImageFinished(QImage,int,QVariant)  imageFinished(Ondrel::Image,int,QVariant)
