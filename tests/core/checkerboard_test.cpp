@@ -73,4 +73,31 @@ TEST(Checkerboard, EmptyImagesStayEmpty)
     EXPECT_TRUE(picture.isNull());
 }
 
+TEST(Checkerboard, ACellSizeOfZeroLeavesTheFirstColour)
+{
+    for (const auto& [cellWidth, cellHeight] : {std::pair(0u, 4u), std::pair(4u, 0u)}) {
+        const Image image = drawn(9, 9, cellWidth, cellHeight);
+        for (unsigned int i = 0; i < 81; ++i)
+            EXPECT_EQ(pixelAt(image, i % 9, i / 9), (Pixel{1000, 2000, 3000, 65535}));
+        QImage picture(9, 9, QImage::Format_ARGB32_Premultiplied);
+        Checkerboard(picture, cellWidth, cellHeight, Qt::red, Qt::white);
+        EXPECT_EQ(picture.pixel(5, 5), qRgb(255, 0, 0));
+    }
+}
+
+TEST(Checkerboard, EndlessCellsDoNotOverflow)
+{
+    const Image image = drawn(9, 9, 0xFFFFFFFFu, 0xFFFFFFFFu);
+    EXPECT_EQ(pixelAt(image, 5, 5), pixelAt(image, 4, 4)); // the corner of four cells is at (5, 5)
+    EXPECT_NE(pixelAt(image, 5, 5), pixelAt(image, 4, 5));
+}
+
+TEST(Checkerboard, TheSecondColourOfAQImageIsPaintedOverTheFirst)
+{
+    QImage picture(8, 8, QImage::Format_ARGB32_Premultiplied);
+    Checkerboard(picture, 4, 4, QColor(0, 0, 0), QColor(255, 255, 255, 0));
+    for (int i = 0; i < 64; ++i)
+        EXPECT_EQ(picture.pixel(i % 8, i / 8), qRgb(0, 0, 0));
+}
+
 } // namespace

@@ -150,4 +150,10 @@ TEST(Color, QColorHasTheSameChannels)
     EXPECT_NEAR(color.alphaF(), 40000 / 65535.0, step);
 }
 
+TEST(Color, IsPlainData)
+{
+    EXPECT_TRUE(std::is_trivially_copyable_v<Color>);
+    EXPECT_EQ(sizeof(Color), 8u);
+}
+
 } // namespace

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 namespace
@@ -242,6 +243,24 @@ TEST(Image, MoveAssignmentExchangesHashAndRawGroupButForThreeClearedFields)
     EXPECT_EQ(source.rawToneCurve, oldTarget.rawToneCurve);
 }
 
+TEST(Image, MovingToItselfLeavesNoPixels)
+{
+    Image image = marked(6, 5, 9);
+    Image& same = image;
+    image = std::move(same);
+    EXPECT_EQ(image.data, nullptr);
+    EXPECT_EQ(image.width, 0u);
+    EXPECT_EQ(image.sizeBytes, 0u);
+    EXPECT_FALSE(image.rawHasInfo);
+    EXPECT_EQ(image.rawRotation, 9u % 4);
+}
+
+TEST(Image, MovesCannotFail)
+{
+    EXPECT_TRUE(std::is_nothrow_move_constructible_v<Image>);
+    EXPECT_TRUE(std::is_nothrow_move_assignable_v<Image>);
+}
+
 TEST(Image, ToPtrIsADeepCopy)
 {
     const Image source = marked(6, 5, 9);
@@ -337,6 +356,16 @@ TEST(ImageFill, FastFillWritesAlphaToo)
     EXPECT_TRUE(std::all_of(image.data, image.data + 60, [](std::uint16_t v) { return v == 777; }));
     Image empty(0, 3);
     empty.FastFill(1);
+}
+
+TEST(ImageFill, StopsAtTheSizeOfAShrunkImage)
+{
+    Image image(10, 10);
+    image.width = image.height = 5;
+    image.Fill(1, 2, 3, 4);
+    image.FastFill(6);
+    EXPECT_EQ(image.data[99], 6);
+    EXPECT_EQ(image.data[100], 0);
 }
 
 struct Average {

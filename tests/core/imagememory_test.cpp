@@ -115,4 +115,18 @@ TEST_F(ImageMemory, ARefusedMappingThrowsAndLeavesTheEmptyState)
 
 #endif
 
+#ifdef __SANITIZE_ADDRESS__
+
+// Blocks are mappings, of which the sanitizer knows nothing by itself.
+TEST_F(ImageMemory, AnAccessBesideABlockIsSeenByTheSanitizer)
+{
+    const Image image(10, 7);
+    const volatile std::uint16_t* const block = image.data;
+    EXPECT_DEATH(static_cast<void>(block[10 * 7 * 4]), "");
+    EXPECT_DEATH(static_cast<void>(block[-1]), "");
+    EXPECT_DEATH(static_cast<void>(block[4096]), "");
+}
+
+#endif
+
 } // namespace

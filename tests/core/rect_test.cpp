@@ -277,4 +277,42 @@ TEST(Rect, IntersectionOfManyAndOfNone)
     EXPECT_EQ(FloatRect::intersectRects({}).right(), FLT_MAX);
 }
 
+TEST(Rect, CentreFIsInSinglePrecisionForIntegersToo)
+{
+    EXPECT_EQ(IntRect(16777217, 0, 0, 3).centerF(), QPointF(16777216, 1.5));
+    EXPECT_EQ(FloatRect(0.1f, 0, 0.5f, 0).centerF().x(), double(0.1f + 0.5f * 0.5f));
+}
+
+TEST(Rect, FloatsTakeIntegerPoints)
+{
+    expectEdges(FloatRect(QPoint(7, 2), QPoint(3, 9)), 3.0f, 2.0f, 7.0f, 9.0f);
+    FloatRect r(0.5f, 0.5f, 1.0f, 1.0f);
+    r.setTopLeft(QPoint(-1, -2));
+    r.setBottomRight(QPoint(3, 4));
+    expectEdges(r, -1.0f, -2.0f, 3.0f, 4.0f);
+    r.setTopRight(QPoint(5, 1));
+    r.setBottomLeft(QPoint(2, 6));
+    expectEdges(r, 2.0f, 1.0f, 5.0f, 6.0f);
+    r.addPoint(QPoint(-9, 8));
+    expectEdges(r, -9.0f, 1.0f, 5.0f, 8.0f);
+    EXPECT_EQ(r.bottomRightF(), QPointF(5, 8));
+}
+
+TEST(Rect, CoordinatesBeyondTheTypeBecomeTheNearest)
+{
+    expectEdges(IntRect(QPointF(1e300, -1e300), QPointF(0, 0)), 0, INT_MIN, INT_MAX, 0);
+    expectEdges(IntRect(QPointF(NAN, NAN), QSizeF(NAN, 3)), 0, 0, 0, 0);
+    EXPECT_EQ(FloatRect(1e30f, -1e30f, 0, 0).topLeft(), QPoint(INT_MAX, INT_MIN));
+}
+
+TEST(Rect, IntegerEdgesWrap)
+{
+    EXPECT_EQ(IntRect(INT_MAX, 0, 1, 0).right(), INT_MIN);
+    IntRect r(INT_MAX - 1, INT_MIN, 1, 0);
+    r.translate(1, -1);
+    expectEdges(r, INT_MAX, INT_MAX, INT_MIN, INT_MAX);
+    EXPECT_EQ(r.width(), 1);
+    EXPECT_TRUE(r.isInvalid()); // by its edges
+}
+
 } // namespace

@@ -183,6 +183,82 @@ TEST(RectDrag, ACentredWidthIsShiftedInside)
     EXPECT_EQ(top(edges(80, 30, 100, 90), 10, 1, 1), edges(40, 40, 100, 90));
 }
 
+// Mirror images in a square of 100, and the exchange of the axes.
+IntRect mirroredX(const IntRect& r)
+{
+    return edges(100 - r.right(), r.top(), 100 - r.left(), r.bottom());
+}
+
+IntRect mirroredY(const IntRect& r)
+{
+    return edges(r.left(), 100 - r.bottom(), r.right(), 100 - r.top());
+}
+
+IntRect exchanged(const IntRect& r)
+{
+    return edges(r.top(), r.left(), r.bottom(), r.right());
+}
+
+TEST(RectDrag, TheCornersAreMirrorImages)
+{
+    const IntRect r = edges(40, 30, 90, 80);
+    for (const auto& [aw, ah] : {std::pair(0, 0), std::pair(1, 1), std::pair(2, 1), std::pair(1, 2)})
+        for (int dx = -60; dx <= 60; dx += 12)
+            for (int dy = -60; dy <= 60; dy += 10) {
+                const IntRect expected = topLeft(r, dx, dy, float(aw), float(ah));
+                IntRect right = mirroredX(r), bottom = mirroredY(r), both = mirroredX(mirroredY(r));
+                right.adjustTopRight(QPointF(-dx, dy), 100, 100, float(aw), float(ah));
+                bottom.adjustBottomLeft(QPointF(dx, -dy), 100, 100, float(aw), float(ah));
+                both.adjustBottomRight(QPointF(-dx, -dy), 100, 100, float(aw), float(ah));
+                EXPECT_EQ(mirroredX(right), expected) << dx << " " << dy << " " << aw << ":" << ah;
+                EXPECT_EQ(mirroredY(bottom), expected) << dx << " " << dy << " " << aw << ":" << ah;
+                EXPECT_EQ(mirroredX(mirroredY(both)), expected) << dx << " " << dy << " " << aw << ":" << ah;
+            }
+}
+
+TEST(RectDrag, ALeftEdgeIsATopEdgeWithTheAxesExchanged)
+{
+    for (const IntRect& r : {edges(20, 30, 80, 90), edges(0, 30, 20, 90), edges(80, 30, 100, 90)})
+        for (const auto& [aw, ah] : {std::pair(0, 0), std::pair(1, 1), std::pair(3, 2), std::pair(1, 4)})
+            for (const int limitX : {100, 101})
+                for (float delta = -40; delta <= 60; delta += 9.5f) {
+                    IntRect left = exchanged(r);
+                    left.adjustLeft(delta, 100, limitX, float(ah), float(aw));
+                    EXPECT_EQ(exchanged(left), top(r, delta, float(aw), float(ah), limitX, 100)) << delta;
+                }
+}
+
+TEST(RectDrag, RightAndBottomEdgesMeasureFromTheOppositeEdge)
+{
+    IntRect r = edges(0, 0, 40, 40);
+    r.adjustBottom(20, 200, 200, 1, 1); // 60 high: 60 wide around 20, shifted inside
+    EXPECT_EQ(r, edges(0, 0, 60, 60));
+    r.adjustRight(-20, 200, 200, 2, 1); // 40 wide: 20 high around 30
+    EXPECT_EQ(r, edges(0, 20, 40, 40));
+    r = edges(0, 0, 40, 40);
+    r.adjustBottom(60, 50, 200, 1, 1); // 100 wide do not fit: limited to 50
+    EXPECT_EQ(r, edges(0, 0, 50, 50));
+}
+
+TEST(RectDrag, FloatEdgesAreNotRounded)
+{
+    FloatRect r(20.0f, 30.0f, 60.0f, 60.0f);
+    r.adjustTop(0.25f, 100.0f, 100.0f, 0, 0);
+    EXPECT_EQ(r.top(), 30.25f);
+    // The length that belongs to the aspect is whole; it is halved without loss.
+    r.adjustTop(18.75f, 100.0f, 100.0f, 1, 1);
+    EXPECT_EQ(r.top(), 49.0f);
+    EXPECT_EQ(r.left(), 24.5f);
+    EXPECT_EQ(r.right(), 75.5f);
+}
+
+TEST(RectDrag, FloatCornersHoldTheAspect)
+{
+    FloatRect r(40.0f, 40.0f, 40.0f, 40.0f);
+    r.adjustTopLeft(QPointF(-10.5, 3), 100.0f, 100.0f, 1, 1); // left drives: 50.5 wide, 50 high
+    EXPECT_EQ(r, FloatRect(29.5f, 30.0f, 50.5f, 50.0f));
+}
+
 TEST(RectDrag, NothingHangsOnAbsurdNumbers)
 {
     for (const float aspect : {1e-30f, 1e30f})

@@ -181,4 +181,30 @@ TEST(Spline, PointsOutOfOrderOrRangeAreHarmless)
     EXPECT_TRUE(smooth({{0, 0}, {5, 5}}, 0, 10).empty());
 }
 
+TEST(Spline, HalvesRoundUp)
+{
+    // Controls 2 and 3: in the middle 2.5.
+    EXPECT_EQ(smooth({{0, 1}, {2, 4}}, 3, 65535), (std::vector<float>{1.0f, 2.5f, 4.0f}));
+    EXPECT_EQ(rounded({{0, 1}, {2, 4}}, 3, 65535), (std::vector<unsigned short>{1, 3, 4}));
+}
+
+TEST(Spline, OuterControlsLieHalfWayToTheInnerOnes)
+{
+    const auto table = smooth({{0, 0}, {10, 100}, {30, 100}}, 40, 65535);
+    EXPECT_EQ(table[5], 62.0f);     // controls 44 and 88
+    EXPECT_EQ(table[20], 112.375f); // controls 122 and 111
+}
+
+TEST(Spline, ControlsAreTruncatedTowardsZero)
+{
+    const auto table = smooth({{0, 20}, {10, 1}, {20, 120}}, 20, 65535);
+    EXPECT_NEAR(table[1], 14.662f, 1e-4f); // controls 2 and -15; rounded down, -16 would give 14.635
+}
+
+TEST(Spline, ValuesBetweenKnotsAreLimitedBelowToo)
+{
+    const auto table = smooth({{0, 20}, {10, 1}, {20, 120}}, 20, 65535);
+    EXPECT_EQ(table[5], 0.0f); // -2.25 by the curve
+}
+
 } // namespace

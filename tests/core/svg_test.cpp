@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QPainter>
 #include <QSvgRenderer>
 #include <QTemporaryDir>
+
+#include <sys/stat.h>
 
 namespace
 {
@@ -61,6 +64,25 @@ TEST_F(TintedSvg, AFileThatCannotBeOpenedLeavesTheRenderer)
     Ondrel::LoadSvgWithReplace(renderer, "/nowhere/icon.svg", "#000000", "#ff0000");
     EXPECT_TRUE(renderer.isValid());
     EXPECT_EQ(middle(renderer), qRgb(0, 255, 0));
+}
+
+TEST_F(TintedSvg, OnlyRegularFilesAreOpened)
+{
+    QSvgRenderer renderer;
+    const QString file = write("<rect width='4' height='4' fill='#00ff00'/>");
+    Ondrel::LoadSvgWithReplace(renderer, file, "x", "y");
+    const QString folder = QFileInfo(file).absolutePath(), pipe = folder + "/pipe";
+    ASSERT_EQ(mkfifo(qPrintable(pipe), 0600), 0); // opening it would wait for a writer
+    Ondrel::LoadSvgWithReplace(renderer, pipe, "#000000", "#ff0000");
+    Ondrel::LoadSvgWithReplace(renderer, folder, "#000000", "#ff0000");
+    EXPECT_EQ(middle(renderer), qRgb(0, 255, 0));
+}
+
+TEST_F(TintedSvg, WhatIsNoPictureLeavesAnInvalidRenderer)
+{
+    QSvgRenderer renderer;
+    Ondrel::LoadSvgWithReplace(renderer, write("<rect width='4' height='4'/>"), "svg", "nonsense");
+    EXPECT_FALSE(renderer.isValid());
 }
 
 } // namespace
