@@ -120,10 +120,13 @@ TEST(ExportProfile, TheIntentIsPerceptual)
 
 TEST(ExportProfile, TheOwnProfileAsTargetStillTransforms)
 {
-    const Image image = imageIn(proPhoto());
-    const Prepared result = prepared(image, proPhoto());
-    EXPECT_TRUE(samePixels(result.image, converted(image, proPhoto())));
-    EXPECT_EQ(result.icc, ColorManager::copyColorProfileDataByHash(proPhoto()));
+    const Profile flat = flatProfile();
+    const RegisteredProfile registered(flat);
+    const Image image = imageIn(registered.hash());
+    const Prepared result = prepared(image, registered.hash());
+    EXPECT_FALSE(samePixels(result.image, image));
+    EXPECT_TRUE(samePixels(result.image, converted(image, registered.hash())));
+    EXPECT_EQ(result.icc, savedBytes(flat.get()));
 }
 
 TEST(ExportProfile, AlphaIsKept)

@@ -321,19 +321,6 @@ TEST(ReadTiff, AnUnknownProfileAskedForMeansSrgb)
     }
 }
 
-// A profile that tells no values below a quarter apart, so that converting to and fro loses them.
-Profile flatProfile()
-{
-    const cmsUInt16Number table[] = {0, 0, 16384, 32768, 65535};
-    cmsToneCurve* const curve = cmsBuildTabulatedToneCurve16(nullptr, 5, table);
-    cmsToneCurve* const curves[3] = {curve, curve, curve};
-    const cmsCIExyY white = {0.3127, 0.3290, 1.0};
-    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1.0}, {0.30, 0.60, 1.0}, {0.15, 0.06, 1.0}};
-    Profile profile(cmsCreateRGBProfile(&white, &primaries, curves));
-    cmsFreeToneCurve(curve);
-    return profile;
-}
-
 TEST(ReadTiff, ATransformRunsEvenFromAProfileToItself)
 {
     const Profile profile = flatProfile();

@@ -22,6 +22,17 @@ void describe(void* profile, const std::string& description)
     cmsMLUfree(text);
 }
 
+// An RGB profile with sRGB primaries. Frees the curve.
+Profile profileWithCurve(cmsToneCurve* curve)
+{
+    const cmsCIExyY white = {0.3127, 0.3290, 1.0};
+    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1.0}, {0.30, 0.60, 1.0}, {0.15, 0.06, 1.0}};
+    cmsToneCurve* const curves[3] = {curve, curve, curve};
+    Profile profile(cmsCreateRGBProfile(&white, &primaries, curves));
+    cmsFreeToneCurve(curve);
+    return profile;
+}
+
 struct TableShape {
     unsigned int channels;
     unsigned int darkest; // the lightness that all ink or light together has
@@ -57,18 +68,19 @@ void writeTable(void* profile, cmsTagSignature tag, TableShape shape)
 
 Profile rgbProfile(double gamma, const std::string& description)
 {
-    const cmsCIExyY white = {0.3127, 0.3290, 1.0};
-    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1.0}, {0.30, 0.60, 1.0}, {0.15, 0.06, 1.0}};
-    cmsToneCurve* const curve = cmsBuildGamma(nullptr, gamma);
-    cmsToneCurve* const curves[3] = {curve, curve, curve};
-    Profile profile(cmsCreateRGBProfile(&white, &primaries, curves));
-    cmsFreeToneCurve(curve);
+    Profile profile = profileWithCurve(cmsBuildGamma(nullptr, gamma));
     if (description.empty()) {
         cmsWriteTag(profile.get(), cmsSigProfileDescriptionTag, nullptr);
         return profile;
     }
     describe(profile.get(), description);
     return profile;
+}
+
+Profile flatProfile()
+{
+    const cmsUInt16Number table[] = {0, 0, 16384, 32768, 65535};
+    return profileWithCurve(cmsBuildTabulatedToneCurve16(nullptr, 5, table));
 }
 
 Profile greyProfile()

@@ -24,6 +24,7 @@ using Profile = std::unique_ptr<void, CloseProfile>;
 
 // An RGB profile with sRGB primaries and the given gamma. Without a description if `description` is empty.
 Profile rgbProfile(double gamma, const std::string& description);
+Profile flatProfile(); // RGB; tells no values below a quarter apart, so that converting to and fro loses them
 Profile greyProfile();
 Profile labProfile();
 Profile cmykProfile(); // a device link's space is CMYK: it registers, and fits no RGB transform
