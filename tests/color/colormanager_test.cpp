@@ -9,6 +9,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 
 #include <algorithm>
@@ -139,13 +140,19 @@ TEST(Registry, KnowsTheDefaultProfileAsSRGB)
 
 TEST(Registry, EntriesCarryNameRightsAndBytes)
 {
-    const Bytes data = savedBytes(rgbProfile(1.9, "My Profile").get());
+    const Profile profile = rgbProfile(1.9, "My Profile");
+    cmsMLU* const rights = cmsMLUalloc(nullptr, 1);
+    cmsMLUsetASCII(rights, "en", "US", "All rights");
+    cmsWriteTag(profile.get(), cmsSigCopyrightTag, rights);
+    cmsMLUfree(rights);
+    const Bytes data = savedBytes(profile.get());
     const Registered added(data, Entry::Embedded);
     ASSERT_TRUE(added.ok);
     const Entry found = entry(added.hash);
     EXPECT_EQ(found.name, "My Profile");
-    EXPECT_FALSE(found.rightsText.isEmpty()); // Little CMS writes one
+    EXPECT_EQ(found.rightsText, "All rights");
     EXPECT_EQ(found.data, data);
+    EXPECT_EQ(ColorManager::copyColorProfileDataByHash(added.hash), data);
     EXPECT_EQ(found.type, Entry::Embedded);
     EXPECT_EQ(found.colorspace, Entry::RGB);
     EXPECT_EQ(found.fileName, QString());
@@ -153,11 +160,14 @@ TEST(Registry, EntriesCarryNameRightsAndBytes)
 
 TEST(Registry, AProfileWithoutADescriptionIsNamedByTheRawBytesOfItsHash)
 {
-    const Registered added(savedBytes(rgbProfile(1.7, "").get()), Entry::Embedded);
-    ASSERT_TRUE(added.ok);
-    const QByteArray hash = toByteArray(added.hash);
-    const int zero = hash.indexOf('\0');
-    EXPECT_EQ(entry(added.hash).name, QString::fromLatin1(zero < 0 ? hash : hash.left(zero)) + " (Embedded)");
+    for (const auto& [type, word] : {std::pair(Entry::BuiltIn, " (Built-in)"), std::pair(Entry::System, " (System)"),
+                                     std::pair(Entry::User, " (User)"), std::pair(Entry::Embedded, " (Embedded)")}) {
+        const Registered added(savedBytes(rgbProfile(1.7, "").get()), type);
+        ASSERT_TRUE(added.ok);
+        const QByteArray hash = toByteArray(added.hash);
+        const int zero = hash.indexOf('\0');
+        EXPECT_EQ(entry(added.hash).name, QString::fromLatin1(zero < 0 ? hash : hash.left(zero)) + word);
+    }
 }
 
 TEST(Registry, WhatDoesNotOpenIsRefusedInSilence)
@@ -271,6 +281,9 @@ TEST(UserProfiles, LiveInAFileOfTheirOwn)
     Hash hash{};
     ASSERT_TRUE(ColorManager::addColorProfile(data, Entry::User, &hash));
     const QString fileName = entry(hash).fileName;
+    EXPECT_EQ(QFileInfo(fileName).absolutePath(), Ondrel::Platform::UserColorProfileDirectory());
+    EXPECT_EQ(QFileInfo(fileName).fileName().size(), 6);
+    EXPECT_EQ(QFileInfo(fileName).suffix(), "");
     EXPECT_EQ(userFiles().size(), before + 1);
     QFile file(fileName);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -334,6 +347,42 @@ TEST(UserProfiles, UpdateLeavesOtherTypesAndUnknownHashesAlone)
     ColorManager::updateColorProfile(wordHash("unknown"), second);
     EXPECT_EQ(entry(added.hash).name, "First");
     EXPECT_FALSE(has(ColorManager::buildColorProfileHash(second)));
+}
+
+TEST(UserProfiles, UpdateToAProfileWithoutADescriptionLeavesTheNameEmpty)
+{
+    const Bytes second = savedBytes(rgbProfile(1.18, "").get());
+    const Registered added(savedBytes(rgbProfile(1.17, "First").get()), Entry::User);
+    ColorManager::updateColorProfile(added.hash, second);
+    const Hash hash = ColorManager::buildColorProfileHash(second);
+    EXPECT_TRUE(has(hash));
+    EXPECT_EQ(entry(hash).name, "");
+    ColorManager::removeColorProfile(hash, Entry::User);
+}
+
+TEST(UserProfiles, UpdateToWhatIsNoProfileStillFilesItUnderItsHash)
+{
+    const Bytes first = savedBytes(rgbProfile(1.17, "First").get()), noise(300, 9);
+    const Registered added(first, Entry::User);
+    ColorManager::updateColorProfile(added.hash, noise);
+    const Hash hash = ColorManager::buildColorProfileHash(noise);
+    EXPECT_EQ(entry(hash).handle, nullptr);
+    EXPECT_EQ(entry(hash).name, "");
+    EXPECT_EQ(ColorManager::copyColorProfileDataByHash(hash), first);
+    const QString fileName = entry(hash).fileName;
+    EXPECT_EQ(QFileInfo(fileName).size(), 300);
+    ColorManager::removeColorProfile(hash, Entry::User);
+    EXPECT_FALSE(QFile::exists(fileName));
+}
+
+TEST(UserProfiles, UpdateToARegisteredProfileLeavesThatOne)
+{
+    const Registered added(savedBytes(rgbProfile(1.17, "First").get()), Entry::User);
+    const QString fileName = entry(added.hash).fileName;
+    ColorManager::updateColorProfile(added.hash, savedBytes(Profile(Ondrel::Create_sRGBColorProfile()).get()));
+    EXPECT_FALSE(has(added.hash));
+    EXPECT_EQ(entry(Ondrel::DefaultColorProfileHash).type, Entry::BuiltIn);
+    EXPECT_TRUE(QFile::remove(fileName));
 }
 
 using Names = std::vector<std::pair<QString, Hash>>;
@@ -424,6 +473,26 @@ TEST_F(ColorSettings, TheDisplayProfileIsTheOneOfTheSetting)
     Bytes data;
     ColorManager::displayProfileAsICCProfile(data);
     EXPECT_EQ(ColorManager::buildColorProfileHash(data), display.hash);
+}
+
+TEST_F(ColorSettings, AnUpdatedDisplayProfileStaysInUseUntilReload)
+{
+    const Bytes first = savedBytes(rgbProfile(2.5, "First").get()),
+                second = savedBytes(rgbProfile(2.7, "Second").get());
+    const Registered display(first, Entry::User);
+    set("displayprofile", toByteArray(display.hash));
+    ColorManager::reload();
+    ColorManager::updateColorProfile(display.hash, second);
+    EXPECT_EQ(ColorManager::displayProfileAsHash(), display.hash);
+    Bytes data;
+    ColorManager::displayProfileAsICCProfile(data);
+    EXPECT_EQ(data, first);
+    Hash hash{};
+    EXPECT_EQ(ColorManager::copyDisplayProfile(hash), nullptr); // the table has it no more
+    EXPECT_EQ(hash, display.hash);
+    ColorManager::reload();
+    EXPECT_EQ(ColorManager::displayProfileAsHash(), Ondrel::DefaultColorProfileHash);
+    ColorManager::removeColorProfile(ColorManager::buildColorProfileHash(second), Entry::User);
 }
 
 TEST_F(ColorSettings, WrongLengthsAndUnknownHashesFallBackToTheDefault)

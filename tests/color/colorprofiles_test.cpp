@@ -73,10 +73,17 @@ TEST(ProfileFactory, ProPhotoHasGammaOnePointEightAndAWideGamut)
 {
     const Profile profile(Ondrel::CreateProPhotoRGBColorProfile());
     EXPECT_NEAR(cmsEstimateGamma(curve(profile.get(), cmsSigGreenTRCTag), 0.01), 1.8, 0.01);
-    const auto* const red = static_cast<const cmsCIEXYZ*>(cmsReadTag(profile.get(), cmsSigRedColorantTag));
-    ASSERT_NE(red, nullptr);
-    EXPECT_NEAR(red->X, 0.7977, 0.001); // ROMM RGB, ISO 22028-2
-    EXPECT_NEAR(red->Y, 0.2880, 0.001);
+    // ROMM RGB, ISO 22028-2
+    const std::pair<cmsTagSignature, cmsCIEXYZ> primaries[] = {{cmsSigRedColorantTag, {0.7977, 0.2880, 0.0}},
+                                                               {cmsSigGreenColorantTag, {0.1352, 0.7119, 0.0}},
+                                                               {cmsSigBlueColorantTag, {0.0313, 0.0001, 0.8251}}};
+    for (const auto& [tag, expected] : primaries) {
+        const auto* const colorant = static_cast<const cmsCIEXYZ*>(cmsReadTag(profile.get(), tag));
+        ASSERT_NE(colorant, nullptr);
+        EXPECT_NEAR(colorant->X, expected.X, 0.0005);
+        EXPECT_NEAR(colorant->Y, expected.Y, 0.0005);
+        EXPECT_NEAR(colorant->Z, expected.Z, 0.0005);
+    }
 }
 
 TEST(ProfileFactory, LinearSRGBKeepsThePrimaries)
@@ -130,10 +137,7 @@ TEST(ProfileName, OfWhatIsNoProfileIsNull)
 TEST(ProfileName, IsCutAtTheBuffer)
 {
     const Profile profile = rgbProfile(2.0, std::string(2000, 'x'));
-    const QString name = description(profile.get());
-    EXPECT_GE(name.size(), 510);
-    EXPECT_LE(name.size(), 512);
-    EXPECT_EQ(name.count('x'), name.size());
+    EXPECT_EQ(description(profile.get()), QString(511, 'x'));
 }
 
 TEST(RenderingIntent, NamesAreExact)

@@ -6,12 +6,15 @@
 #include <ondrel/color/colorprofiles.h>
 #include <ondrel/color/colortransformer.h>
 #include <ondrel/color/colortransformer_p.h>
+#include <ondrel/core/parallel_p.h>
 
 #include <lcms2.h>
+#include <lcms2_plugin.h>
 
 #include <QSettings>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 namespace
@@ -21,7 +24,14 @@ using namespace OndrelTest;
 using Ondrel::ColorManager;
 using Ondrel::Image;
 
-constexpr SIMDCompatibility kLevels[] = {SIMD_None, SIMD_SSE3, SIMD_SSE41, SIMD_SSE42, SIMD_AVX};
+// All levels that this processor has.
+std::vector<SIMDCompatibility> levels()
+{
+    std::vector<SIMDCompatibility> list;
+    for (unsigned int level = SIMD_None; level <= CheckSIMDCompatibility(); ++level)
+        list.push_back(static_cast<SIMDCompatibility>(level));
+    return list;
+}
 
 // The packing by its formula, one pixel at a time. std::nearbyint rounds ties to even.
 QImage packed(const Image& image)
@@ -73,7 +83,7 @@ TEST(DisplayPacking, IsTheFormulaAtEveryLevelAndCount)
          {0u, 1u, 2u, 3u, 4u, 5u, 7u, 8u, 9u, 11u, 12u, 13u, 14u, 15u, 16u, 17u, 100u, 1001u}) {
         const Image image = randomImage(count, 1, count);
         const QImage expected = packed(image);
-        for (const SIMDCompatibility level : kLevels)
+        for (const SIMDCompatibility level : levels())
             EXPECT_TRUE(sameBytes(render(image, level), expected)) << count << " level " << level;
     }
 }
@@ -83,8 +93,8 @@ TEST(DisplayPacking, IsTheFormulaForWholePictures)
     for (const auto& [w, h] : {std::pair(31u, 57u), std::pair(1u, 999u), std::pair(640u, 480u)}) {
         const Image image = w == 31 ? shrunkImage(w, h, 3) : randomImage(w, h, w);
         const QImage expected = packed(image);
-        EXPECT_TRUE(sameBytes(render(image, SIMD_SSE42), expected));
-        EXPECT_TRUE(sameBytes(render(image, SIMD_AVX), expected));
+        for (const SIMDCompatibility level : levels())
+            EXPECT_TRUE(sameBytes(render(image, level), expected));
     }
 }
 
@@ -97,7 +107,7 @@ TEST(DisplayPacking, EveryOpaqueValueAndEveryAlphaOfWhite)
         setPixel(image, v % 256, 256 + v / 256, {65535, std::uint16_t(v), 40000, std::uint16_t(v)});
     }
     const QImage expected = packed(image);
-    for (const SIMDCompatibility level : kLevels)
+    for (const SIMDCompatibility level : levels())
         EXPECT_TRUE(sameBytes(render(image, level), expected));
     EXPECT_EQ(expected.pixel(0, 0), 0xFF00FF55u); // red 0, green full, blue 0x5555
 }
@@ -106,7 +116,7 @@ TEST(DisplayPacking, TransparentPixelsAreTransparentBlack)
 {
     Image image(20, 1);
     image.Fill(65535, 40000, 1, 0);
-    for (const SIMDCompatibility level : kLevels)
+    for (const SIMDCompatibility level : levels())
         for (int x = 0; x < 20; ++x)
             EXPECT_EQ(render(image, level).pixel(x, 0), 0u);
 }
@@ -115,14 +125,14 @@ TEST(DisplayPacking, OpaqueColoursRound)
 {
     Image image(12, 1);
     image.Fill(65535, 32768, 129, 65535);
-    for (const SIMDCompatibility level : kLevels)
+    for (const SIMDCompatibility level : levels())
         EXPECT_EQ(render(image, level).pixel(5, 0), qRgb(255, 128, 1)); // 127.502, 0.502
 }
 
 TEST(DisplayPacking, GivesPremultipliedImagesAndNullForNothing)
 {
-    EXPECT_EQ(render(Image(3, 2), SIMD_AVX).format(), QImage::Format_ARGB32_Premultiplied);
-    EXPECT_TRUE(render(Image(), SIMD_AVX).isNull());
+    EXPECT_EQ(render(Image(3, 2), SIMD_SSE3).format(), QImage::Format_ARGB32_Premultiplied);
+    EXPECT_TRUE(render(Image(), SIMD_SSE3).isNull());
     EXPECT_TRUE(render(Image(0, 4), SIMD_SSE3).isNull());
 }
 
@@ -215,6 +225,85 @@ TEST_F(DisplaySettings, LabImagesAreShown)
     EXPECT_GE(qRed(white), 253);
     EXPECT_GE(qGreen(white), 253);
     EXPECT_GE(qBlue(white), 253);
+}
+
+TEST_F(DisplaySettings, AnIntentTakesEffectAtReload)
+{
+    const Profile paper = rgbProfile(1.8, "Paper");
+    const cmsCIEXYZ white = {0.80, 0.83, 0.68}; // so that the absolute intent differs from the others
+    cmsWriteTag(paper.get(), cmsSigMediaWhitePointTag, &white);
+    const Profile source = reopened(paper), display = reopened(Profile(Ondrel::Create_sRGBColorProfile()));
+    Image image = randomImage(20, 20, 1);
+    ASSERT_TRUE(ColorManager::addColorProfile(savedBytes(source.get()), ColorManager::ColorProfile::Embedded,
+                                              &image.colorProfile));
+    const QImage perceptual = expectedOnDisplay(image, source.get(), display.get(), 0),
+                 absolute = expectedOnDisplay(image, source.get(), display.get(), 3);
+    ASSERT_FALSE(sameBytes(perceptual, absolute));
+    QSettings().setValue("settings/colormanagement/displayrenderingintent", "Absolute Colorimetric");
+    EXPECT_TRUE(sameBytes(Ondrel::ColorTransformer::toQImage(image, false), perceptual));
+    ColorManager::reload();
+    EXPECT_TRUE(sameBytes(Ondrel::ColorTransformer::toQImage(image, false), absolute));
+    ColorManager::removeColorProfile(image.colorProfile, ColorManager::ColorProfile::Embedded);
+}
+
+// An intent of the tests' own, through which Little CMS tells when it links a transform.
+constexpr unsigned int kCountedIntent = 200;
+int linkedTransforms = 0;
+
+cmsPipeline* countLink(cmsContext context, cmsUInt32Number count, cmsUInt32Number*, cmsHPROFILE* profiles, cmsBool* bpc,
+                       cmsFloat64Number* states, cmsUInt32Number flags)
+{
+    ++linkedTransforms;
+    std::vector<cmsUInt32Number> perceptual(count, INTENT_PERCEPTUAL);
+    return _cmsDefaultICCintents(context, count, perceptual.data(), profiles, bpc, states, flags);
+}
+
+TEST_F(DisplaySettings, TransformsAreBuiltOnceForEachSourceAndThread)
+{
+    cmsPluginRenderingIntent plugin{};
+    plugin.base = {cmsPluginMagicNumber, 2000, cmsPluginRenderingIntentSig, nullptr};
+    plugin.Intent = kCountedIntent;
+    plugin.Link = countLink;
+    ASSERT_TRUE(cmsPlugin(&plugin));
+    const Ondrel::ParallelEngine before = Ondrel::parallelEngine();
+    Ondrel::setParallelEngine(Ondrel::ParallelEngine::Shuffled); // all rows on this thread
+    const Bytes display = savedBytes(Profile(Ondrel::Create_sRGBColorProfile()).get());
+    ColorTransformerPrivate::get()->setOutputSettings(true, display, kCountedIntent);
+
+    Image wide = randomImage(8, 900, 1), linear = randomImage(8, 8, 2);
+    wide.colorProfile = ColorManager::buildColorProfileHash(Profile(Ondrel::CreateProPhotoRGBColorProfile()).get());
+    linear.colorProfile = ColorManager::buildColorProfileHash(Profile(Ondrel::CreateLinear_sRGBColorProfile()).get());
+    const auto linkedBy = [](const Image& image) {
+        linkedTransforms = 0;
+        Ondrel::ColorTransformer::toQImage(image, false);
+        return linkedTransforms;
+    };
+    EXPECT_EQ(linkedBy(wide), 1); // four tasks share it
+    EXPECT_EQ(linkedBy(wide), 0);
+    EXPECT_EQ(linkedBy(linear), 1);
+    EXPECT_EQ(linkedBy(wide), 0);
+    ColorTransformerPrivate::get()->setOutputSettings(true, display, kCountedIntent);
+    EXPECT_EQ(linkedBy(wide), 1);
+
+    Ondrel::setParallelEngine(before);
+    ColorManager::reload(); // deletes the transforms before their intent goes
+    cmsUnregisterPlugins();
+}
+
+// In a process of its own, in which nothing has asked for the registry yet.
+bool isUnmanagedUntilTheRegistryIsBuilt()
+{
+    Image image = randomImage(20, 20, 1);
+    image.colorProfile = ColorManager::buildColorProfileHash(Profile(Ondrel::CreateProPhotoRGBColorProfile()).get());
+    const bool before = sameBytes(Ondrel::ColorTransformer::toQImage(image, false), packed(image));
+    ColorManager::get();
+    return before && !sameBytes(Ondrel::ColorTransformer::toQImage(image, false), packed(image));
+}
+
+TEST(DisplayRendering, IsUnmanagedUntilTheRegistryIsBuilt)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::_Exit(isUnmanagedUntilTheRegistryIsBuilt() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
 } // namespace

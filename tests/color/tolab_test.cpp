@@ -7,6 +7,8 @@
 
 #include <lcms2.h>
 
+#include <QSettings>
+
 namespace
 {
 
@@ -73,6 +75,18 @@ TEST(ToLab, AProfileThatFitsNoRgbTransformGivesZeros)
                                               &image.colorProfile));
     EXPECT_EQ(ColorManager::toLab(image), std::vector<float>(18, 0.0f));
     ColorManager::removeColorProfile(image.colorProfile, ColorManager::ColorProfile::Embedded);
+}
+
+TEST(ToLab, DoesNotConsultTheManagementSetting)
+{
+    Image image = randomImage(9, 9, 1);
+    image.colorProfile = ColorManager::buildColorProfileHash(Profile(Ondrel::CreateProPhotoRGBColorProfile()).get());
+    const std::vector<float> on = ColorManager::toLab(image);
+    QSettings().setValue("settings/colormanagement/colormanagement", "Disabled");
+    ColorManager::reload();
+    EXPECT_EQ(ColorManager::toLab(image), on);
+    QSettings().remove("settings/colormanagement");
+    ColorManager::reload();
 }
 
 TEST(ToLab, NoPixelsGiveNothing)

@@ -1,3 +1,4 @@
+#include <ondrel/core/runtimestatistics.h>
 #include <ondrel/work/backgroundworkqueue.h>
 
 #include "tests/support/testimages.h"
@@ -372,6 +373,21 @@ TEST_F(BackgroundQueue, AThrowingJobDeliversANullImageAndTheNextOneRuns)
     post(qImage(4), 0);
     expectNoMoreThan(3);
     EXPECT_EQ(widths(), (std::vector<int>{0, 4, 0}));
+}
+
+TEST_F(BackgroundQueue, KeepsNoMoreThanTheLastResult)
+{
+    const auto memory = [] { return RunTimeStatistics::Get(RunTimeStatistics::ImageMemory); };
+    const std::uint64_t before = memory();
+    post(image(100), 0);
+    waitFor(1);
+    EXPECT_EQ(memory() - before, 800u);
+    post(image(7), 0);
+    waitFor(2);
+    EXPECT_EQ(memory() - before, 56u);
+    queue.reset();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(memory(), before);
 }
 
 TEST_F(BackgroundQueue, DestructionNeitherWaitsNorReports)
