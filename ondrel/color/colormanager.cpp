@@ -349,7 +349,7 @@ bool ColorManager::addColorProfileAndClose(void* profile, const QString& fileNam
     return addColorProfilePrivate(data, fileName, type, hash);
 }
 
-void* ColorManager::copyColorProfileByHashPrivate(const std::array<unsigned char, 32>& hash)
+void* ColorManager::copyColorProfileByHashPrivate(const std::array<unsigned char, 32>& hash) const
 {
     const auto found = m_colorProfiles.find(hash);
     if (found == m_colorProfiles.end())

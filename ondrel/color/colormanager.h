@@ -125,7 +125,7 @@ private:
                                 ColorProfile::Type type, std::array<unsigned char, 32>* hash);
     bool addColorProfileAndClose(void* profile, const QString& fileName, ColorProfile::Type type,
                                  std::array<unsigned char, 32>* hash);
-    void* copyColorProfileByHashPrivate(const std::array<unsigned char, 32>& hash);
+    void* copyColorProfileByHashPrivate(const std::array<unsigned char, 32>& hash) const;
     void retireHandle(void* handle);
     void reserveRetiredHandles();
 

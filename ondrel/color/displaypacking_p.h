@@ -11,7 +11,7 @@ namespace Ondrel
 {
 
 // Packs `count` pixels of four 16-bit samples (red, green, blue, alpha) into premultiplied bytes in the order blue,
-// green, red, alpha. Both forms give the same bytes.
+// green, red, alpha. Both forms give the same bytes; the second one needs a processor with AVX.
 ONDREL_EXPORT void packForDisplay_SSE2(const std::uint16_t* samples, unsigned char* bytes, std::size_t count);
 ONDREL_EXPORT void packForDisplay_AVX(const std::uint16_t* samples, unsigned char* bytes, std::size_t count);
 

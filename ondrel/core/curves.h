@@ -27,7 +27,8 @@ ONDREL_EXPORT void ValidateCurves(Curves& curves);
 
 } // namespace Ondrel
 
-// Sends red, green and blue through a curve each, on the calling thread; alpha is copied. The result has no metadata,
+// Sends red, green and blue through a curve each (CubicBezierSpline::roundedSpline, a table of all 65536 values), on
+// the calling thread; alpha is copied. The result has no metadata,
 // unless all three curves are linear: then it is a plain copy. A curve without knots leaves its channel unchanged.
 ONDREL_EXPORT Ondrel::Image CurvesRGB(Ondrel::Image const& image,
                                       std::vector<Ondrel::CubicBezierSpline::Point> const& red,

@@ -100,7 +100,7 @@ public:
     // asked for are filled, unless the image or `bins` is 0. With s = (bins - 1) / 65535.0 the bin is trunc(v * s) for
     // red, green, blue and luminance (0.299 R + 0.587 G + 0.114 B, truncated; green and red summed in single, blue
     // added in double precision; never above the last bin), and trunc(v * s + 0.5) for lightness, which is the mean of
-    // the least and the greatest colour sample, halves down.
+    // the least and the greatest colour sample, halves down. A large image is counted on several threads.
     void BuildHistogram(Histogram& histogram, bool luminance, bool lightness, bool red, bool green, bool blue,
                         unsigned int bins) const;
 };
