@@ -196,6 +196,13 @@ TEST(Registry, GreyAndForeignLabProfilesAreRefusedWithAWarning)
     }
 }
 
+TEST(Registry, LabProfilesAreTakenAsBuiltIn)
+{
+    const Registered added(savedBytes(labProfile().get()), Entry::BuiltIn);
+    ASSERT_TRUE(added.ok);
+    EXPECT_EQ(entry(added.hash).colorspace, Entry::Lab);
+}
+
 TEST(Registry, CmykProfilesAreTaken)
 {
     const Registered added(savedBytes(cmykProfile().get()), Entry::System);

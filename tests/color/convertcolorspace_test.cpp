@@ -145,13 +145,19 @@ TEST(ConvertColorSpace, GreysToLabAndBackAreNearlyTheSame)
 
 TEST(ConvertColorSpace, BetweenTwoLabProfilesPixelsAreLeftAlone)
 {
-    // Two keys of one profile: the hash of its other spelling is not registered, so the same one serves by "Automatic".
+    Hash other{}; // version 4, beside the version 2 of the library
+    ASSERT_TRUE(
+        ColorManager::addColorProfile(savedBytes(labProfile().get()), ColorManager::ColorProfile::BuiltIn, &other));
     Image image = randomImage(5, 5, 1);
     image.rawFilters = 3;
     image.colorProfile = builtIn(Ondrel::CreateLabColorProfile);
-    const Image result = ConvertColorSpace(image, "Automatic", toByteArray(image.colorProfile), 0);
-    EXPECT_TRUE(samePixels(result, image));
-    EXPECT_EQ(result.rawFilters, 3u);
+    for (const QByteArray& to : {toByteArray(other), toByteArray(image.colorProfile)}) {
+        const Image result = ConvertColorSpace(image, "Automatic", to, 0);
+        EXPECT_TRUE(samePixels(result, image));
+        EXPECT_EQ(result.rawFilters, 3u);
+        EXPECT_EQ(toByteArray(result.colorProfile), to);
+    }
+    ColorManager::removeColorProfile(other, ColorManager::ColorProfile::BuiltIn);
 }
 
 TEST(ConvertColorSpace, DoesNotConsultTheManagementSetting)

@@ -46,7 +46,8 @@ bool scansAllThreeDirectories()
 {
     const Bytes builtIn = savedBytes(rgbProfile(1.21, "BuiltIn").get()),
                 system = savedBytes(rgbProfile(1.22, "System").get()),
-                user = savedBytes(rgbProfile(1.23, "User").get()), deep = savedBytes(rgbProfile(1.24, "Deep").get());
+                user = savedBytes(rgbProfile(1.23, "User").get()), deep = savedBytes(rgbProfile(1.24, "Deep").get()),
+                twice = savedBytes(rgbProfile(1.27, "Twice").get());
     QTemporaryDir directory;
     QDir::setCurrent(directory.path());
     write("ondrel_debug.txt", {});
@@ -59,7 +60,12 @@ bool scansAllThreeDirectories()
     write(systemRoot + "/sub/sub/deep.icm", deep);
     write(systemRoot + "/noise.icc", Bytes(400, 3));
     write(userRoot + "/u", user);
-    return find(builtIn).first == Entry::BuiltIn && find(builtIn).second.endsWith("a.icc") &&
+    write(userRoot + "/again", system);
+    // In the order of names, the files of a directory in its place.
+    write(systemRoot + "/d.icc", twice);
+    write(systemRoot + "/c/twice.icc", twice);
+    return find(twice) == Found(Entry::System, systemRoot + "/c/twice.icc") && find(builtIn).first == Entry::BuiltIn &&
+           find(builtIn).second.endsWith("a.icc") &&
            find(system) == Found(Entry::System, systemRoot + "/no extension") &&
            find(deep) == Found(Entry::System, systemRoot + "/sub/sub/deep.icm") &&
            find(user) == Found(Entry::User, userRoot + "/u");
@@ -69,16 +75,21 @@ bool survivesLoopsPipesAndDepth()
 {
     const QString root = Ondrel::Platform::SystemColorProfileDirectory();
     const Bytes reachable = savedBytes(rgbProfile(1.31, "Reachable").get()),
-                tooDeep = savedBytes(rgbProfile(1.32, "Deep").get());
+                deep = savedBytes(rgbProfile(1.33, "Deep").get()),
+                tooDeep = savedBytes(rgbProfile(1.32, "Too deep").get());
     write(root + "/z/profile.icc", reachable);
     QFile::link(root, root + "/z/loop");
     QFile::link(root + "/nowhere", root + "/dangling");
     mkfifo(qPrintable(root + "/pipe"), 0600); // opening it would wait for ever
     QString path = root + "/deep";
-    for (int i = 0; i < 80; ++i)
+    for (int i = 0; i < 80; ++i) {
         path += "/d";
+        if (i == 60)
+            write(path + "/profile.icc", deep);
+    }
     write(path + "/profile.icc", tooDeep);
-    return find(reachable) == Found(Entry::System, root + "/z/profile.icc") && find(tooDeep).first == -1;
+    return find(deep).first == Entry::System && find(reachable) == Found(Entry::System, root + "/z/profile.icc") &&
+           find(tooDeep).first == -1;
 }
 
 TEST(ProfileScan, FindsFilesOfAnyNameBelowTheThreeDirectories)
