@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ondrel/ondrel_export.h>
+
 #include <tiffio.h>
 
 #include <cstdint>
@@ -17,7 +19,7 @@ using OwnedTiff = std::unique_ptr<TIFF, CloseTiff>;
 // A TIFF stream over bytes in memory. It must stay in place, and its bytes must live, for as long as the TIFF that was
 // opened on it. Sizes and positions are 64-bit and unsigned; no exception leaves a callback, a write that finds no
 // memory is a failed write.
-class TiffMemory
+class ONDREL_EXPORT TiffMemory
 {
 public:
     explicit TiffMemory(const std::vector<unsigned char>& data) // read only
