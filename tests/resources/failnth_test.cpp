@@ -230,6 +230,38 @@ TEST_F(FailingStore, AddsDataWithAProfileThatIsRegisteredAlready)
     });
 }
 
+// Files that take other ways through the decoders than small RGB ones.
+std::vector<Bytes> variedFiles()
+{
+    PngPicture interlaced = randomPng(9, 7, PNG_COLOR_TYPE_RGB, 8);
+    interlaced.interlaced = true;
+    JpegPicture progressive = randomJpeg(20, 12, JCS_YCbCr);
+    progressive.progressive = true;
+    TiffPicture tiled = randomTiff(20, 18, PHOTOMETRIC_RGB, 16, 4);
+    tiled.extraSamples = {EXTRASAMPLE_ASSOCALPHA};
+    tiled.tileWidth = tiled.tileLength = 16;
+    tiled.planar = true;
+    TiffPicture packed = randomTiff(20, 18, PHOTOMETRIC_MINISBLACK, 8, 1);
+    packed.rowsPerStrip = 5;
+    packed.compression = COMPRESSION_LZW;
+    return {pngFile(interlaced,
+                    [](png_struct* png, png_info* info) {
+                        png_set_cHRM(png, info, 0.3127, 0.329, 0.64, 0.33, 0.3, 0.6, 0.15, 0.06);
+                        png_set_gAMA(png, info, 0.5);
+                    }),
+            jpegFile(progressive, [](jpeg_compress_struct* jpeg) { writeExif(jpeg, exifOrientation(6)); }),
+            tiffFile(tiled), tiffFile(packed)};
+}
+
+TEST_F(FailingStore, AddsVariedFiles)
+{
+    heapMayGrow = true;
+    for (const Bytes& file : variedFiles())
+        addInTurn([&file](FreshStore& store, ResourceId& id) {
+            return store.AddImageByData(ResourceEngine::FormatPNG, file, "name", id);
+        });
+}
+
 TEST_F(FailingStore, AddsDataWithoutAProfile)
 {
     for (const Bytes& file : {pngWith({}), jpegWith({}), tiffWith({})})
@@ -286,6 +318,14 @@ TEST_F(FailingCopies, InAnotherProfile)
     const Bytes icc = iccOfGamma(1.12);
     for (const Bytes& file : {pngWith(icc), jpegWith(icc), tiffWith(icc)})
         copyInTurn(file, proPhoto());
+}
+
+TEST_F(FailingCopies, OfVariedFiles)
+{
+    for (const Bytes& file : variedFiles()) {
+        copyInTurn(file, Ondrel::EmbeddedColorProfile);
+        copyInTurn(file, proPhoto());
+    }
 }
 
 TEST_F(FailingCopies, OfBuffers)
