@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <fcntl.h>
+#include <string>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace
@@ -149,6 +151,31 @@ TEST_F(ExportProgress, AStopRemovesNothingButRegularFiles)
             QFile::remove(pipe);
         }
     }
+}
+
+TEST_F(ExportProgress, ExportsRunOnAnyNumberOfThreads)
+{
+    std::array<bool, 8> agreed{};
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < agreed.size(); ++i)
+        threads.emplace_back([this, i, &agrees = agreed[i]] {
+            const Image original = standardImage(unsigned(i) + 3, 20);
+            const QString own = folder.path(std::to_string(i).c_str());
+            agrees = true;
+            for (int turn = 0; turn < 10; ++turn) {
+                Bytes bytes;
+                const Image image = original;
+                const auto settings = pngSettings(Ondrel::EmbeddedColorProfile, 1, 1);
+                agrees = agrees && ResourceEngine::ExportPNG(own, image, settings, nullptr, nullptr) &&
+                         samePixels(readPng(readFile(own)).image, original);
+                for (const Exporter& exporter : exporters())
+                    agrees = agrees && exporter.run(own, bytes, image, proPhoto(), nullptr);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const bool agrees : agreed)
+        EXPECT_TRUE(agrees);
 }
 
 TEST_F(ExportProgress, AStopWithoutAFileToRemoveIsSuccess)

@@ -147,8 +147,10 @@ TEST(LyingFiles, APngOfTooManyPixelsIsRefused)
                                         {1u, 0x7FFFFFFFu},
                                         {0x7FFFFFFFu, 0x7FFFFFFFu},
                                         {65536u, 65536u},
-                                        {0x40000000u, 4u}})
-        EXPECT_IN_LITTLE_MEMORY(!readPng(pngOfStatedSize(width, height)).ok);
+                                        {0x40000000u, 4u}}) {
+        const Bytes file = pngOfStatedSize(width, height);
+        EXPECT_IN_LITTLE_MEMORY(!readPng(file).ok);
+    }
 }
 
 TEST(LyingFiles, APngWithoutPixelsIsRefused)
@@ -235,8 +237,10 @@ TEST(LyingFiles, AJpegOfTooManyPixelsIsRefused)
     for (const bool progressive : {false, true}) {
         EXPECT_IN_LITTLE_MEMORY(readJpeg(jpegOfStatedSize(8, 8, progressive)).ok);
         for (const auto& [width, height] :
-             {std::pair(65535u, 65535u), {65500u, 65500u}, {32768u, 32768u}, {65500u, 16400u}})
-            EXPECT_IN_LITTLE_MEMORY(!readJpeg(jpegOfStatedSize(width, height, progressive)).ok);
+             {std::pair(65535u, 65535u), {65500u, 65500u}, {32768u, 32768u}, {65500u, 16400u}}) {
+            const Bytes file = jpegOfStatedSize(width, height, progressive);
+            EXPECT_IN_LITTLE_MEMORY(!readJpeg(file).ok);
+        }
     }
 }
 
@@ -322,8 +326,10 @@ TEST(LyingFiles, ATiffOfTooManyPixelsIsRefused)
                                         {0x80000000u, 1u},
                                         {1u, 0x80000000u},
                                         {65536u, 65536u},
-                                        {0x40000000u, 1u}})
-        EXPECT_IN_LITTLE_MEMORY(!readTiff(tiffOfStatedSize(width, height)).ok);
+                                        {0x40000000u, 1u}}) {
+        const Bytes file = tiffOfStatedSize(width, height);
+        EXPECT_IN_LITTLE_MEMORY(!readTiff(file).ok);
+    }
 }
 
 TEST(LyingFiles, ATiffOfManyPixelsInShortStripsIsRefused)
@@ -354,8 +360,10 @@ TEST(LyingFiles, TilesOfTooManyPixelsAreRefused)
         {0x80000000u, 16},          {16, 0x80000000u}, {65536, 65536}, {32768, 32768},
         {0xFFFFFFF0u, 0xFFFFFFF0u}, {0, 16},           {16, 0}};
     for (const auto& [width, length] : sizes) {
-        EXPECT_IN_LITTLE_MEMORY(!readTiff(tiffOfTiles(8, 8, width, length)).ok);
-        EXPECT_IN_LITTLE_MEMORY(!readTiff(tiffOfTiles(8, 8, width, length, {{TIFFTAG_COMPRESSION, kShort, 1, 5}})).ok);
+        const Bytes file = tiffOfTiles(8, 8, width, length);
+        const Bytes packed = tiffOfTiles(8, 8, width, length, {{TIFFTAG_COMPRESSION, kShort, 1, 5}});
+        EXPECT_IN_LITTLE_MEMORY(!readTiff(file).ok);
+        EXPECT_IN_LITTLE_MEMORY(!readTiff(packed).ok);
     }
 }
 

@@ -209,6 +209,20 @@ TEST(ReadPng, WhatFollowsTheLastChunkIsIgnored)
     }
 }
 
+TEST(ReadPng, AnyNumberOfTextAndPaletteChunksIsPassedOver)
+{
+    const PngPicture picture = randomPng(4, 4, PNG_COLOR_TYPE_RGB, 8);
+    Bytes chunks;
+    for (int i = 0; i < 500; ++i) {
+        append(chunks, pngChunk("tEXt", {'a', 0, 'b'}));
+        append(chunks, pngChunk("sPLT", {std::uint8_t('A' + i % 26), 0, 8, 1, 2, 3, 4, 0, 5}));
+        append(chunks, pngChunk("abCd", {1, 2, 3}));
+    }
+    const ReadResult result = readPng(withPngChunk(pngFile(picture), chunks));
+    ASSERT_TRUE(result.ok);
+    EXPECT_TRUE(samePixels(result.image, expectedImage(picture)));
+}
+
 TEST(ReadPng, DataThatIsNoPngIsRefused)
 {
     const Bytes file = pngFile(randomPng(4, 4, PNG_COLOR_TYPE_RGB, 8));

@@ -5,6 +5,8 @@
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colorprofiles.h>
 
+#include <cstdarg>
+
 namespace
 {
 
@@ -106,9 +108,9 @@ TEST(ReadTiff, OnePixelIsEnough)
 TEST(ReadTiff, GreyComesOutInSrgbAndReportsNoProfile)
 {
     for (const unsigned int bits : {8u, 16u, 32u})
-        for (const unsigned int photometric : {PHOTOMETRIC_MINISBLACK, PHOTOMETRIC_MINISWHITE}) {
+        for (const int photometric : {PHOTOMETRIC_MINISBLACK, PHOTOMETRIC_MINISWHITE}) {
             SCOPED_TRACE(testing::Message() << bits << " bits, photometric " << photometric);
-            const TiffPicture picture = randomTiff(35, 20, photometric, bits, 1);
+            const TiffPicture picture = randomTiff(35, 20, unsigned(photometric), bits, 1);
             for (const TiffPicture& layout : layoutsOf(picture))
                 expectConverted(picture, tiffFile(layout), PT_GRAY, photometric == PHOTOMETRIC_MINISWHITE,
                                 greyProfile());
@@ -296,6 +298,32 @@ TEST(ReadTiff, SamplesBeyondTheColorsOfThePhotometricAreUnspecified)
     declared.extraSamples = {EXTRASAMPLE_UNSPECIFIED};
     EXPECT_TRUE(samePixels(result.image, readTiff(tiffFile(declared)).image));
     EXPECT_EQ(pixelAt(result.image, 4, 4)[3], 65535);
+}
+
+TEST(ReadTiff, ExtraSamplesThatLeaveNoColorAreRefused)
+{
+    const QuietTiff quiet;
+    for (const int photometric : {PHOTOMETRIC_MINISBLACK, PHOTOMETRIC_SEPARATED, PHOTOMETRIC_RGB})
+        for (const unsigned int samples : {1u, 3u})
+            for (const bool planar : {false, true}) {
+                TiffPicture picture = randomTiff(8, 8, unsigned(photometric), 8, samples);
+                picture.extraSamples.assign(samples, EXTRASAMPLE_UNASSALPHA);
+                picture.planar = planar;
+                EXPECT_FALSE(readTiff(tiffFile(picture)).ok) << photometric << ' ' << samples;
+            }
+}
+
+TEST(ReadTiff, WarningsGoToTheHandlersOfTheHost)
+{
+    static int warnings = 0;
+    warnings = 0;
+    const TIFFErrorHandler handler = [](const char*, const char*, va_list) { ++warnings; };
+    const QuietTiff quiet;                                                // puts the former handlers back
+    const Bytes file = tiffFile(randomTiff(9, 9, PHOTOMETRIC_RGB, 8, 4)); // one sample more than its colours
+    TIFFSetWarningHandler(handler);
+    EXPECT_TRUE(readTiff(file).ok);
+    EXPECT_EQ(warnings, 1);
+    EXPECT_EQ(TIFFSetWarningHandler(nullptr), handler);
 }
 
 TEST(ReadTiff, RgbIsConvertedToTheProfileAskedFor)

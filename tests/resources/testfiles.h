@@ -37,6 +37,8 @@ void writeFile(const QString& name, const Bytes& data);
 class TemporaryFolder
 {
 public:
+    TemporaryFolder() {} // user-provided, so that it can be a const member
+
     QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
 
 private:
