@@ -50,7 +50,12 @@ TEST_P(ParallelRanges, WorkInsideOneAnother)
     EXPECT_EQ(sum.load(), 100);
 }
 
+#ifdef __SANITIZE_THREAD__
+// TBB itself is not compiled for the sanitizer, which cannot see how it hands ranges over and reports each one.
+INSTANTIATE_TEST_SUITE_P(Engines, ParallelRanges, testing::Values(ParallelEngine::Threads, ParallelEngine::Shuffled));
+#else
 INSTANTIATE_TEST_SUITE_P(Engines, ParallelRanges,
                          testing::Values(ParallelEngine::Tbb, ParallelEngine::Threads, ParallelEngine::Shuffled));
+#endif
 
 } // namespace
