@@ -21,9 +21,9 @@ SUFFIXES = re.compile(r"/(real_time|process_time|manual_time|iterations:\d+|min_
 UNITS = {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}
 
 
-def run(program, name_filter, repetitions):
+def run(program, name_filter, repetitions, min_time):
     """Medians of one program: {name: milliseconds}, and the counters {name: {counter: value}}."""
-    command = [str(program), f"--benchmark_filter={name_filter}", f"--benchmark_repetitions={repetitions}",
+    command = [str(program), f"--benchmark_filter={name_filter}", f"--benchmark_repetitions={repetitions}", f"--benchmark_min_time={min_time}",
                "--benchmark_report_aggregates_only=true", "--benchmark_enable_random_interleaving=true",
                "--benchmark_format=json"]
     print("running", program.name, file=sys.stderr)
@@ -103,12 +103,13 @@ def main():
     parser.add_argument("--out", required=True, type=pathlib.Path, help="without the ending")
     parser.add_argument("--filter", default=".")
     parser.add_argument("--repetitions", type=int, default=7)
+    parser.add_argument("--min-time", type=float, default=0.05, help="of one repetition, in seconds")
     arguments = parser.parse_args()
 
     results = {}
     for program in sorted(arguments.build.glob("benchmarks/**/ondrel_bench_*")):
         if os.access(program, os.X_OK) and program.is_file():
-            results.update(run(program, arguments.filter, arguments.repetitions))
+            results.update(run(program, arguments.filter, arguments.repetitions, arguments.min_time))
     machine = {
         "date": datetime.date.today().isoformat(),
         "processor": processor(),

@@ -55,7 +55,6 @@ std::vector<float> brushMask(unsigned short radius, float hardness, double cutof
             const double dy = double(radius) - double(j);
             const double distance = std::sqrt(dx * dx + dy * dy);
             double weight = 1.0;
-            // Whole distances are compared, so the solid disc reaches almost a pixel further.
             if (!(std::trunc(distance) < solid)) {
                 const double v = (distance - solid) / (double(radius) - solid);
                 weight = v > cutoff ? 0.0 : std::exp(-v * v / spread) - floorOfCurve;
@@ -143,6 +142,8 @@ std::vector<float> const& PixelPainter::wholeMask(std::vector<float>& space) con
 void PixelPainter::stamp(QPoint const& point, bool draw) const
 {
     const IntRect rect = pointBoundingRect(point, true);
+    if (rect.width() <= 0) // beside the image, where no pixel has an address
+        return;
     const std::int64_t maskLeft = std::int64_t(point.x()) - m_radius;
     const std::int64_t maskTop = std::int64_t(point.y()) - m_radius;
     const OndrelBrush::Ink ink(m_red, m_green, m_blue);

@@ -20,16 +20,22 @@ public:
     // The image may be null and must outlive its use here. The brush is black, radius 10, and has only the first 100
     // weights of its mask until setBrush is called: what lies beyond them does not draw.
     PixelPainter(Ondrel::Image* image);
+
+    // Draws on another image from now on, with the same brush. It may be null and must outlive its use here.
     void setImage(Ondrel::Image* image);
+
+    // The image that is drawn on; null if there is none. Not owned.
     Ondrel::Image* image() const;
 
-    // Scales the alpha of everything drawn; 1 at the start.
+    // Scales the alpha of everything drawn, from 0 to 1; 1 at the start. It is not limited: results outside the range
+    // of a sample are, and with what is not a number nothing useful is drawn.
     void setOpacity(float opacity);
 
-    // Colour, radius in pixels and profile of the brush. Inside radius * hardness (at most 0.99) it is solid; from
-    // there, with v growing from 0 to 1 at the radius, its weight is exp(-v^2 / (2 falloff^2)) less the value of that
-    // at v = cutoff, and 0 beyond cutoff. Equal values leave the mask as it is. The mask has (2 * radius + 1)^2
-    // weights.
+    // Colour, radius in pixels and profile of the brush. Inside trunc(radius * hardness), with a hardness of at most
+    // 0.99, it is solid; from there, with v growing from 0 to 1 at the radius, its weight is exp(-v^2 / (2 falloff^2))
+    // less the value of that at v = cutoff, and 0 beyond cutoff. Equal values leave the mask as it is. The mask has
+    // (2 * radius + 1)^2 weights of four bytes, 64 GiB for the largest radius; the last row and column are 0. Throws
+    // std::bad_alloc without memory for it. A radius of 0 draws nothing.
     void setBrush(unsigned short r, unsigned short g, unsigned short b, unsigned short a, unsigned short radius,
                   float hardness, double cutoff, double falloff);
 
@@ -42,8 +48,10 @@ public:
     // drawPoint or erasePoint.
     void drawOrErasePoint(QPoint const& point, bool draw) const;
 
-    // Sweeps the brush along a segment; each pixel gets the weight at its distance from it, once. Returns the rectangle
-    // of the pixels looked at, inside the image; an empty one without an image.
+    // Sweeps the brush along a segment; each pixel gets the weight at its distance from it, once. A segment without
+    // length acts as one stamp. Returns the rectangle of the pixels looked at, right and bottom not included: the box
+    // around the segment widened and lengthened by the radius, its corners rounded, cut to the image; an empty one
+    // without an image.
     Ondrel::RectT<int> drawLine(QPoint from, QPoint to);
 
     // RectT(x - radius, y - radius, 2 * radius, 2 * radius), with `clip` cut to RectT(0, 0, width, height), which
@@ -54,7 +62,9 @@ public:
     // The same for the brush and the image; an empty rectangle if `clip` is set and there is no image.
     Ondrel::RectT<int> pointBoundingRect(QPoint point, bool clip) const;
 
-    // Draws width x height pixels of `source` from (sourceX, sourceY) on at (x, y), as far as they lie in both images.
+    // Draws width x height pixels of `source` from (sourceX, sourceY) on at (x, y), as far as they lie in both images;
+    // nothing for a width or height below 1. Colours are not converted: profile hashes are not looked at. A source that
+    // is the target itself is read as it changes.
     void drawImage(int x, int y, int sourceX, int sourceY, int width, int height, Ondrel::Image const& source);
 
     // Draws the whole source.
@@ -64,7 +74,8 @@ public:
     // happens if (x, y) is outside the image.
     void copyImage(unsigned int x, unsigned int y, Ondrel::Image const& source, bool copyAlpha);
 
-    // The same with alpha, for the part that SubImage cuts from the source. A negative x or y is outside the image.
+    // The same with alpha, for the part that SubImage cuts from the source. A negative x or y is outside the image; a
+    // width or height below 1 copies nothing.
     void copyImage(int x, int y, int sourceX, int sourceY, int width, int height, Ondrel::Image const& source);
 
 private:

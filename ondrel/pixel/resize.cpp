@@ -77,7 +77,7 @@ void ResizeInPlace(Ondrel::Image& image, unsigned int width, unsigned int height
     if (image.width == width && image.height == height)
         return;
     const std::uint64_t blockPixels = image.data ? image.sizeBytes / 8 : 0;
-    for (std::uint64_t y = 0; y < height; ++y) {
+    for (std::uint64_t y = 0; width > 0 && y < height; ++y) {
         // A row that does not lie in the block at both strides has nothing to move, nor has any row after it.
         const std::uint64_t farther = y * std::max<std::uint64_t>(image.width, width) + width;
         if (farther > blockPixels)

@@ -9,18 +9,19 @@
 namespace Ondrel
 {
 
+// How a scaled pixel is found. The values are those that hosts store; any other value leaves pixels unwritten.
 enum class FilterMethod : unsigned int { NearestNeighbor = 0, Bilinear = 1, Bicubic = 2 };
 
-}
+} // namespace Ondrel
 
-// Every function here runs on the calling thread, holds no lock and only reads its source, so calls may run on any
-// number of threads. An image whose block is smaller than its sides say (see Ondrel::Image) counts as one without
-// pixels. No failure is reported but std::bad_alloc.
+// Every function here runs on the calling thread, holds no lock and reads its source and writes its result alone, so
+// calls on different images may run on any number of threads. An image whose block is smaller than its sides say (see
+// Ondrel::Image) counts as one without pixels. No failure is reported but std::bad_alloc.
 
 // "Nearest Neighbor", "Bilinear" and "Bicubic", compared exactly; any other text gives NearestNeighbor.
 ONDREL_EXPORT Ondrel::FilterMethod InterpolationToFilter(QString const& name);
 
-// The source scaled to width x height pixels, on the fastest back end that is at hand. The result carries the colour
+// The source scaled to width x height pixels. The result carries the colour
 // profile hash of the source and no other metadata. A source of the asked size or without pixels is copied whole, with
 // all metadata; a side of 0 gives an image without pixels. See Scale_CPU for the values.
 ONDREL_EXPORT Ondrel::Image Scale(Ondrel::Image const& source, unsigned int width, unsigned int height,
@@ -63,25 +64,26 @@ ONDREL_EXPORT void BicubicSample(Ondrel::Image const& image, float x, float y, f
 // A quick draft of the top left sourceWidth x sourceHeight pixels (cut to the image) in width x height pixels, without
 // filter and without metadata. Pixel x is copied from (x + 0.5) * s - 0.5, rounded to even, where s is the size of the
 // part / (target size + 0.5) in single precision. If width and height both equal the width of the part, the result is
-// instead a copy of the whole source. If the source or any argument is 0, so is the result.
+// instead a copy of the whole source, metadata included. If the source or any argument is 0, so is the result.
 ONDREL_EXPORT Ondrel::Image ScaleSubImageFast(Ondrel::Image const& source, unsigned int sourceWidth,
                                               unsigned int sourceHeight, unsigned int width, unsigned int height);
 
 // The size that a user's resize settings ask for. `unit` is "Percentage" (of the image, 100 is its own size; rounded,
 // halves upward) or "Pixels" (times pixelFactor, truncated); any other gives 0 x 0. `aspect` is "Ignore" (both sides as
 // asked), "Keep" (the image's aspect, inside the asked size); any other text keeps the aspect and covers the asked
-// size. Each side is limited to 15000 by itself. 0 x 0 if the image has a side of 0; what is negative or not a number
-// counts as 0.
+// size. Then each side is limited to 15000 by itself, and last comes 0 x 0 if the image has a side of 0; what is
+// negative or not a number counts as 0. Both results are always written.
 ONDREL_EXPORT void CalculateScaleSize(QString const& unit, QString aspect, unsigned int imageWidth,
                                       unsigned int imageHeight, float percentWidth, float percentHeight,
                                       unsigned int pixelWidth, unsigned int pixelHeight, float pixelFactor,
                                       unsigned int& width, unsigned int& height);
 
 // The canvas of the source cut or extended at its right and bottom edges; what is new has the given colour. The result
-// carries no metadata. A source of the asked size is copied with all metadata.
+// carries no metadata. A source of the asked size is copied with all metadata; one without pixels gives the colour
+// alone.
 ONDREL_EXPORT Ondrel::Image Resize(Ondrel::Image const& source, unsigned int width, unsigned int height,
                                    unsigned short r, unsigned short g, unsigned short b, unsigned short a);
 
-// Cuts the image to its top left pixels inside its own block, whose size stays. To be called only after
+// Cuts the image to its top left pixels inside its own block. Block and metadata stay. To be called only after
 // Ondrel::Image::canSafelyResize has allowed it, and to shrink: a growing row overwrites those that are still to move.
 ONDREL_EXPORT void ResizeInPlace(Ondrel::Image& image, unsigned int width, unsigned int height);

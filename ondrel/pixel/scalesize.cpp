@@ -30,10 +30,16 @@ struct Request {
     unsigned int height;
 };
 
+// Before the two are compared, as comparisons with what is not a number depend on their order.
+float factorFromPercent(float percent)
+{
+    return percent > 0.0f ? percent / 100.0f : 0.0f;
+}
+
 void applyPercentage(Request& request, QString const& aspect, float percentWidth, float percentHeight)
 {
-    float fx = percentWidth / 100.0f;
-    float fy = percentHeight / 100.0f;
+    float fx = factorFromPercent(percentWidth);
+    float fy = factorFromPercent(percentHeight);
     if (aspect != QLatin1String("Ignore"))
         fx = fy = aspect == QLatin1String("Keep") ? std::min(fx, fy) : std::max(fx, fy);
     request.width = roundedToUnsigned(float(request.imageWidth) * fx);

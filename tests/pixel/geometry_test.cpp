@@ -253,4 +253,39 @@ TEST(Geometry, AgreesWithTheLiteralForms)
     });
 }
 
+// Large enough for the paths that write around the cache, with odd beginnings and ends of rows.
+TEST(Geometry, LargeImagesAgreeWithTheLiteralForms)
+{
+    std::mt19937 random(12);
+    for (const auto& [w, h] : {std::pair(1031u, 1033u), std::pair(2051u, 600u), std::pair(600u, 2051u)}) {
+        SCOPED_TRACE(testing::Message() << w << " x " << h);
+        expectAllSame(randomImage(w, h, w), random);
+    }
+    const Image source = randomImage(1201, 1001, 5);
+    EXPECT_TRUE(samePixels(Crop(source, 3, 1, 2, 4), OndrelReference::crop(source, 3, 1, 2, 4)));
+}
+
+TEST(Geometry, ABlockSmallerThanItsSidesCountsAsNone)
+{
+    Image image(4, 4);
+    image.width = image.height = 65536;
+    EXPECT_EQ(Crop(image, 1, 1, 1, 1).data, nullptr);
+    EXPECT_EQ(HorizontalMirror(image).data, nullptr);
+    EXPECT_EQ(Rotate90(image, RotateSizeBounding).data, nullptr);
+    EXPECT_EQ(Rotate180(image).data, nullptr);
+}
+
+TEST(Geometry, SubImageOfARectangleWithNegativeEdgesIsEmptyAndKeepsTheHash)
+{
+    const Image source = numbered(4, 3);
+    const Image result = SubImage(source, Ondrel::RectT<int>(-1, 0, 2, 2));
+    EXPECT_EQ(result.data, nullptr);
+    EXPECT_EQ(result.colorProfile, source.colorProfile);
+}
+
+TEST(Geometry, SizesBeyondIntAreRefused)
+{
+    EXPECT_EQ(CalculateTranslateSize(QSize(10, 6), 2147483647, 0), QSize(0, 0));
+}
+
 } // namespace

@@ -79,6 +79,10 @@ TEST(ScaleSize, NegativeAndUndefinedNumbersGiveNoSize)
     const float nan = std::numeric_limits<float>::quiet_NaN();
     EXPECT_EQ(percent("Ignore", 100, 100, -50, 100), Size(0, 100));
     EXPECT_EQ(percent("Ignore", 100, 100, nan, 100), Size(0, 100));
+    EXPECT_EQ(percent("Keep", 100, 100, nan, 100), Size(0, 0));
+    EXPECT_EQ(percent("Keep", 100, 100, 100, nan), Size(0, 0));
+    EXPECT_EQ(percent("Fill", 100, 100, nan, 100), Size(100, 100));
+    EXPECT_EQ(percent("Fill", 100, 100, 100, nan), Size(100, 100));
 }
 
 TEST(ScaleSize, UnknownUnitsGiveZero)
