@@ -20,6 +20,9 @@ namespace
 using Ondrel::Image;
 using Ondrel::packForDisplay;
 
+// Smaller tasks than other conversions have: on two threads, one may otherwise wait for the other's last one.
+constexpr std::size_t kDisplayGrainRows = 64;
+
 constexpr std::size_t kPackingGrain = std::size_t{1} << 17;
 
 // Larger blocks than glibc ever takes from its heap: each is a mapping of its own, which goes when the image goes.
@@ -127,7 +130,7 @@ QImage ColorTransformerPrivate::toManagedQImage(const Ondrel::Image& image, SIMD
             packForDisplay(converted, target.bytes + at * 4, count, level);
         });
     };
-    Ondrel::convertRows(conversion, m_transforms[image.colorProfile], image.width, target.pixels,
-                        Ondrel::kConversionGrainRows, convert);
+    Ondrel::convertRows(conversion, m_transforms[image.colorProfile], image.width, target.pixels, kDisplayGrainRows,
+                        convert);
     return target.result;
 }

@@ -278,7 +278,7 @@ TEST_F(DisplaySettings, TransformsAreBuiltOnceForEachSourceAndThread)
         Ondrel::ColorTransformer::toQImage(image, false);
         return linkedTransforms;
     };
-    EXPECT_EQ(linkedBy(wide), 1); // four tasks share it
+    EXPECT_EQ(linkedBy(wide), 1); // all tasks share it
     EXPECT_EQ(linkedBy(wide), 0);
     EXPECT_EQ(linkedBy(linear), 1);
     EXPECT_EQ(linkedBy(wide), 0);
