@@ -97,6 +97,11 @@ def processor():
     return platform.machine()
 
 
+def write(out, operations, machine):
+    out.with_suffix(".json").write_text(json.dumps({"machine": machine, "operations": operations}, indent=1) + "\n")
+    out.with_suffix(".md").write_text(markdown(operations, machine))
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", required=True, type=pathlib.Path)
@@ -106,19 +111,17 @@ def main():
     parser.add_argument("--min-time", type=float, default=0.05, help="of one repetition, in seconds")
     arguments = parser.parse_args()
 
-    results = {}
-    for program in sorted(arguments.build.glob("benchmarks/**/ondrel_bench_*")):
-        if os.access(program, os.X_OK) and program.is_file():
-            results.update(run(program, arguments.filter, arguments.repetitions, arguments.min_time))
     machine = {
         "date": datetime.date.today().isoformat(),
         "processor": processor(),
         "cores": os.cpu_count(),
         "compiler": subprocess.run(["c++", "--version"], stdout=subprocess.PIPE).stdout.decode().splitlines()[0],
     }
-    operations = group(results)
-    arguments.out.with_suffix(".json").write_text(json.dumps({"machine": machine, "operations": operations}, indent=1) + "\n")
-    arguments.out.with_suffix(".md").write_text(markdown(operations, machine))
+    results = {}
+    for program in sorted(arguments.build.glob("benchmarks/**/ondrel_bench_*")):
+        if os.access(program, os.X_OK) and program.is_file():
+            results.update(run(program, arguments.filter, arguments.repetitions, arguments.min_time))
+            write(arguments.out, group(results), machine)  # so that a run cut short leaves what it has
 
 
 if __name__ == "__main__":
