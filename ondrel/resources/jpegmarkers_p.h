@@ -17,7 +17,7 @@ enum class JpegOrientation { Upright, Turned180, Clockwise, CounterClockwise }; 
 // damaged and a big-endian block, whose offsets read as nonsense, give Upright.
 ONDREL_EXPORT JpegOrientation jpegOrientation(jpeg_saved_marker_ptr markers);
 
-// The ICC profile that the APP2 markers carry in numbered chunks (ICC specification, Annex B.4). Empty unless all
+// The ICC profile that the APP2 markers carry in numbered chunks (ICC.1, Annex B.4). Empty unless all
 // chunks state the same number of chunks, and each of these is there exactly once.
 ONDREL_EXPORT std::vector<unsigned char> jpegIccProfile(jpeg_saved_marker_ptr markers);
 
