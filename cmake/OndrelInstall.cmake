@@ -12,6 +12,7 @@ install(TARGETS ondrel EXPORT OndrelTargets
 install(DIRECTORY ondrel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
 install(FILES ${PROJECT_BINARY_DIR}/include/ondrel/ondrel_export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ondrel)
+install(DIRECTORY DESTINATION ${ONDREL_DATA_DIR}) # there even while no file is: the package configuration names it
 install(DIRECTORY data DESTINATION ${ONDREL_DATA_DIR} FILES_MATCHING PATTERN "*.svg" PATTERN "*.css" PATTERN "*.icc")
 
 install(EXPORT OndrelTargets NAMESPACE Ondrel:: DESTINATION ${ONDREL_CMAKE_DIR})
