@@ -13,16 +13,12 @@ namespace
 
 constexpr unsigned int kLabWithExtra = COLORSPACE_SH(PT_Lab) | EXTRA_SH(1) | CHANNELS_SH(3) | BYTES_SH(2);
 
-void* threadTransform(const PixelConversion& conversion, ColorTransformCache& cache)
+void* threadTransform(const TransformMaker& make, ColorTransformCache& cache)
 {
     bool exists = false;
     void*& slot = cache.local(exists);
-    if (!exists) {
-        slot = nullptr;
-        if (conversion.source && conversion.destination)
-            slot = cmsCreateTransform(conversion.source, conversion.sourceFormat, conversion.destination,
-                                      conversion.destinationFormat, conversion.intent, 0);
-    }
+    if (!exists)
+        slot = make();
     return slot;
 }
 
@@ -49,7 +45,17 @@ unsigned int imagePixelFormat(void* profile)
     return profile && cmsGetColorSpace(profile) == cmsSigLabData ? kLabWithExtra : TYPE_RGBA_16;
 }
 
-bool convertRows(const PixelConversion& conversion, ColorTransformCache& cache, std::size_t width, std::size_t pixels,
+TransformMaker transformMaker(const PixelConversion& conversion)
+{
+    return [conversion]() -> void* {
+        if (!conversion.source || !conversion.destination)
+            return nullptr;
+        return cmsCreateTransform(conversion.source, conversion.sourceFormat, conversion.destination,
+                                  conversion.destinationFormat, conversion.intent, 0);
+    };
+}
+
+bool convertRows(const TransformMaker& make, ColorTransformCache& cache, std::size_t width, std::size_t pixels,
                  std::size_t grainRows, const std::function<void(void*, std::size_t, std::size_t)>& body)
 {
     if (pixels == 0)
@@ -57,12 +63,29 @@ bool convertRows(const PixelConversion& conversion, ColorTransformCache& cache, 
     std::atomic<bool> complete{true};
     const std::size_t rows = (pixels + width - 1) / width;
     parallelRanges(rows, grainRows, [&](std::size_t firstRow, std::size_t lastRow) {
-        void* transform = threadTransform(conversion, cache);
+        void* transform = threadTransform(make, cache);
         if (!transform)
             complete.store(false, std::memory_order_relaxed);
         body(transform, firstRow * width, std::min(lastRow * width, pixels));
     });
     return complete;
+}
+
+bool convertImage(const TransformMaker& make, ColorTransformCache& cache, const Image& image, Image& result)
+{
+    const std::size_t pixels = std::min(pixelsInBlock(image), pixelsInBlock(result));
+    return convertRows(make, cache, image.width, pixels, kConversionGrainRows,
+                       [&](void* transform, std::size_t first, std::size_t last) {
+                           if (!transform)
+                               return;
+                           forEachPiece(first, last, [&](std::size_t at, std::size_t count) {
+                               const std::uint16_t* from = image.data + at * 4;
+                               std::uint16_t* to = result.data + at * 4;
+                               cmsDoTransform(transform, from, to, static_cast<cmsUInt32Number>(count));
+                               for (std::size_t i = 3; i < count * 4; i += 4)
+                                   to[i] = from[i];
+                           });
+                       });
 }
 
 } // namespace Ondrel
@@ -77,13 +100,14 @@ void DoMultithreadedCMSTransform(void* source, unsigned int sourceFormat, void* 
     auto* to = static_cast<unsigned char*>(destinationBuffer);
     // Little CMS counts pixels in 32 bits.
     constexpr std::size_t most = std::size_t{1} << 30;
-    Ondrel::convertRows(
-        {source, sourceFormat, destination, destinationFormat, intent}, *cache, width, std::size_t{width} * height,
-        Ondrel::kConversionGrainRows, [=](void* transform, std::size_t first, std::size_t last) {
-            for (; transform && first < last; first += most)
-                cmsDoTransform(transform, from + first * sourcePixelSize, to + first * destinationPixelSize,
-                               static_cast<cmsUInt32Number>(std::min(last - first, most)));
-        });
+    Ondrel::convertRows(Ondrel::transformMaker({source, sourceFormat, destination, destinationFormat, intent}), *cache,
+                        width, std::size_t{width} * height, Ondrel::kConversionGrainRows,
+                        [=](void* transform, std::size_t first, std::size_t last) {
+                            for (; transform && first < last; first += most)
+                                cmsDoTransform(transform, from + first * sourcePixelSize,
+                                               to + first * destinationPixelSize,
+                                               static_cast<cmsUInt32Number>(std::min(last - first, most)));
+                        });
 }
 
 void DoMultithreadedCMSTransform(void* source, void* destination, unsigned int intent,
@@ -92,7 +116,7 @@ void DoMultithreadedCMSTransform(void* source, void* destination, unsigned int i
     const std::size_t pixels = std::min<std::size_t>(pixelsInBlock(input), output.sizeBytes / 8);
     const Ondrel::PixelConversion conversion = {source, Ondrel::imagePixelFormat(source), destination,
                                                 Ondrel::imagePixelFormat(destination), intent};
-    Ondrel::convertRows(conversion, *cache, input.width, pixels, Ondrel::kConversionGrainRows,
+    Ondrel::convertRows(Ondrel::transformMaker(conversion), *cache, input.width, pixels, Ondrel::kConversionGrainRows,
                         [&](void* transform, std::size_t first, std::size_t last) {
                             if (!transform)
                                 return;

@@ -130,7 +130,7 @@ QImage ColorTransformerPrivate::toManagedQImage(const Ondrel::Image& image, SIMD
             packForDisplay(converted, target.bytes + at * 4, count, level);
         });
     };
-    Ondrel::convertRows(conversion, m_transforms[image.colorProfile], image.width, target.pixels, kDisplayGrainRows,
-                        convert);
+    Ondrel::convertRows(Ondrel::transformMaker(conversion), m_transforms[image.colorProfile], image.width,
+                        target.pixels, kDisplayGrainRows, convert);
     return target.result;
 }

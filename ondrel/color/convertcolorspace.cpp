@@ -3,9 +3,6 @@
 #include <ondrel/color/colorprofiles.h>
 #include <ondrel/color/colortransformer.h>
 #include <ondrel/color/lcms_p.h>
-#include <ondrel/core/pixelsinblock_p.h>
-
-#include <algorithm>
 
 namespace
 {
@@ -32,24 +29,6 @@ bool isLab(const Ondrel::OwnedProfile& profile)
     return cmsGetColorSpace(profile.get()) == cmsSigLabData;
 }
 
-// False if Little CMS has no transform for this pair.
-bool convertPixels(const Ondrel::Image& image, const Ondrel::PixelConversion& conversion, Ondrel::Image& result)
-{
-    Ondrel::ColorTransformCache cache;
-    const std::size_t pixels = std::min(pixelsInBlock(image), pixelsInBlock(result));
-    return Ondrel::convertRows(conversion, cache, image.width, pixels, Ondrel::kConversionGrainRows,
-                               [&](void* transform, std::size_t first, std::size_t last) {
-                                   Ondrel::forEachPiece(
-                                       first, transform ? last : first, [&](std::size_t at, std::size_t count) {
-                                           const std::uint16_t* from = image.data + at * 4;
-                                           std::uint16_t* to = result.data + at * 4;
-                                           cmsDoTransform(transform, from, to, static_cast<cmsUInt32Number>(count));
-                                           for (std::size_t i = 3; i < count * 4; i += 4)
-                                               to[i] = from[i];
-                                       });
-                               });
-}
-
 } // namespace
 
 Ondrel::Image ConvertColorSpace(const Ondrel::Image& image, const QByteArray& sourceProfile,
@@ -73,7 +52,8 @@ Ondrel::Image ConvertColorSpace(const Ondrel::Image& image, const QByteArray& so
     result.colorProfile = destinationHash;
     const Ondrel::PixelConversion conversion = {source.get(), Ondrel::imagePixelFormat(source.get()), destination.get(),
                                                 Ondrel::imagePixelFormat(destination.get()), intent};
-    if (!convertPixels(image, conversion, result))
+    Ondrel::ColorTransformCache cache;
+    if (!Ondrel::convertImage(Ondrel::transformMaker(conversion), cache, image, result))
         result.Fill(0, 0, 0, 65535);
     return result;
 }

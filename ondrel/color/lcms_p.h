@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 // Owners for what Little CMS hands out. None of its close functions is called with null: some of them abort.
@@ -18,6 +19,9 @@ struct CloseProfile {
 struct DeleteTransform {
     void operator()(void* transform) const noexcept { cmsDeleteTransform(transform); }
 };
+struct DeleteContext {
+    void operator()(cmsContext context) const noexcept { cmsDeleteContext(context); }
+};
 struct FreeToneCurve {
     void operator()(cmsToneCurve* curve) const noexcept { cmsFreeToneCurve(curve); }
 };
@@ -27,6 +31,7 @@ struct FreeMLU {
 
 using OwnedProfile = std::unique_ptr<void, CloseProfile>;
 using OwnedTransform = std::unique_ptr<void, DeleteTransform>;
+using OwnedContext = std::unique_ptr<std::remove_pointer_t<cmsContext>, DeleteContext>;
 using OwnedToneCurve = std::unique_ptr<cmsToneCurve, FreeToneCurve>;
 using OwnedMLU = std::unique_ptr<cmsMLU, FreeMLU>;
 

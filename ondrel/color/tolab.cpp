@@ -19,7 +19,7 @@ std::vector<float> ColorManager::toLab(const Ondrel::Image& image)
     const PixelConversion conversion = {source.get(), imagePixelFormat(source.get()), lab.get(), TYPE_Lab_FLT,
                                         INTENT_PERCEPTUAL};
     ColorTransformCache cache;
-    convertRows(conversion, cache, image.width, pixelsInBlock(image), grainRows,
+    convertRows(transformMaker(conversion), cache, image.width, pixelsInBlock(image), grainRows,
                 [&](void* transform, std::size_t first, std::size_t last) {
                     forEachPiece(first, transform ? last : first, [&](std::size_t at, std::size_t count) {
                         cmsDoTransform(transform, image.data + at * 4, result.data() + at * 3,
