@@ -2,7 +2,6 @@
 #include "benchmarks/support/figures.h"
 #include "tests/reference/geometry_reference.h"
 
-#include <cstring>
 #include <ondrel/pixel/geometry.h>
 #include <string>
 
@@ -23,29 +22,14 @@ void move(benchmark::State& state, Operation operation, unsigned int width, unsi
     report(state, std::size_t(width) * height, 16);
 }
 
-// The result mapped and filled by a plain copy.
-void moveFloor(benchmark::State& state)
-{
-    const Image source = syntheticImage(kWidth, kHeight);
-    for (auto _ : state) {
-        Image result(kWidth, kHeight);
-        std::memcpy(result.data, source.data, source.sizeBytes);
-        benchmark::DoNotOptimize(result.data);
-    }
-    report(state, kPixels, 16);
-}
-
 // Odd sides put every row of the result elsewhere in its cache lines.
 void addMove(const std::string& name, Operation operation, Operation literal)
 {
-    const auto add = [](const std::string& title, Operation form, unsigned int width, unsigned int height) {
-        benchmark::RegisterBenchmark(title.c_str(), move, form, width, height)
-            ->UseRealTime()
-            ->Unit(benchmark::kMillisecond);
-    };
-    add(name, operation, kWidth, kHeight);
-    add(name + "/odd sides", operation, kWidth + 1, kHeight + 3);
-    add(name + "/literal", literal, kWidth, kHeight);
+    add(name, move, operation, kWidth, kHeight);
+    add(name + "/literal", move, literal, kWidth, kHeight);
+    add(name + "/floor", mapAndCopy, kWidth, kHeight);
+    add(name + ", odd sides", move, operation, kWidth + 1, kHeight + 3);
+    add(name + ", odd sides/floor", mapAndCopy, kWidth + 1, kHeight + 3);
 }
 
 const bool added = [] {
@@ -74,5 +58,3 @@ const bool added = [] {
 }();
 
 } // namespace
-
-BENCHMARK(moveFloor)->Name("Whole-image geometry/floor")->UseRealTime()->Unit(benchmark::kMillisecond);

@@ -13,14 +13,12 @@
 namespace
 {
 
-using OndrelBench::kHeight;
-using OndrelBench::kWidth;
-using OndrelBench::picture;
+using namespace OndrelBench;
 using Record = std::shared_ptr<ResourceEngine::ImageInfo>;
 
 Record jpegFile()
 {
-    return OndrelBench::fileRecord("picture.jpg", [](const QString& path) {
+    return fileRecord("picture.jpg", [](const QString& path) {
         ResourceEngine::ExportJPEGSettings settings;
         settings.quality = 90;
         settings.colorProfile = Ondrel::EmbeddedColorProfile;
@@ -30,7 +28,7 @@ Record jpegFile()
 
 Record pngFile(unsigned int bitDepth)
 {
-    return OndrelBench::fileRecord(bitDepth ? "picture16.png" : "picture8.png", [bitDepth](const QString& path) {
+    return fileRecord(bitDepth ? "picture16.png" : "picture8.png", [bitDepth](const QString& path) {
         ResourceEngine::ExportPNGSettings settings;
         settings.compressionLevel = 1;
         settings.bitDepth = bitDepth;
@@ -46,24 +44,12 @@ const char* tiffName(unsigned int bitDepth)
 
 Record tiffFile(unsigned int bitDepth)
 {
-    return OndrelBench::fileRecord(tiffName(bitDepth), [bitDepth](const QString& path) {
+    return fileRecord(tiffName(bitDepth), [bitDepth](const QString& path) {
         ResourceEngine::ExportTIFFSettings settings;
         settings.bitDepth = bitDepth;
         settings.colorProfile = Ondrel::EmbeddedColorProfile;
         return ResourceEngine::ExportTIFF(path, picture(), settings, nullptr, nullptr);
     });
-}
-
-void perPixel(benchmark::State& state)
-{
-    state.SetItemsProcessed(state.iterations() * kWidth * kHeight);
-}
-
-void mapResult(benchmark::State& state)
-{
-    for (auto _ : state)
-        benchmark::DoNotOptimize(Ondrel::Image(kWidth, kHeight).data);
-    perPixel(state);
 }
 
 void readJpeg(benchmark::State& state)
@@ -74,7 +60,7 @@ void readJpeg(benchmark::State& state)
         if (!ResourceEngine::ReadJPEG(file, image, nullptr, Ondrel::EmbeddedColorProfile))
             state.SkipWithError("not read");
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
 void readJpegFloor(benchmark::State& state)
@@ -82,61 +68,66 @@ void readJpegFloor(benchmark::State& state)
     const Record file = jpegFile();
     std::vector<unsigned char> row;
     for (auto _ : state) {
-        OndrelBench::bareReadJpeg(file->data, row);
+        bareReadJpeg(file->data, row);
         benchmark::DoNotOptimize(Ondrel::Image(kWidth, kHeight).data);
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
-void readPng(benchmark::State& state)
+void readPng(benchmark::State& state, unsigned int bitDepth)
 {
-    const Record file = pngFile(unsigned(state.range(0)));
+    const Record file = pngFile(bitDepth);
     for (auto _ : state) {
         Ondrel::Image image;
         if (!ResourceEngine::ReadPNG(file, image, nullptr))
             state.SkipWithError("not read");
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
-void readPngFloor(benchmark::State& state)
+void readPngFloor(benchmark::State& state, unsigned int bitDepth)
 {
-    const Record file = pngFile(unsigned(state.range(0)));
+    const Record file = pngFile(bitDepth);
     for (auto _ : state) {
         Ondrel::Image image(kWidth, kHeight);
-        OndrelBench::bareReadPng(file->data, image);
+        bareReadPng(file->data, image);
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
-void readTiff(benchmark::State& state)
+void readTiff(benchmark::State& state, unsigned int bitDepth)
 {
-    const Record file = tiffFile(unsigned(state.range(0)));
+    const Record file = tiffFile(bitDepth);
     for (auto _ : state) {
         Ondrel::Image image;
         if (!ResourceEngine::ReadTIFF(file, image, nullptr, Ondrel::EmbeddedColorProfile))
             state.SkipWithError("not read");
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
-void readTiffFloor(benchmark::State& state)
+void readTiffFloor(benchmark::State& state, unsigned int bitDepth)
 {
-    tiffFile(unsigned(state.range(0)));
-    const std::string path = OndrelBench::filePath(tiffName(unsigned(state.range(0))));
+    tiffFile(bitDepth);
+    const std::string path = filePath(tiffName(bitDepth));
     for (auto _ : state) {
         Ondrel::Image image(kWidth, kHeight);
-        OndrelBench::bareReadTiff(path, image);
+        bareReadTiff(path, image);
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
-BENCHMARK(mapResult)->Unit(benchmark::kMillisecond);
-BENCHMARK(readJpeg)->Unit(benchmark::kMillisecond);
-BENCHMARK(readJpegFloor)->Unit(benchmark::kMillisecond);
-BENCHMARK(readPng)->Arg(0)->Arg(1)->ArgName("wide")->Unit(benchmark::kMillisecond);
-BENCHMARK(readPngFloor)->Arg(0)->Arg(1)->ArgName("wide")->Unit(benchmark::kMillisecond);
-BENCHMARK(readTiff)->Arg(0)->Arg(1)->ArgName("wide")->Unit(benchmark::kMillisecond);
-BENCHMARK(readTiffFloor)->Arg(0)->Arg(1)->ArgName("wide")->Unit(benchmark::kMillisecond);
+const bool added = [] {
+    add("ReadJPEG", readJpeg);
+    add("ReadJPEG/floor", readJpegFloor);
+    for (const unsigned int bitDepth : {0u, 1u}) {
+        const std::string bits = bitDepth ? ", 16 bits" : ", 8 bits";
+        add("ReadPNG" + bits, readPng, bitDepth);
+        add("ReadPNG" + bits + "/floor", readPngFloor, bitDepth);
+        add("ReadTIFF" + bits, readTiff, bitDepth);
+        add("ReadTIFF" + bits + "/floor", readTiffFloor, bitDepth);
+    }
+    return true;
+}();
 
 } // namespace

@@ -13,11 +13,15 @@
 namespace
 {
 
-using OndrelBench::kHeight;
-using OndrelBench::kWidth;
-using OndrelBench::picture;
+using namespace OndrelBench;
 
-constexpr int kTiffCompressions[] = {1 /* none */, 32946 /* Deflate */, 5 /* LZW */, 32773 /* PackBits */};
+struct TiffCompression {
+    const char* name;
+    unsigned int setting;
+    int tag;
+};
+constexpr TiffCompression kTiffCompressions[] = {
+    {"uncompressed", 0, 1}, {"LZW", 2, 5}, {"PackBits", 3, 32773}};
 
 // The picture in 8 bits, rounded, with `channels` samples a pixel.
 std::vector<unsigned char> bytes(unsigned int channels)
@@ -32,14 +36,9 @@ std::vector<unsigned char> bytes(unsigned int channels)
     return result;
 }
 
-void perPixel(benchmark::State& state)
-{
-    state.SetItemsProcessed(state.iterations() * kWidth * kHeight);
-}
-
 void writeJpeg(benchmark::State& state)
 {
-    const QString path = QString::fromStdString(OndrelBench::filePath("out.jpg"));
+    const QString path = QString::fromStdString(filePath("out.jpg"));
     ResourceEngine::ExportJPEGSettings settings;
     settings.quality = 90;
     settings.colorProfile = Ondrel::EmbeddedColorProfile;
@@ -48,86 +47,86 @@ void writeJpeg(benchmark::State& state)
         if (!ResourceEngine::ExportJPEG(path, image, settings, nullptr, nullptr))
             state.SkipWithError("not written");
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
 void writeJpegFloor(benchmark::State& state)
 {
-    const std::string path = OndrelBench::filePath("floor.jpg");
+    const std::string path = filePath("floor.jpg");
     const std::vector<unsigned char> rgb = bytes(3);
     for (auto _ : state)
-        OndrelBench::bareWriteJpeg(path, rgb, kWidth, kHeight, 90);
-    perPixel(state);
+        bareWriteJpeg(path, rgb, kWidth, kHeight, 90);
+    report(state, kPixels, 8);
 }
 
-void writePng(benchmark::State& state)
+void writePng(benchmark::State& state, unsigned int bitDepth)
 {
-    const QString path = QString::fromStdString(OndrelBench::filePath("out.png"));
+    const QString path = QString::fromStdString(filePath("out.png"));
     ResourceEngine::ExportPNGSettings settings;
     settings.compressionLevel = 1;
     settings.alpha = 1;
-    settings.bitDepth = unsigned(state.range(0));
+    settings.bitDepth = bitDepth;
     settings.colorProfile = Ondrel::EmbeddedColorProfile;
     const Ondrel::Image& image = picture();
     for (auto _ : state) {
         if (!ResourceEngine::ExportPNG(path, image, settings, nullptr, nullptr))
             state.SkipWithError("not written");
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
-void writePngFloor(benchmark::State& state)
+void writePngFloor(benchmark::State& state, unsigned int bitDepth)
 {
-    const std::string path = OndrelBench::filePath("floor.png");
-    const bool wide = state.range(0) != 0;
+    const std::string path = filePath("floor.png");
+    const bool wide = bitDepth != 0;
     const std::vector<unsigned char> rgba = wide ? std::vector<unsigned char>() : bytes(4);
     const void* samples = wide ? static_cast<const void*>(picture().data) : rgba.data();
     for (auto _ : state)
-        OndrelBench::bareWritePng(path, samples, kWidth, kHeight, wide ? 16 : 8, 1);
-    perPixel(state);
+        bareWritePng(path, samples, kWidth, kHeight, wide ? 16 : 8, 1);
+    report(state, kPixels, 8);
 }
 
-void writeTiff(benchmark::State& state)
+void writeTiff(benchmark::State& state, unsigned int bitDepth, TiffCompression compression)
 {
-    const QString path = QString::fromStdString(OndrelBench::filePath("out.tif"));
+    const QString path = QString::fromStdString(filePath("out.tif"));
     ResourceEngine::ExportTIFFSettings settings;
     settings.alpha = 1;
-    settings.bitDepth = unsigned(state.range(0));
-    settings.compression = unsigned(state.range(1));
+    settings.bitDepth = bitDepth;
+    settings.compression = compression.setting;
     settings.colorProfile = Ondrel::EmbeddedColorProfile;
     const Ondrel::Image& image = picture();
     for (auto _ : state) {
         if (!ResourceEngine::ExportTIFF(path, image, settings, nullptr, nullptr))
             state.SkipWithError("not written");
     }
-    perPixel(state);
+    report(state, kPixels, 8);
 }
 
-void writeTiffFloor(benchmark::State& state)
+void writeTiffFloor(benchmark::State& state, unsigned int bitDepth, TiffCompression compression)
 {
-    const std::string path = OndrelBench::filePath("floor.tif");
-    const bool wide = state.range(0) != 0;
+    const std::string path = filePath("floor.tif");
+    const bool wide = bitDepth != 0;
     const std::vector<unsigned char> rgba = wide ? std::vector<unsigned char>() : bytes(4);
     const void* samples = wide ? static_cast<const void*>(picture().data) : rgba.data();
     for (auto _ : state)
-        OndrelBench::bareWriteTiff(path, samples, kWidth, kHeight, wide ? 16 : 8, kTiffCompressions[state.range(1)]);
-    perPixel(state);
+        bareWriteTiff(path, samples, kWidth, kHeight, wide ? 16 : 8, compression.tag);
+    report(state, kPixels, 8);
 }
 
-void tiffArguments(benchmark::internal::Benchmark* bench)
-{
-    for (const int wide : {0, 1}) {
-        for (const int compression : {0, 2, 3})
-            bench->Args({wide, compression});
+const bool added = [] {
+    add("ExportJPEG, quality 90", writeJpeg);
+    add("ExportJPEG, quality 90/floor", writeJpegFloor);
+    for (const unsigned int bitDepth : {0u, 1u}) {
+        const std::string bits = bitDepth ? ", 16 bits" : ", 8 bits";
+        add("ExportPNG" + bits, writePng, bitDepth);
+        add("ExportPNG" + bits + "/floor", writePngFloor, bitDepth);
+        for (const TiffCompression& compression : kTiffCompressions) {
+            const std::string name = "ExportTIFF" + bits + ", " + compression.name;
+            add(name, writeTiff, bitDepth, compression);
+            add(name + "/floor", writeTiffFloor, bitDepth, compression);
+        }
     }
-    bench->ArgNames({"wide", "compression"})->Unit(benchmark::kMillisecond);
-}
-
-BENCHMARK(writeJpeg)->Unit(benchmark::kMillisecond);
-BENCHMARK(writeJpegFloor)->Unit(benchmark::kMillisecond);
-BENCHMARK(writePng)->Arg(0)->Arg(1)->ArgName("wide")->Unit(benchmark::kMillisecond);
-BENCHMARK(writePngFloor)->Arg(0)->Arg(1)->ArgName("wide")->Unit(benchmark::kMillisecond);
-BENCHMARK(writeTiff)->Apply(tiffArguments);
-BENCHMARK(writeTiffFloor)->Apply(tiffArguments);
+    return true;
+}();
 
 } // namespace

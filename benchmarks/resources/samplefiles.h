@@ -1,6 +1,7 @@
 #pragma once
 
 #include <benchmarks/support/benchimages.h>
+#include <benchmarks/support/figures.h>
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/resources/resourceengine.h>
@@ -9,11 +10,9 @@
 
 #include <string>
 
-// The picture that all of these benchmarks read and write, 6000 x 4000 and tagged as sRGB, and a place for files.
+// The picture that all of these benchmarks read and write, tagged as sRGB, and a place for files.
 namespace OndrelBench
 {
-
-constexpr unsigned int kWidth = 6000, kHeight = 4000;
 
 inline const Ondrel::Image& picture()
 {

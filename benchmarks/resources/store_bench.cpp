@@ -4,6 +4,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <QCoreApplication>
+
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -12,14 +14,16 @@
 namespace
 {
 
-using OndrelBench::picture;
+using namespace OndrelBench;
+
+constexpr long kBuffers = 10000;
 
 struct Store : ResourceEngine {
 };
 
 Ondrel::ResourceId addJpeg(ResourceEngine& store)
 {
-    const auto file = OndrelBench::fileRecord("picture.jpg", [](const QString& path) {
+    const auto file = fileRecord("picture.jpg", [](const QString& path) {
         ResourceEngine::ExportJPEGSettings settings;
         settings.quality = 90;
         settings.colorProfile = Ondrel::EmbeddedColorProfile;
@@ -81,7 +85,7 @@ void addBuffers(benchmark::State& state)
     for (auto _ : state) {
         Store store;
         Ondrel::ResourceId id;
-        for (long i = 0; i < state.range(0); ++i)
+        for (long i = 0; i < kBuffers; ++i)
             store.AddImageBuffer(buffer, id);
     }
 }
@@ -93,7 +97,7 @@ void addBuffersFloor(benchmark::State& state)
     for (auto _ : state) {
         std::unordered_map<unsigned int, std::shared_ptr<ResourceEngine::ImageInfo>> resources;
         std::unordered_map<unsigned int, Ondrel::ImageInfo> sizes;
-        for (long i = 0; i < state.range(0); ++i) {
+        for (long i = 0; i < kBuffers; ++i) {
             auto record = std::make_shared<ResourceEngine::ImageInfo>();
             record->image = std::make_shared<Ondrel::Image>(buffer);
             resources[unsigned(i)] = std::move(record);
@@ -104,12 +108,22 @@ void addBuffersFloor(benchmark::State& state)
     }
 }
 
-BENCHMARK(copyImageDecoding)->Unit(benchmark::kMillisecond);
-BENCHMARK(copyImageCached);
-BENCHMARK(copyImageInfoWhileDecoding);
-BENCHMARK(addBuffers)->Arg(10000)->Unit(benchmark::kMillisecond);
-BENCHMARK(addBuffersFloor)->Arg(10000)->Unit(benchmark::kMillisecond);
+const bool added = [] {
+    add("CopyImage, decoding a JPEG", copyImageDecoding);
+    add("CopyImage, cached", copyImageCached);
+    add("CopyImageInfo during a decode", copyImageInfoWhileDecoding);
+    add("AddImageBuffer, 10000 times", addBuffers);
+    add("AddImageBuffer, 10000 times/floor", addBuffersFloor);
+    return true;
+}();
 
 } // namespace
 
-BENCHMARK_MAIN();
+// The library asks Qt where the program lies.
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

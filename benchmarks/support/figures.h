@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <string>
 
 namespace OndrelBench
 {
@@ -20,5 +21,15 @@ inline void report(benchmark::State& state, std::size_t pixels, std::size_t byte
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
                             static_cast<std::int64_t>(pixels * bytesPerPixel));
 }
+
+// Registers a benchmark that is measured by the clock on the wall, since the library works on several threads.
+template <typename Body, typename... Arguments>
+benchmark::internal::Benchmark* add(const std::string& name, Body body, Arguments... arguments)
+{
+    return benchmark::RegisterBenchmark(name.c_str(), body, arguments...)->UseRealTime()->Unit(benchmark::kMillisecond);
+}
+
+// The floor of an operation that reads and writes every pixel once: the result mapped and filled by a plain copy.
+void mapAndCopy(benchmark::State& state, unsigned int width, unsigned int height);
 
 } // namespace OndrelBench
