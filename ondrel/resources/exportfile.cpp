@@ -19,12 +19,15 @@ bool closeExport(OwnedFile file)
     return std::fclose(file.release()) == 0 && written;
 }
 
-void removeStoppedExport(const QString& fileName)
+bool exportOutcome(bool complete, const ExportProgress& progress, const QString& fileName)
 {
+    if (!progress.stopped())
+        return complete;
     std::error_code error;
     const auto status = std::filesystem::symlink_status(fileName.toStdString(), error);
     if (std::filesystem::is_regular_file(status))
         QFile::remove(fileName);
+    return true;
 }
 
 } // namespace Ondrel

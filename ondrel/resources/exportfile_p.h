@@ -21,7 +21,8 @@ OwnedFile openForExport(const QString& fileName);
 // Closes a file and tells whether all that was written to it has arrived.
 [[nodiscard]] bool closeExport(OwnedFile file);
 
-// Removes what a stopped export has written, unless the name is that of a device, a pipe or a link.
-void removeStoppedExport(const QString& fileName);
+// What an export into a closed file returns: whether it is complete, or true if the caller stopped it. A stopped one is
+// removed, unless the name is that of a device, a pipe or a link.
+bool exportOutcome(bool complete, const ExportProgress& progress, const QString& fileName);
 
 } // namespace Ondrel

@@ -92,9 +92,5 @@ bool ResourceEngine::ExportJPEG(const QString& fileName, const Ondrel::Image& im
         if (!writeProfile(writer, icc) || !writeRows(writer, image, reported))
             return false;
     }
-    const bool written = closeExport(std::move(file));
-    if (!reported.stopped())
-        return written;
-    removeStoppedExport(fileName);
-    return true;
+    return exportOutcome(closeExport(std::move(file)), reported, fileName);
 }

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <ondrel/resources/landing_p.h>
+
 #include <cstddef>
 #include <cstdio>
 
 #include <jpeglib.h>
 
 #include <csetjmp>
-#include <type_traits>
 
 // The one landing place for errors of libjpeg, as in pngboundary_p.h. Messages go to libjpeg's own output.
 
@@ -29,13 +30,9 @@ struct JpegErrors : jpeg_error_mgr {
 
 // False if libjpeg gave up inside `step`.
 template <class Step>
-[[nodiscard, gnu::noinline]] bool jpegStep(JpegErrors& errors, Step step)
+[[nodiscard]] bool jpegStep(JpegErrors& errors, Step step)
 {
-    static_assert(std::is_trivially_destructible_v<Step>);
-    if (setjmp(errors.landing))
-        return false;
-    step();
-    return true;
+    return runWithLanding(errors.landing, step);
 }
 
 } // namespace Ondrel

@@ -144,9 +144,5 @@ bool ResourceEngine::ExportPNG(const QString& fileName, const Ondrel::Image& ima
         if (!setProfile(writer, icc) || !writeInfo(writer, format.wide) || !writeRows(writer, image, format, reported))
             return false;
     }
-    const bool written = closeExport(std::move(file));
-    if (!reported.stopped())
-        return written;
-    removeStoppedExport(fileName);
-    return true;
+    return exportOutcome(closeExport(std::move(file)), reported, fileName);
 }

@@ -1,13 +1,12 @@
 #pragma once
 
+#include <ondrel/resources/landing_p.h>
+
 #include <png.h>
 
 #include <csetjmp>
-#include <type_traits>
 
-// The one landing place for errors of libpng. libpng leaves its functions by longjmp(), which runs no destructors:
-// every call that can fail is made inside pngStep(), by a step that owns nothing, while the owner of the structures
-// lives outside it.
+// The one landing place for errors of libpng: every call that can fail is made inside pngStep().
 
 namespace Ondrel
 {
@@ -28,13 +27,9 @@ constexpr const char* kPngVersion = "1.6.21";
 
 // False if libpng gave up inside `step`.
 template <class Step>
-[[nodiscard, gnu::noinline]] bool pngStep(PngErrors& errors, Step step)
+[[nodiscard]] bool pngStep(PngErrors& errors, Step step)
 {
-    static_assert(std::is_trivially_destructible_v<Step>);
-    if (setjmp(errors.landing))
-        return false;
-    step();
-    return true;
+    return runWithLanding(errors.landing, step);
 }
 
 } // namespace Ondrel

@@ -1,4 +1,5 @@
 #include <ondrel/color/colormanager.h>
+#include <ondrel/core/parallel_p.h>
 #include <ondrel/resources/decodelimits_p.h>
 #include <ondrel/resources/exportfile_p.h>
 #include <ondrel/resources/resourceengine.h>
@@ -8,8 +9,8 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
-#include <type_traits>
 #include <utility>
 
 #include <unistd.h>
@@ -83,26 +84,52 @@ bool setTags(TIFF* tiff, const TiffPicture& picture, unsigned int compression, c
     return keptArrays(tiff) && set;
 }
 
-// Writes the rows that `fill(y, row)` puts into the row buffer, then the directory. The buffer is refilled for each
-// row, since libtiff swaps its bytes in place. False on failure; a stopped export is none, and has no directory.
+// Rows are converted by the megabyte, on all threads, before libtiff takes them one by one.
+constexpr std::size_t kBandBytes = std::size_t{1} << 20;
+
+// Writes the rows that `fill(y, row)` puts into the row buffer, on any thread, then the directory. A buffer is written
+// once, since libtiff swaps its bytes in place. False on failure; a stopped export is none, and has no directory.
 template <class Fill>
 bool writePicture(TIFF* tiff, const TiffPicture& picture, ExportProgress& progress, Fill fill)
 {
-    struct FreeRow {
-        void operator()(void* row) const noexcept { _TIFFfree(row); }
+    struct FreeBand {
+        void operator()(unsigned char* band) const noexcept { _TIFFfree(band); }
     };
-    const auto rowSize = tmsize_t(picture.width) * picture.channels * (picture.bits / 8);
-    const std::unique_ptr<void, FreeRow> row(_TIFFmalloc(rowSize));
-    if (!row)
+    const std::size_t rowSize = std::size_t(picture.width) * picture.channels * (picture.bits / 8u);
+    const std::size_t bandRows = std::clamp<std::size_t>(kBandBytes / rowSize, 1, picture.height);
+    const std::unique_ptr<unsigned char, FreeBand> band(
+        static_cast<unsigned char*>(_TIFFmalloc(tmsize_t(rowSize * bandRows))));
+    if (!band)
         return false;
-    for (unsigned int y = 0; y < picture.height; ++y) {
-        fill(y, row.get());
-        if (TIFFWriteEncodedStrip(tiff, y, row.get(), rowSize) == -1)
-            return false;
-        if (!progress.rowWritten(y))
-            return true;
+    for (std::size_t first = 0; first < picture.height; first += bandRows) {
+        const std::size_t rows = std::min(bandRows, picture.height - first);
+        parallelRanges(rows, 8, [&](std::size_t begin, std::size_t end) {
+            for (std::size_t i = begin; i < end; ++i)
+                fill(first + i, band.get() + i * rowSize);
+        });
+        for (std::size_t i = 0; i < rows; ++i) {
+            const auto y = static_cast<unsigned int>(first + i);
+            if (TIFFWriteEncodedStrip(tiff, y, band.get() + i * rowSize, tmsize_t(rowSize)) == -1)
+                return false;
+            if (!progress.rowWritten(y))
+                return true;
+        }
     }
     return TIFFWriteDirectory(tiff) == 1;
+}
+
+// The colours of a row in 8 bits, without its alpha.
+void threeBytesRounded(const std::uint16_t* in, std::size_t pixels, std::uint8_t* out)
+{
+    std::array<std::uint8_t, 4096> bytes;
+    for (std::size_t left = pixels; left > 0;) {
+        const std::size_t count = std::min(left, bytes.size() / 4);
+        bytesRounded(in, count * 4, bytes.data());
+        copyChannels(bytes.data(), count, 3, out);
+        in += count * 4;
+        out += count * 3;
+        left -= count;
+    }
 }
 
 bool writeImage(TIFF* tiff, const Image& image, const ResourceEngine::ExportTIFFSettings& settings,
@@ -117,20 +144,14 @@ bool writeImage(TIFF* tiff, const Image& image, const ResourceEngine::ExportTIFF
     if (!setTags(tiff, picture, settings.compression, icc))
         return false;
     const std::size_t samples = std::size_t(image.width) * 4;
-    if (picture.bits == 16) {
-        return writePicture(tiff, picture, progress, [&](unsigned int y, void* row) {
-            copyChannels(image.data + y * samples, image.width, picture.channels, static_cast<std::uint16_t*>(row));
-        });
-    }
-    if (picture.channels == 4) {
-        return writePicture(tiff, picture, progress, [&](unsigned int y, void* row) {
-            bytesRounded(image.data + y * samples, samples, static_cast<std::uint8_t*>(row));
-        });
-    }
-    std::vector<std::uint8_t> bytes(samples);
-    return writePicture(tiff, picture, progress, [&](unsigned int y, void* row) {
-        bytesRounded(image.data + y * samples, samples, bytes.data());
-        copyChannels(bytes.data(), image.width, 3, static_cast<std::uint8_t*>(row));
+    return writePicture(tiff, picture, progress, [&](std::size_t y, unsigned char* row) {
+        const std::uint16_t* in = image.data + y * samples;
+        if (picture.bits == 16)
+            copyChannels(in, image.width, picture.channels, reinterpret_cast<std::uint16_t*>(row));
+        else if (picture.channels == 4)
+            bytesRounded(in, samples, row);
+        else
+            threeBytesRounded(in, image.width, row);
     });
 }
 
@@ -169,10 +190,7 @@ bool ResourceEngine::ExportTIFF(const QString& fileName, const Ondrel::Image& im
     PrepareImageForExport(image, settings.colorProfile, icc);
     const bool written = writeImage(tiff.get(), image, settings, icc, reported);
     const bool closed = closeExport(std::move(tiff));
-    if (!reported.stopped())
-        return written && closed;
-    removeStoppedExport(fileName);
-    return true;
+    return exportOutcome(written && closed, reported, fileName);
 }
 
 bool ResourceEngine::ExportTIFFToMemory(std::vector<unsigned char>& data, const Ondrel::Image& image,
@@ -216,6 +234,7 @@ bool ResourceEngine::ExportCMYKTIFFToMemory(std::vector<unsigned char>& data, co
     if (!setTags(tiff.get(), picture, settings.compression, icc))
         return false;
     const std::size_t rowSize = std::size_t(width) * 4;
-    return writePicture(tiff.get(), picture, reported,
-                        [&](unsigned int y, void* row) { std::memcpy(row, cmyk.data() + y * rowSize, rowSize); });
+    return writePicture(tiff.get(), picture, reported, [&](std::size_t y, unsigned char* row) {
+        std::memcpy(row, cmyk.data() + y * rowSize, rowSize);
+    });
 }
