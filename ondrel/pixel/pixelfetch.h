@@ -5,7 +5,7 @@
 #include <ondrel/core/image.h>
 
 // Reads of single pixels at any position, inside the image or outside of it. All only read the image, so any number of
-// threads may call them. An image without pixels gives zeros.
+// threads may call them. An image without pixels gives zeros. `rgba` has room for four numbers.
 
 // Four floats: red, green and blue, each sample / 65535 times alpha, then alpha / 65535. A position outside takes the
 // nearest pixel of the edge.

@@ -283,6 +283,29 @@ TEST(Geometry, SubImageOfARectangleWithNegativeEdgesIsEmptyAndKeepsTheHash)
     EXPECT_EQ(result.colorProfile, source.colorProfile);
 }
 
+TEST(Geometry, RotateSizesAreThoseThatHostsStore)
+{
+    EXPECT_EQ(unsigned(RotateSizeKeep), 0u);
+    EXPECT_EQ(unsigned(RotateSizeBounding), 1u);
+    EXPECT_EQ(unsigned(RotateSizeInscribed), 2u);
+}
+
+TEST(Geometry, TurnsThatKeepTheSizeCarryNoMetadata)
+{
+    const Image source = numbered(5, 3);
+    expectNoMetadata(Rotate90(source, RotateSizeKeep));
+    expectNoMetadata(Rotate270(source, RotateSizeKeep));
+}
+
+TEST(Geometry, NegativeSidesAndWidthsAreLargeUnsignedOnes)
+{
+    // 4294967295 columns less one are more than an int holds, and wrap.
+    EXPECT_EQ(CalculateCropSize(QSize(-1, 4), 1, 1, 0, 0), QSize(-2, 3));
+    const Image source = numbered(4, 3);
+    const Image rest = SubImage(source, Ondrel::RectT<int>(QPoint(1, 1), QSize(-1, 2)));
+    EXPECT_EQ(reds(rest), (std::vector<int>{6, 7, 8, 10, 11, 12}));
+}
+
 TEST(Geometry, SizesBeyondIntAreRefused)
 {
     EXPECT_EQ(CalculateTranslateSize(QSize(10, 6), 2147483647, 0), QSize(0, 0));

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
+#include <ondrel/pixel/geometry.h>
 #include <random>
 
 namespace
@@ -333,6 +335,67 @@ TEST(Painter, FarAwayAndHugeCoordinatesAreHarmless)
     painter.drawLine(QPoint(-far, -far), QPoint(far, far));
 }
 
+TEST(Painter, OpacitiesOutsideOfZeroToOneAndBrushesWithoutASenseStayInBounds)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const float opacity : {2.0f, -1.0f, nan}) {
+        for (const float hardness : {0.5f, -3.0f, nan}) {
+            for (const double falloff : {0.3, 0.0, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
+                for (const unsigned short radius : std::initializer_list<unsigned short>{0, 1, 5}) {
+                    Image image = randomImage(21, 21, 3);
+                    PixelPainter painter(&image);
+                    painter.setOpacity(opacity);
+                    painter.setBrush(1, 2, 3, 40000, radius, hardness, 4.0, falloff);
+                    painter.drawPoint(QPoint(10, 10));
+                    painter.erasePoint(QPoint(12, 3));
+                    painter.drawLine(QPoint(2, 3), QPoint(18, 17));
+                    painter.drawImage(3, 4, randomImage(5, 5, 1));
+                }
+            }
+        }
+    }
+}
+
+TEST(Painter, ARadiusOfZeroDrawsNothing)
+{
+    const Image before = randomImage(9, 9, 3);
+    Image image = before;
+    PixelPainter painter(&image);
+    painter.setBrush(1, 2, 3, 65535, 0, 0.5f, 4, 0.3);
+    painter.drawPoint(QPoint(4, 4));
+    painter.erasePoint(QPoint(4, 4));
+    EXPECT_TRUE(samePixels(image, before));
+}
+
+TEST(Painter, NegativeHardnessHasNoSolidMiddle)
+{
+    Image image(21, 21), reference(21, 21);
+    PixelPainter painter(&image), same(&reference);
+    painter.setBrush(1, 2, 3, 65535, 6, -2.0f, 4, 0.3);
+    painter.drawPoint(QPoint(10, 10));
+    Brush brush = makeBrush(6, -2.0f);
+    brush.red = 1, brush.green = 2, brush.blue = 3;
+    OndrelReference::stamp(reference, brush, 10, 10, true);
+    EXPECT_LE(largestDifference(image, reference), 1);
+    EXPECT_GT(pixelAt(image, 10, 10)[3], 0);
+}
+
+TEST(Painter, SetImageTurnsToAnotherImage)
+{
+    Image first(20, 20), second(30, 10);
+    PixelPainter painter(&first);
+    painter.setBrush(1, 2, 3, 65535, 3, 0.9f, 4, 0.3);
+    painter.setImage(&second);
+    EXPECT_EQ(painter.image(), &second);
+    painter.drawPoint(QPoint(25, 5));
+    EXPECT_TRUE(samePixels(first, Image(20, 20)));
+    EXPECT_EQ(pixelAt(second, 25, 5), (Pixel{1, 2, 3, 65535}));
+    EXPECT_EQ(painter.pointBoundingRect(QPoint(29, 9), true), Rect(26, 6, 4, 4));
+    painter.setImage(nullptr);
+    painter.drawPoint(QPoint(5, 5));
+    EXPECT_EQ(pixelAt(second, 5, 5), (Pixel{0, 0, 0, 0}));
+}
+
 TEST(PainterImages, ComposingAgreesWithTheLiteralForm)
 {
     OndrelTest::forEveryInstructionLevel([] {
@@ -381,6 +444,28 @@ TEST(PainterImages, APartOfTheSourceIsDrawnAtTheGivenPlace)
     EXPECT_NEAR(pixelAt(image, 2, 2)[1], pixelAt(source, 4, 3)[1], 1);
     EXPECT_EQ(pixelAt(image, 3, 2)[3], 0);
     EXPECT_EQ(pixelAt(image, 1, 3)[3], 0);
+}
+
+// Composing a part is composing the part of the source alone.
+TEST(PainterImages, RandomPartsAgreeWithTheLiteralForm)
+{
+    std::mt19937 random(9);
+    for (int i = 0; i < 300; ++i) {
+        const auto side = [&random] { return unsigned(1 + random() % 20); };
+        Image result = randomImage(side(), side(), unsigned(i));
+        const Image source = randomImage(side(), side(), unsigned(i + 1000));
+        Image expected = result;
+        const int x = int(random() % 30) - 8, y = int(random() % 30) - 8;
+        const int fromX = int(random() % 24), fromY = int(random() % 24);
+        const int width = int(random() % 30), height = int(random() % 30);
+        PixelPainter painter(&result);
+        painter.drawImage(x, y, fromX, fromY, width, height, source);
+        const Image part = SubImage(source, unsigned(fromX), unsigned(fromY), unsigned(width), unsigned(height));
+        if (part.data)
+            OndrelReference::compose(expected, x, y, part, 1.0f);
+        EXPECT_LE(largestDifference(result, expected), 1)
+            << i << ": " << fromX << " " << fromY << " " << width << " " << height << " to " << x << " " << y;
+    }
 }
 
 TEST(PainterImages, CopyingTakesAlphaOrKeepsTheTargets)

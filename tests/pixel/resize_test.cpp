@@ -46,6 +46,17 @@ TEST(Resize, FromNothingGivesTheColourAlone)
     EXPECT_EQ(Resize(result, 0, 0, 1, 2, 3, 4).data, nullptr);
 }
 
+TEST(Resize, ToNoColumnsOrNoRowsHasNoPixelsAndThatSize)
+{
+    const Image source = randomImage(4, 3, 1);
+    for (const auto& [w, h] : {std::pair(0u, 5u), std::pair(5u, 0u)}) {
+        const Image result = Resize(source, w, h, 1, 2, 3, 4);
+        EXPECT_EQ(result.width, w);
+        EXPECT_EQ(result.height, h);
+        EXPECT_EQ(result.sizeBytes, 0u);
+    }
+}
+
 TEST(ResizeInPlace, ShrinkingMovesRowsAndKeepsTheBlock)
 {
     const Image source = randomImage(10, 8, 4);
@@ -67,6 +78,16 @@ TEST(ResizeInPlace, SameSizeDoesNothing)
     Image image = source;
     ResizeInPlace(image, 10, 8);
     EXPECT_TRUE(samePixels(image, source));
+}
+
+TEST(ResizeInPlace, KeepsTheMetadata)
+{
+    Image image = randomImage(10, 8, 4);
+    image.colorProfile.fill(7);
+    image.rawFilters = 8;
+    ResizeInPlace(image, 6, 5);
+    EXPECT_EQ(image.colorProfile[31], 7);
+    EXPECT_EQ(image.rawFilters, 8u);
 }
 
 TEST(ResizeInPlace, ToFewerRowsOnly)

@@ -145,6 +145,36 @@ TEST(ScaleCpu, DestinationOfAnotherSizeIsReplaced)
     EXPECT_EQ(destination.rawFilters, 0u);
 }
 
+TEST(ScaleCpu, EmptySourceEmptiesTheDestination)
+{
+    Image destination = randomImage(5, 4, 1);
+    Scale_CPU(Image(), destination, 5, 4, FilterMethod::Bilinear);
+    EXPECT_EQ(destination.data, nullptr);
+}
+
+TEST(Scale, ToNoRowsHasThatSizeAndNoPixels)
+{
+    for (const FilterMethod filter : {FilterMethod::NearestNeighbor, FilterMethod::Bilinear, FilterMethod::Bicubic}) {
+        Image result;
+        Scale_CPU(randomImage(5, 4, 1), result, 7, 0, filter);
+        EXPECT_EQ(result.width, 7u);
+        EXPECT_EQ(result.height, 0u);
+        EXPECT_EQ(result.sizeBytes, 0u);
+    }
+}
+
+TEST(Scale, ABlockSmallerThanItsSidesCountsAsNone)
+{
+    Image source(4, 4);
+    source.width = source.height = 65536;
+    for (const FilterMethod filter : {FilterMethod::NearestNeighbor, FilterMethod::Bilinear, FilterMethod::Bicubic}) {
+        Image result;
+        Scale_CPU(source, result, 8, 8, filter);
+        for (unsigned int i = 0; i < result.sizeBytes / 2; ++i)
+            ASSERT_EQ(result.data[i], 0);
+    }
+}
+
 TEST(ScaleNearest, RoundsTheProductAndIgnoresPixelCentres)
 {
     const Image result = Scale(greyRow({0, 1, 2, 3}), 8, 1, FilterMethod::NearestNeighbor);

@@ -167,4 +167,71 @@ TEST(ScaleReference, TheBlankSamplerFadesToNothingOutside)
         EXPECT_EQ(inside[c], clamped[c]);
 }
 
+TEST(ScaleReference, MoreColumnsThanOneGroupHoldsUnderManyRows)
+{
+    expectSame(randomImage(600, 300, 31), 600, 1, FilterMethod::Bilinear);
+    expectSame(randomImage(600, 70, 32), 600, 1, FilterMethod::Bicubic);
+}
+
+// Far from the left edge the ends of a box are rounded so coarsely that one half of it may be quartered again and the
+// other not.
+TEST(ScaleReference, LongRowsWhoseBoxesAreQuarteredUnevenly)
+{
+    expectSame(randomImage(3145729, 1, 33), 1048576, 1, FilterMethod::Bilinear);
+    expectSame(randomImage(524289, 1, 34), 262144, 1, FilterMethod::Bicubic);
+}
+
+TEST(ScaleReference, SidesBeyondThePrecisionOfFloats)
+{
+    const Image source = randomImage(4194305, 1, 35);
+    expectSame(source, 2097152, 1, FilterMethod::Bilinear);
+    expectSame(source, 3000000, 1, FilterMethod::Bicubic);
+    expectSame(randomImage(1, 4194305, 36), 1, 2097152, FilterMethod::Bilinear);
+}
+
+float premultipliedOrZero(const Image& image, int x, int y, int channel)
+{
+    float rgba[4];
+    GetPixelAsFloatRGBABlankPremultiplied(image, x, y, rgba);
+    return rgba[channel];
+}
+
+// The same sum as in the middle, with nothing where the picture ends.
+TEST(ScaleReference, TheBlankSamplerTakesWhatLiesAcrossTheEdgeAsNothing)
+{
+    Image framed(9, 9);
+    const Image image = randomImage(5, 5, 17);
+    for (unsigned int y = 0; y < 5; ++y)
+        for (unsigned int x = 0; x < 5; ++x)
+            OndrelTest::setPixel(framed, x + 2, y + 2, OndrelTest::pixelAt(image, x, y));
+    ASSERT_EQ(premultipliedOrZero(image, -1, 0, 3), 0.0f);
+    for (const auto& [x, y] : {std::pair(-0.75f, 2.5f), std::pair(4.25f, -0.5f), std::pair(0.0f, 0.0f),
+                               std::pair(3.5f, 4.5f), std::pair(-1.5f, -1.5f)}) {
+        float across[4], inside[4];
+        BicubicSample<GetPixelAsFloatRGBABlankPremultiplied>(image, x, y, across);
+        BicubicSample<GetPixelAsFloatRGBABlankPremultiplied>(framed, x + 2.0f, y + 2.0f, inside);
+        for (int c = 0; c < 4; ++c)
+            EXPECT_EQ(across[c], inside[c]) << x << " " << y << " " << c;
+    }
+}
+
+TEST(ScaleReference, SamplersAtPlacesThatAreNoNumberOrFarAwayStayInside)
+{
+    const Image image = randomImage(4, 3, 18);
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (const float far : {infinity, -infinity, nan, 3e38f, -3e38f, 2147483648.0f, -2147483904.0f}) {
+        float rgba[4];
+        BicubicSample<GetPixelAsFloatRGBAPremultiplied>(image, far, 1.0f, rgba);
+        BicubicSample<GetPixelAsFloatRGBAPremultiplied>(image, 1.0f, far, rgba);
+        BicubicSample<GetPixelAsFloatRGBABlankPremultiplied>(image, far, far, rgba);
+        float around[3] = {1.0f, far, 2.0f}, ends[3] = {far, 1.0f, far};
+        float middle[3] = {0.5f, 1.0f, 1.5f};
+        BilinearSupersampleMultiplied(image, around, middle, rgba);
+        BilinearSupersampleMultiplied(image, middle, ends, rgba);
+        BicubicSupersampleMultiplied(image, around, middle, rgba);
+        BicubicSupersampleMultiplied(image, middle, ends, rgba);
+    }
+}
+
 } // namespace
