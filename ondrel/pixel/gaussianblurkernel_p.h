@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+namespace Ondrel
+{
+
+// N for R = radius + 1, the distance at which the weights reach zero, as a whole number in a float; not a number or
+// infinite as R is.
+float gaussianReach(float radiusToZero);
+
+// The weights of the positions -reach to reach; see GaussianBlur. They are not below 0 and the same in both directions.
+struct GaussianKernel {
+    std::int64_t reach = 0;
+    std::vector<double> weights;
+};
+
+// For R above 0. R is limited, so that a kernel never takes more than some megabytes.
+GaussianKernel gaussianKernel(float radiusToZero);
+
+} // namespace Ondrel
