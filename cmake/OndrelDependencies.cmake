@@ -2,6 +2,7 @@
 find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Xml Svg Concurrent)
 find_package(TBB REQUIRED)
 find_package(Boost 1.74 REQUIRED)
+find_package(Eigen3 3.3 REQUIRED NO_MODULE)
 find_package(PNG 1.6 REQUIRED)
 find_package(JPEG REQUIRED)
 find_package(TIFF REQUIRED)

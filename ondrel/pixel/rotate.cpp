@@ -1,0 +1,142 @@
+#include <ondrel/pixel/perspective.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <ondrel/pixel/imageblock_p.h>
+#include <ondrel/pixel/painter.h>
+
+using namespace Ondrel;
+
+namespace
+{
+
+constexpr float kQuarter = 90.0f;
+constexpr float kHalf = 180.0f;
+constexpr float kThreeQuarters = 270.0f;
+
+// To 0 up to 360, 360 not included. Not a number if the angle is not finite.
+float normalised(float angle)
+{
+    if (angle < 0.0f)
+        angle = 360.0f - std::fmod(-angle, 360.0f);
+    return std::fmod(angle, 360.0f);
+}
+
+float radians(float angle)
+{
+    return float(double(angle) * 0.017453292519943295);
+}
+
+// Sine and cosine are single: their last bits decide about the sizes of many canvases.
+Eigen::Matrix<double, 3, 3> rotationMatrix(QSize const& size, float angle)
+{
+    const double s = double(std::sin(radians(angle)));
+    const double c = double(std::cos(radians(angle)));
+    const double cx = double(size.width() / 2);
+    const double cy = double(size.height() / 2);
+    Eigen::Matrix<double, 3, 3> matrix;
+    matrix << c, s, cx - c * cx - s * cy, -s, c, cy + s * cx - c * cy, 0.0, 0.0, 1.0;
+    return matrix;
+}
+
+// Toward zero; 0 for what no side can be.
+int side(double length)
+{
+    return length >= 0.0 && length < 2147483648.0 ? int(length) : 0;
+}
+
+QSize boundingSize(QSize const& size, float angle)
+{
+    RectT<float> box;
+    CalculateTransformOutputBoundingRect(unsigned(size.width()), unsigned(size.height()), 1.0f, TransformSizeBounding,
+                                         rotationMatrix(size, angle), box);
+    return QSize(side(double(box.width())), side(double(box.height())));
+}
+
+QSize inscribedSize(QSize const& size, float angle)
+{
+    const float width = float(size.width());
+    const float height = float(size.height());
+    const float shorter = std::min(width, height);
+    const float longer = std::max(width, height);
+    const float as = std::abs(std::sin(radians(angle)));
+    const float ac = std::abs(std::cos(radians(angle)));
+    // Two corners of the result touch the longer side. Without the tolerance 45 degrees of a square would not do so.
+    if (longer * (2.0f * as * ac) + 0.0001f >= shorter) {
+        const float half = shorter * 0.5f;
+        return width >= height ? QSize(side(double(half / as)), side(double(half / ac)))
+                               : QSize(side(double(half / ac)), side(double(half / as)));
+    }
+    const float a2 = std::abs(std::cos(2.0f * radians(angle)));
+    return QSize(side(double(std::abs(width * ac - height * as) / a2)),
+                 side(double(std::abs(height * ac - width * as) / a2)));
+}
+
+// On a canvas that is large enough for `target`, the picture in its middle.
+Image paddedTo(Image&& picture, QSize const& target)
+{
+    const int width = int(picture.width);
+    const int height = int(picture.height);
+    if (width >= target.width() && height >= target.height())
+        return std::move(picture);
+    Image canvas(unsigned(std::max(width, target.width())), unsigned(std::max(height, target.height())));
+    PixelPainter(&canvas).drawImage(-(std::min(width - target.width(), 0) / 2),
+                                    -(std::min(height - target.height(), 0) / 2), picture);
+    return canvas;
+}
+
+Image centredPart(Image const& picture, QSize const& target)
+{
+    const int dw = int(picture.width) - target.width();
+    const int dh = int(picture.height) - target.height();
+    const int left = std::max(dw / 2, 0);
+    const int top = std::max(dh / 2, 0);
+    return Crop(picture, unsigned(left), unsigned(top), unsigned(std::max(dw - left, 0)),
+                unsigned(std::max(dh - top, 0)));
+}
+
+} // namespace
+
+QSize CalculateRotateSize(QSize const& size, float angle, RotateSize mode)
+{
+    if (size.width() <= 0 || size.height() <= 0)
+        return QSize(0, 0);
+    if (mode == RotateSizeKeep)
+        return size;
+    angle = normalised(angle);
+    if (angle == kQuarter || angle == kThreeQuarters)
+        return size.transposed();
+    if (angle == 0.0f || angle == kHalf)
+        return size;
+    if (mode == RotateSizeBounding)
+        return boundingSize(size, angle);
+    if (mode == RotateSizeInscribed)
+        return inscribedSize(size, angle);
+    return QSize(0, 0);
+}
+
+Ondrel::Image Rotate(Ondrel::Image const& image, float angle, RotateSize mode, Ondrel::FilterMethod filter)
+{
+    angle = normalised(angle);
+    if (angle == kQuarter)
+        return Rotate90(image, mode);
+    if (angle == kHalf)
+        return Rotate180(image);
+    if (angle == kThreeQuarters)
+        return Rotate270(image, mode);
+    if (!hasPixels(image) || !std::isfinite(angle))
+        return Image();
+    const QSize size(int(image.width), int(image.height));
+    const QSize target = CalculateRotateSize(size, angle, mode);
+    if (target.isEmpty() || std::uint64_t(target.width()) * std::uint64_t(target.height()) >= (std::uint64_t{1} << 30))
+        return Image();
+
+    std::shared_ptr<const Image> turned;
+    Transform(image, RectT<int>(0, 0, size.width(), size.height()), 1.0, TransformSizeBounding, filter,
+              rotationMatrix(size, angle), turned);
+    if (!turned)
+        return Image();
+    Image padded = paddedTo(Image(*turned), target);
+    return centredPart(padded, target);
+}

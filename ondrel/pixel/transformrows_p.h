@@ -1,0 +1,29 @@
+#pragma once
+
+#include <Eigen/Core>
+#include <ondrel/core/image.h>
+#include <ondrel/core/rect.h>
+#include <ondrel/pixel/scale.h>
+
+namespace Ondrel
+{
+
+struct Place {
+    double x, y;
+};
+
+// A point through a matrix, with the homogeneous divide. The order of the sums is part of every result.
+inline Place projected(Eigen::Matrix<double, 3, 3> const& matrix, double x, double y)
+{
+    const double u = matrix(0, 0) * x + matrix(0, 1) * y + matrix(0, 2);
+    const double v = matrix(1, 0) * x + matrix(1, 1) * y + matrix(1, 2);
+    const double w = matrix(2, 0) * x + matrix(2, 1) * y + matrix(2, 2);
+    return {u / w, v / w};
+}
+
+// Writes the pixels of `area`, as far as they lie in the target, from where `mapping` places them in the source. Only
+// the samples of the target change; `isBlank` says that they are all 0 so far.
+void transformRows(Image const& source, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& mapping,
+                   RectT<int> const& area, Image const& target, bool isBlank);
+
+} // namespace Ondrel
