@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <ondrel/core/image.h>
+#include <ondrel/pixel/gradient.h>
+#include <vector>
+
+// The loops of gradients over the pixels of a row, all in single precision.
+
+namespace Ondrel::GradientRows
+{
+
+// Positions are computed for so many pixels at a time, and buffers for them have this size.
+constexpr std::size_t kRun = 1024;
+
+// A geometry in pixels of one image.
+struct LinearAxis {
+    LinearAxis(Image const& image, GradientLinearGeometry const& geometry);
+    float ux, uy, offset, factor;
+};
+
+struct RadialEllipse {
+    RadialEllipse(Image const& image, GradientRadialGeometry const& geometry);
+    float centerX, centerY, rx, ratio, sine, cosine, focalX, focalY;
+};
+
+// Positions from 0 to 1, or not a number, of `count` pixels, at most kRun, from (x, y) on.
+void positions(LinearAxis const& axis, int x, int y, std::size_t count, float* t);
+void positions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t);
+
+// Stops with `channels` values each, ready to be looked up.
+class Ramp
+{
+public:
+    struct Stop {
+        float position;
+        float channels[4];
+    };
+
+    explicit Ramp(std::vector<Stop> stops);
+
+    // The first stop whose position is above t, the first of all left out; the number of stops if there is none.
+    std::size_t firstAbove(float t) const;
+
+    // The channels at a position, not rounded.
+    void mix(float t, float* channels) const;
+
+    std::vector<Stop> const& stops() const { return m_stops; }
+
+    // Positions below this one are not above stop i; infinite beyond the last stop.
+    float limit(std::size_t i) const { return m_limits[i]; }
+
+private:
+    std::vector<Stop> m_stops;
+    std::vector<float> m_limits; // the highest position up to each stop
+};
+
+// Stores the mixed and truncated channels of `count` pixels, at most kRun.
+void mixPixels(Ramp const& ramp, const float* t, std::size_t count, std::uint16_t* to);
+
+} // namespace Ondrel::GradientRows
