@@ -8,8 +8,8 @@
 
 // Exact moves of whole pixels. Every result is a new image without metadata, but that of SubImage carries the colour
 // profile hash. All run on the calling thread and only read their source, so any number of threads may call them. Of an
-// image without pixels all make an empty image; one whose block is smaller than its sides say (see Ondrel::Image) counts
-// as such. Without memory for the result they throw std::bad_alloc.
+// image without pixels all make an empty image; one whose block is smaller than its sides say (see Ondrel::Image)
+// counts as such. Without memory for the result they throw std::bad_alloc.
 
 // The size of the result of a rotation.
 enum RotateSize : unsigned int {
