@@ -3,6 +3,7 @@
 
 #include "operations.h"
 #include "options.h"
+#include "profiles.h"
 #include "progress.h"
 
 #include <ondrel/color/colormanager.h>
@@ -23,51 +24,7 @@
 namespace
 {
 
-using Hash = std::array<unsigned char, 32>;
-using Profile = Ondrel::ColorManager::ColorProfile;
-using ProfileList = std::vector<std::pair<QString, Hash>>;
-
-QByteArray toByteArray(const Hash& hash)
-{
-    return QByteArray(reinterpret_cast<const char*>(hash.data()), int(hash.size()));
-}
-
-ProfileList allProfiles()
-{
-    ProfileList list;
-    Ondrel::ColorManager::colorProfileNamesAndHashesSorted(
-        list, {Profile::RGB, Profile::CMYK, Profile::Lab},
-        {Profile::BuiltIn, Profile::System, Profile::User, Profile::Embedded});
-    return list;
-}
-
-QString profileName(const Hash& hash)
-{
-    for (const auto& [name, known] : allProfiles())
-        if (known == hash)
-            return name;
-    return "none";
-}
-
-// The hash of what --profile names. A file is registered for the life of the process only.
-bool findProfile(const QString& text, Hash& hash)
-{
-    if (text.isEmpty() || text == "embedded" || text == "none") {
-        hash = text == "none" ? Ondrel::NoneColorProfile : Ondrel::EmbeddedColorProfile;
-        return true;
-    }
-    for (const auto& [name, known] : allProfiles()) {
-        if (name.compare(text, Qt::CaseInsensitive) == 0) {
-            hash = known;
-            return true;
-        }
-    }
-    QFile file(text);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray bytes = file.readAll();
-    return Ondrel::ColorManager::addColorProfile({bytes.begin(), bytes.end()}, Profile::Embedded, &hash);
-}
+using Hash = ProfileHash;
 
 int listProfiles()
 {
@@ -192,7 +149,7 @@ QString convert(const QString& input, const QString& output, const Hash& profile
         progress.stage("converted to " + profileName(profile));
     }
     for (const Operation& operation : options.operations) {
-        image = std::make_shared<Ondrel::Image>(applyOperation(*image, operation, options.filter));
+        image = std::make_shared<Ondrel::Image>(applyOperation(*image, operation, options));
         if (image->width == 0 || image->height == 0)
             return "nothing is left after: " + describeOperation(operation);
         progress.stage(describeOperation(operation));
@@ -214,14 +171,35 @@ QString convert(const QString& input, const QString& output, const Hash& profile
     return {};
 }
 
+bool knowsProfile(const QString& name, Hash& hash)
+{
+    const bool known = findProfile(name, hash);
+    if (!known)
+        std::fprintf(stderr, "ondrel-convert: no profile \"%s\"; see --list-profiles\n", qUtf8Printable(name));
+    return known;
+}
+
+// A proof is made for a known device and for a display whose colours are managed.
+bool canProof(const Options& options)
+{
+    Hash hash;
+    for (const Operation& operation : options.operations) {
+        const auto* proof = std::get_if<ProofFor>(&operation);
+        if (proof && !knowsProfile(proof->profile, hash))
+            return false;
+        if (proof && !Ondrel::ColorManager::isColorManagementEnabled()) {
+            std::fputs("ondrel-convert: a proof needs colour management, which the settings turn off\n", stderr);
+            return false;
+        }
+    }
+    return true;
+}
+
 int convertAll(const Options& options)
 {
     Hash profile;
-    if (!findProfile(options.profile, profile)) {
-        std::fprintf(stderr, "ondrel-convert: no profile \"%s\"; see --list-profiles\n",
-                     qUtf8Printable(options.profile));
+    if (!knowsProfile(options.profile, profile) || !canProof(options))
         return 2;
-    }
     if (options.outputIsFolder && !QDir().mkpath(options.output)) {
         std::fprintf(stderr, "ondrel-convert: cannot make the folder %s\n", qUtf8Printable(options.output));
         return 1;

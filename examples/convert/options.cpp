@@ -7,6 +7,8 @@
 #include <QHash>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -50,17 +52,60 @@ bool parseCrop(const QString& text, Operation& operation)
 
 bool parseRotation(const QString& text, Operation& operation)
 {
-    int angle = 0;
-    const bool ok = inRange(text, 90, 270, angle) && angle % 90 == 0;
-    operation = QuarterTurns{angle / 90};
+    std::vector<float> numbers;
+    const bool ok = parseNumbers(text, numbers) && numbers.size() == 1;
+    operation = RotateBy{ok ? numbers[0] : 0};
     return ok;
+}
+
+bool parseBlur(const QString& text, Operation& operation)
+{
+    std::vector<float> radii;
+    if (!parseNumbers(text, radii) || radii.size() > 2)
+        return false;
+    operation = BlurBy{radii.front(), radii.back()};
+    return radii.front() >= 0 && radii.back() >= 0 && std::max(radii.front(), radii.back()) <= 10000;
+}
+
+bool parseCorners(const QString& text, Operation& operation)
+{
+    std::vector<float> numbers;
+    if (!parseNumbers(text, numbers) || numbers.size() != 8)
+        return false;
+    MoveCorners move;
+    for (std::size_t i = 0; i < 4; ++i)
+        move.corners[i] = QPointF(double(numbers[2 * i]), double(numbers[2 * i + 1]));
+    operation = move;
+    return true;
+}
+
+bool parseTemperature(const QString& text, Operation& operation)
+{
+    std::vector<float> numbers;
+    if (!parseNumbers(text, numbers) || numbers.size() > 2)
+        return false;
+    const WhiteBalance light{numbers[0], numbers.size() > 1 ? numbers[1] : 1000};
+    operation = light;
+    return light.kelvin >= 1667 && light.kelvin <= 25000 && light.tint >= 100 && light.tint <= 2000;
+}
+
+bool parseProof(const QString& text, Operation& operation)
+{
+    operation = ProofFor{text};
+    return !text.isEmpty() && text != "embedded" && text != "none";
 }
 
 // The operations in the order in which they stand on the command line; a repeated option is a repeated operation.
 bool parseOperations(const QCommandLineParser& parser, Options& options, QString& message)
 {
-    const QHash<QString, bool (*)(const QString&, Operation&)> parsers{
-        {"size", parseSize}, {"crop", parseCrop}, {"rotate", parseRotation}};
+    const QHash<QString, bool (*)(const QString&, Operation&)> parsers{{"size", parseSize},
+                                                                       {"crop", parseCrop},
+                                                                       {"rotate", parseRotation},
+                                                                       {"blur", parseBlur},
+                                                                       {"perspective", parseCorners},
+                                                                       {"gradient", parseGradient},
+                                                                       {"temperature", parseTemperature},
+                                                                       {"proof", parseProof}};
     QHash<QString, int> seen;
     for (const QString& name : parser.optionNames()) {
         const auto parse = parsers.value(name);
@@ -146,7 +191,20 @@ void declare(QCommandLineParser& parser)
         {"size", "Scale to fit W x H pixels (W x H! ignores the aspect) or to N percent.", "WxH|N%"},
         {"filter", "nearest, bilinear or bicubic (default).", "F"},
         {"crop", "Keep W x H pixels from column X, row Y.", "WxH+X+Y"},
-        {"rotate", "Turn counter-clockwise by 90, 180 or 270 degrees.", "ANGLE"},
+        {"rotate", "Turn counter-clockwise by ANGLE degrees.", "ANGLE"},
+        {"mode", "Rotations keep the size, grow to the bounding box (default) or cut to what is inscribed.",
+         "keep|bounding|inscribed"},
+        {"blur", "Blur by a radius of R pixels, or of RX across and RY down.", "R[,RY]"},
+        {"edge", "What blurs find outside: clamp (default), blank or repeat.", "E"},
+        {"perspective", "Move the corners, from the top left clockwise, to these pixels.", "X0,Y0,...,X3,Y3"},
+        {"gradient",
+         "Draw linear,X1,Y1,X2,Y2 or radial,CX,CY,RX,RY,DEGREES,FX,FY in fractions of the sides, followed by colours "
+         "such as #ff8000 or, with alpha first, #80ff8000@0.5.",
+         "G"},
+        {"mix", "Gradients mix their colours in rgb (default) or lch.", "M"},
+        {"temperature", "Balance for a light of K kelvin; a TINT below 1000 takes green away.", "K[,TINT]"},
+        {"proof", "Show how it would come out on the device of this profile, with --intent.", "P"},
+        {"gamut", "Proofs mark colours out of gamut in red."},
         {"depth", "8 (default) or 16 bits a sample in PNG and TIFF.", "N"},
         {"quality", "JPEG quality, 1 to 100 (default 90).", "N"},
         {"compression", "PNG: 0 to 9 (default 6). TIFF: none, deflate (default), lzw or packbits.", "C"},
@@ -190,13 +248,20 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& messa
     options.timings = parser.isSet("timings");
     options.quiet = parser.isSet("quiet");
     options.format = parser.value("format").toLower();
-    unsigned int filter = unsigned(options.filter), format = 0;
+    options.gamutWarning = parser.isSet("gamut");
+    unsigned int filter = unsigned(options.filter), format = 0, edge = 0, mode = RotateSizeBounding, mix = 0;
     const bool ok = choose(parser, "filter", {{"nearest", 0}, {"bilinear", 1}, {"bicubic", 2}}, filter, message) &&
+                    choose(parser, "edge", {{"clamp", 0}, {"blank", 1}, {"repeat", 2}}, edge, message) &&
+                    choose(parser, "mode", {{"keep", 0}, {"bounding", 1}, {"inscribed", 2}}, mode, message) &&
+                    choose(parser, "mix", {{"rgb", 0}, {"lch", 1}}, mix, message) &&
                     choose(parser, "format", {{"png", 0}, {"jpeg", 1}, {"tiff", 2}}, format, message) &&
                     choose(parser, "intent", {{"perceptual", 0}, {"relative", 1}, {"saturation", 2}, {"absolute", 3}},
                            options.intent, message) &&
                     parseEncoding(parser, options, message) && parseOperations(parser, options, message) &&
                     parseFiles(parser, options, message);
     options.filter = Ondrel::FilterMethod(filter);
+    options.edge = GaussianEdge(edge);
+    options.rotateSize = RotateSize(mode);
+    options.mixLightnessAndHue = mix == 1;
     return ok;
 }

@@ -1,5 +1,7 @@
 // The command-line tools, as a user runs them.
 
+#include <ondrel/pixel/perspective.h>
+
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -89,6 +91,84 @@ TEST_F(Convert, TurnsCounterClockwise)
     EXPECT_EQ(qRed(turned.pixel(0, 0)), 255); // top left
 }
 
+TEST_F(Convert, RotatesByAnyAngleInThreeSizes)
+{
+    const std::pair<const char*, QSize> modes[] = {
+        {"keep", {120, 80}},
+        {"bounding", CalculateRotateSize({120, 80}, 17, RotateSizeBounding)},
+        {"inscribed", CalculateRotateSize({120, 80}, 17, RotateSizeInscribed)}};
+    for (const auto& [mode, size] : modes) {
+        ASSERT_EQ(convert({scene, path("a.png"), "--rotate", "17", "--mode", mode}).status, 0);
+        EXPECT_EQ(sizeOf(path("a.png")), size) << mode;
+    }
+}
+
+QImage opened(const QString& file)
+{
+    return QImage(file).convertToFormat(QImage::Format_ARGB32);
+}
+
+TEST_F(Convert, BlursWithTheEdgeThatIsAskedFor)
+{
+    ASSERT_EQ(convert({scene, path("clamp.png"), "--blur", "6"}).status, 0);
+    ASSERT_EQ(convert({scene, path("blank.png"), "--blur", "6,0", "--edge", "blank"}).status, 0);
+    EXPECT_EQ(sizeOf(path("clamp.png")), QSize(120, 80));
+    EXPECT_NE(opened(path("clamp.png")), opened(scene));
+    EXPECT_EQ(qAlpha(opened(path("clamp.png")).pixel(0, 40)), 255);
+    EXPECT_LT(qAlpha(opened(path("blank.png")).pixel(0, 40)), 200);
+    EXPECT_EQ(qAlpha(opened(path("blank.png")).pixel(60, 0)), 255); // not blurred downwards
+}
+
+TEST_F(Convert, MovesTheCornersOfThePicture)
+{
+    ASSERT_EQ(convert({scene, path("a.png"), "--perspective", "20,0,100,0,120,60,0,60"}).status, 0);
+    const QImage moved = opened(path("a.png"));
+    EXPECT_EQ(moved.size(), QSize(120, 60));
+    EXPECT_EQ(qAlpha(moved.pixel(2, 2)), 0);
+    EXPECT_EQ(qAlpha(moved.pixel(117, 2)), 0);
+    EXPECT_EQ(qAlpha(moved.pixel(60, 30)), 255);
+}
+
+TEST_F(Convert, DrawsGradientsOverThePicture)
+{
+    ASSERT_EQ(convert({scene, path("a.png"), "--gradient", "linear,0,0,1,0,#ffff0000,#00ff0000"}).status, 0);
+    const QImage drawn = opened(path("a.png")), before = opened(scene);
+    EXPECT_EQ(drawn.pixel(0, 40), qRgb(255, 0, 0));
+    EXPECT_NEAR(qBlue(drawn.pixel(119, 40)), qBlue(before.pixel(119, 40)), 4);
+    ASSERT_EQ(
+        convert({scene, path("b.png"), "--gradient", "radial,0.5,0.5,0.1,0.1,0,0,0,blue,#000000ff@0.5", "--mix", "lch"})
+            .status,
+        0);
+    EXPECT_EQ(opened(path("b.png")).pixel(60, 40), qRgb(0, 0, 255));
+    EXPECT_NEAR(qRed(opened(path("b.png")).pixel(2, 2)), qRed(before.pixel(2, 2)), 1); // composed in 16 bits
+}
+
+TEST_F(Convert, BalancesForALight)
+{
+    const auto blueAt = [this](const char* kelvin) {
+        EXPECT_EQ(convert({scene, path("a.png"), "--temperature", kelvin}).status, 0);
+        return qBlue(opened(path("a.png")).pixel(10, 70));
+    };
+    const int neutral = qBlue(opened(scene).pixel(10, 70));
+    EXPECT_NEAR(blueAt("6500"), neutral, 1);
+    EXPECT_GT(blueAt("4000"), neutral + 5); // the light was warm: more blue
+    EXPECT_LT(blueAt("12000,1100"), neutral - 5);
+}
+
+TEST_F(Convert, ProofsMarkWhatTheDeviceCannotShow)
+{
+    QImage green(4, 4, QImage::Format_RGB32);
+    green.fill(qRgb(0, 255, 0));
+    ASSERT_TRUE(green.save(path("green.png")));
+    const QStringList wide = {path("green.png"), path("a.png"), "--profile",
+                              "ProPhoto RGB",    "--gradient",  "linear,0,0,1,0,#00ff00,#00ff00"};
+    ASSERT_EQ(convert(wide + QStringList{"--proof", "sRGB built-in", "--gamut"}).status, 0);
+    EXPECT_EQ(opened(path("a.png")).pixel(1, 1), qRgb(255, 0, 0));
+    ASSERT_EQ(convert(wide + QStringList{"--proof", "sRGB built-in"}).status, 0);
+    EXPECT_EQ(qGreen(opened(path("a.png")).pixel(1, 1)), 255);
+    EXPECT_EQ(qRed(opened(path("a.png")).pixel(1, 1)), 0);
+}
+
 TEST_F(Convert, EmbedsTheProfileItConvertsTo)
 {
     ASSERT_EQ(convert({scene, path("a.png"), "--profile", "prophoto rgb", "--depth", "16"}).status, 0);
@@ -133,7 +213,23 @@ TEST_F(Convert, UsageErrorsHaveStatusTwo)
                                  {scene},
                                  {scene, path("a.png"), "--size", "big"},
                                  {scene, path("a.png"), "--size", "0x10"},
-                                 {scene, path("a.png"), "--rotate", "45"},
+                                 {scene, path("a.png"), "--rotate", "far"},
+                                 {scene, path("a.png"), "--rotate", "1,2"},
+                                 {scene, path("a.png"), "--mode", "shear"},
+                                 {scene, path("a.png"), "--blur", "-1"},
+                                 {scene, path("a.png"), "--blur", "1,2,3"},
+                                 {scene, path("a.png"), "--blur", "inf"},
+                                 {scene, path("a.png"), "--blur", "3", "--edge", "mirror"},
+                                 {scene, path("a.png"), "--perspective", "0,0,1,0,1,1"},
+                                 {scene, path("a.png"), "--gradient", "conical,0,0,1,1,red,blue"},
+                                 {scene, path("a.png"), "--gradient", "linear,0,0,1,red,blue"},
+                                 {scene, path("a.png"), "--gradient", "linear,0,0,1,1"},
+                                 {scene, path("a.png"), "--gradient", "linear,0,0,1,1,red,nocolour"},
+                                 {scene, path("a.png"), "--gradient", "linear,0,0,1,1,red,blue@2"},
+                                 {scene, path("a.png"), "--temperature", "1000"},
+                                 {scene, path("a.png"), "--temperature", "5000,10"},
+                                 {scene, path("a.png"), "--proof", "no such profile"},
+                                 {scene, path("a.png"), "--proof", "none"},
                                  {scene, path("a.png"), "--depth", "12"},
                                  {scene, path("a.png"), "--quality", "101"},
                                  {scene, path("a.png"), "--compression", "zip"},
