@@ -7,8 +7,11 @@
 #define ONDREL_PIXEL_SCALEPIXELS_P_H
 #endif
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <hwy/highway.h>
+#include <type_traits>
 
 HWY_BEFORE_NAMESPACE();
 namespace Ondrel::ScaleRows
@@ -71,6 +74,10 @@ HWY_INLINE Pixels premultiplied(const std::uint16_t* from)
 {
     const float alpha = float(from[3]) / 65535.0f;
     return eachLane([&](int c) { return c == 3 ? alpha : float(from[c]) / 65535.0f * alpha; });
+}
+HWY_INLINE Pixels premultipliedAt(const std::uint16_t* const* from, std::ptrdiff_t offset)
+{
+    return premultiplied<1>(*from + offset * 4);
 }
 template <std::size_t>
 HWY_INLINE void storeUnpremultiplied(const float* from, std::uint16_t* to)
@@ -159,14 +166,45 @@ HWY_INLINE V factorOfColours(D d, V colour)
     return hn::IfThenElse(hn::RebindMask(d, isAlpha), hn::Set(d, 1.0f), colour);
 }
 
+// v / 65535 for each whole v up to 65535, rounded as a division rounds it: the quotient is v * (2^-16 + 2^-32 + 2^-48
+// + ...). The first product is exact; the second, which decides ties, differs from the rest of the series too little to
+// matter, as trying all values shows.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V dividedBy65535(D d, V v)
+{
+    return hn::Add(hn::Mul(v, hn::Set(d, 0x1p-16f)), hn::Mul(v, hn::Set(d, 0x1.0001p-32f)));
+}
+
+// From one or more stored pixels.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V premultiplied(D d, hn::Vec<hn::Rebind<std::uint16_t, D>> samples)
+{
+    const auto v = dividedBy65535(d, hn::ConvertTo(d, hn::PromoteTo(hn::Rebind<std::int32_t, D>(), samples)));
+    return hn::Mul(v, factorOfColours(d, hn::Broadcast<3>(v)));
+}
+
 template <std::size_t pixels>
 HWY_INLINE void savePremultiplied(const std::uint16_t* from, float* to)
 {
     const Tag<pixels> d;
-    const hn::Rebind<std::uint16_t, Tag<pixels>> d16;
-    const auto integers = hn::PromoteTo(hn::Rebind<std::int32_t, Tag<pixels>>(), hn::LoadU(d16, from));
-    const auto v = hn::Div(hn::ConvertTo(d, integers), hn::Set(d, 65535.0f));
-    hn::StoreU(hn::Mul(v, factorOfColours(d, hn::Broadcast<3>(v))), d, to);
+    hn::StoreU(premultiplied(d, hn::LoadU(hn::Rebind<std::uint16_t, Tag<pixels>>(), from)), d, to);
+}
+
+template <std::size_t pixels>
+HWY_INLINE hn::Vec<hn::FixedTag<std::uint16_t, pixels * 4>> samplesAt(const std::uint16_t* const* from,
+                                                                      std::ptrdiff_t offset)
+{
+    const hn::FixedTag<std::uint16_t, pixels * 4> d;
+    if constexpr (pixels == 1)
+        return hn::LoadU(d, *from + offset * 4);
+    else
+        return hn::Combine(d, samplesAt<pixels / 2>(from + pixels / 2, offset), samplesAt<pixels / 2>(from, offset));
+}
+
+// The stored pixels at from[0] + offset pixels, from[1] + offset pixels...
+HWY_INLINE Pixels premultipliedAt(const std::uint16_t* const* from, std::ptrdiff_t offset)
+{
+    return premultiplied(Tag<kPixels>(), samplesAt<kPixels>(from, offset));
 }
 
 template <std::size_t pixels>
@@ -187,6 +225,52 @@ HWY_INLINE void storeUnpremultiplied(const float* from, std::uint16_t* to)
 }
 
 #endif
+
+// How far a sample lies from the inner one of its neighbours, prepared once for all of them. A sum is formed from left
+// to right, as it is written in a contract.
+class Linear
+{
+public:
+    HWY_INLINE explicit Linear(Pixels fraction)
+        : m_near(subtract(allOf(1.0f), fraction))
+        , m_far(fraction)
+    {
+    }
+    HWY_INLINE Pixels operator()(const Pixels* p) const { return add(multiply(p[0], m_near), multiply(p[1], m_far)); }
+
+private:
+    Pixels m_near, m_far;
+};
+
+class Cubic
+{
+public:
+    HWY_INLINE explicit Cubic(Pixels fraction)
+        : m_t(fraction)
+        , m_t2(multiply(m_t, m_t))
+        , m_t3(multiply(m_t2, m_t))
+    {
+    }
+    HWY_INLINE Pixels operator()(const Pixels* p) const
+    {
+        const Pixels half = allOf(0.5f);
+        const Pixels threeHalves = allOf(1.5f);
+        const Pixels half0 = multiply(half, p[0]);
+        const Pixels half3 = multiply(half, p[3]);
+        const Pixels slope = subtract(multiply(half, p[2]), half0);
+        const Pixels square =
+            subtract(add(subtract(p[0], multiply(allOf(2.5f), p[1])), multiply(allOf(2.0f), p[2])), half3);
+        const Pixels cube =
+            add(subtract(subtract(multiply(threeHalves, p[1]), half0), multiply(threeHalves, p[2])), half3);
+        return add(add(add(p[1], multiply(slope, m_t)), multiply(square, m_t2)), multiply(cube, m_t3));
+    }
+
+private:
+    Pixels m_t, m_t2, m_t3;
+};
+
+template <int taps>
+using Curve = std::conditional_t<taps == 2, Linear, Cubic>;
 
 } // namespace HWY_NAMESPACE
 } // namespace Ondrel::ScaleRows

@@ -32,52 +32,6 @@ void Store(const PixelQuad* from, std::size_t count, std::uint16_t* to)
         storeUnpremultiplied<1>(samples + i * 4, to + i * 4);
 }
 
-// How far a sample lies from the inner one of its neighbours, prepared once for all of them. A sum is formed from left
-// to right, as it is written in a contract.
-class Linear
-{
-public:
-    HWY_INLINE explicit Linear(Pixels fraction)
-        : m_near(subtract(allOf(1.0f), fraction))
-        , m_far(fraction)
-    {
-    }
-    HWY_INLINE Pixels operator()(const Pixels* p) const { return add(multiply(p[0], m_near), multiply(p[1], m_far)); }
-
-private:
-    Pixels m_near, m_far;
-};
-
-class Cubic
-{
-public:
-    HWY_INLINE explicit Cubic(Pixels fraction)
-        : m_t(fraction)
-        , m_t2(multiply(m_t, m_t))
-        , m_t3(multiply(m_t2, m_t))
-    {
-    }
-    HWY_INLINE Pixels operator()(const Pixels* p) const
-    {
-        const Pixels half = allOf(0.5f);
-        const Pixels threeHalves = allOf(1.5f);
-        const Pixels half0 = multiply(half, p[0]);
-        const Pixels half3 = multiply(half, p[3]);
-        const Pixels slope = subtract(multiply(half, p[2]), half0);
-        const Pixels square =
-            subtract(add(subtract(p[0], multiply(allOf(2.5f), p[1])), multiply(allOf(2.0f), p[2])), half3);
-        const Pixels cube =
-            add(subtract(subtract(multiply(threeHalves, p[1]), half0), multiply(threeHalves, p[2])), half3);
-        return add(add(add(p[1], multiply(slope, m_t)), multiply(square, m_t2)), multiply(cube, m_t3));
-    }
-
-private:
-    Pixels m_t, m_t2, m_t3;
-};
-
-template <int taps>
-using Curve = std::conditional_t<taps == 2, Linear, Cubic>;
-
 template <int taps>
 void MixAcross(const float* row, Positions positions, PixelQuad* to)
 {

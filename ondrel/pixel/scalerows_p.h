@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ondrel/ondrel_export.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -27,7 +29,7 @@ inline float* floatsOf(PixelQuad* row)
 }
 
 // Premultiplied floats in the range 0 to 1 of `count` stored pixels; writes exactly those.
-void premultiply(const std::uint16_t* from, std::size_t count, float* to);
+ONDREL_EXPORT void premultiply(const std::uint16_t* from, std::size_t count, float* to);
 
 // Un-premultiplies and stores `count` pixels; writes exactly those.
 void store(const PixelQuad* from, std::size_t count, std::uint16_t* to);

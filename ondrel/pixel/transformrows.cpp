@@ -3,98 +3,130 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <ondrel/pixel/imageblock_p.h>
-#include <ondrel/pixel/pixelfetch.h>
+#include <ondrel/pixel/transformsamples_p.h>
+#include <ondrel/pixel/transformsupersample_p.h>
+#include <ondrel/pixel/transformtile_p.h>
 
 namespace Ondrel
 {
 namespace
 {
 
-constexpr double kLongest = 1.5; // source pixels between corners that one sample stands for
+using namespace TransformSamples;
 
-Place middle(Place a, Place b)
-{
-    return {(a.x + b.x) * 0.5, (a.y + b.y) * 0.5};
-}
+// The output is made tile by tile: the source pixels of a tile that is turned stay in the first cache.
+constexpr int kTileWidth = int(kRun) - 1; // a row of corners is one longer
+constexpr int kTileHeight = 64;
 
-struct Quadrilateral {
-    Place corners[4];
-    Place centre;
-};
-
-bool isLong(Place const* corners)
-{
-    for (int i = 0; i < 4; ++i) {
-        const Place a = corners[i];
-        const Place b = corners[(i + 1) % 4];
-        if (std::abs(a.x - b.x) > kLongest || std::abs(a.y - b.y) > kLongest)
-            return true;
-    }
-    return false;
-}
-
-class Sampler
+class Transformer
 {
 public:
-    explicit Sampler(Image const& source)
-        : m_source(source)
+    Transformer(Image const& source, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& mapping,
+                Image const& target, bool isBlank)
+        : m_mapping(mapping)
+        , m_target(target)
+        , m_filter(filter)
+        , m_isBlank(isBlank)
+        , m_width(hasPixels(source) ? double(source.width) : 0.0)
+        , m_height(hasPixels(source) ? double(source.height) : 0.0)
+        , m_sampler(source)
     {
     }
 
-    void bilinear(Place at, float* rgba) const
+    void fillTile(int left, int top, int right, int bottom)
     {
-        const double left = std::floor(at.x);
-        const double top = std::floor(at.y);
-        if (!(left >= -1.0 && left < double(m_source.width) && top >= -1.0 && top < double(m_source.height)))
-            return std::fill_n(rgba, 4, 0.0f), void();
-        const float fx = float(at.x - left);
-        const float fy = float(at.y - top);
-        float pixels[2][2][4];
-        for (int j = 0; j < 2; ++j)
-            for (int i = 0; i < 2; ++i)
-                GetPixelAsFloatRGBABlankPremultiplied(m_source, int(left) + i, int(top) + j, pixels[j][i]);
-        for (int c = 0; c < 4; ++c) {
-            const float upper = pixels[0][0][c] * (1.0f - fx) + pixels[0][1][c] * fx;
-            const float lower = pixels[1][0][c] * (1.0f - fx) + pixels[1][1][c] * fx;
-            rgba[c] = upper * (1.0f - fy) + lower * fy;
+        const TileBounds bounds = tileBounds(m_mapping, left, top, right, bottom);
+        if (isOutside(bounds))
+            return clearTile(left, top, right, bottom);
+        const std::size_t count = std::size_t(right - left);
+        const bool mayBeLong = m_filter != FilterMethod::NearestNeighbor && !bounds.takesOneSample;
+        if (mayBeLong)
+            project(m_mapping, left, top, count + 1, m_corners[0]);
+        for (int y = top; y < bottom; ++y) {
+            std::uint16_t* to = m_target.data + (std::size_t(y) * m_target.width + std::size_t(left)) * 4;
+            if (m_filter == FilterMethod::NearestNeighbor) {
+                project(m_mapping, left, y, count, m_places);
+                m_sampler.copyNearest(m_places, count, to);
+                continue;
+            }
+            project(m_mapping, left + 0.5, y + 0.5, count, m_places);
+            if (mayBeLong) {
+                project(m_mapping, left, y + 1, count + 1, m_corners[(y + 1 - top) & 1]);
+                fillRow(m_corners[(y - top) & 1], m_corners[(y + 1 - top) & 1], count);
+            } else {
+                sampleRow(count);
+            }
+            ScaleRows::store(m_samples, count, to);
         }
-    }
-
-    void supersample(Quadrilateral const& quad, int depth, float* rgba) const
-    {
-        float sum[4] = {0, 0, 0, 0};
-        for (int i = 0; i < 4; ++i) {
-            const Place outer = quad.corners[i];
-            const Place before = middle(quad.corners[(i + 3) % 4], outer);
-            const Place after = middle(outer, quad.corners[(i + 1) % 4]);
-            const Quadrilateral quarter = {{outer, after, quad.centre, before}, middle(outer, quad.centre)};
-            float part[4];
-            if (depth > 0 && isLong(quarter.corners))
-                supersample(quarter, depth - 1, part);
-            else
-                bilinear(quarter.centre, part);
-            for (int c = 0; c < 4; ++c)
-                sum[c] += part[c] * 0.25f;
-        }
-        std::copy_n(sum, 4, rgba);
     }
 
 private:
-    Image const& m_source;
+    // No filter reaches as far as four pixels.
+    bool isOutside(TileBounds const& bounds) const
+    {
+        return bounds.isKnown && (bounds.maxX < -4.0 || bounds.maxY < -4.0 || bounds.minX > m_width + 4.0 ||
+                                  bounds.minY > m_height + 4.0);
+    }
+
+    void clearTile(int left, int top, int right, int bottom)
+    {
+        if (m_isBlank || m_filter == FilterMethod::NearestNeighbor)
+            return;
+        for (int y = top; y < bottom; ++y)
+            std::memset(m_target.data + (std::size_t(y) * m_target.width + std::size_t(left)) * 4, 0,
+                        std::size_t(right - left) * 8);
+    }
+
+    void sampleRow(std::size_t count)
+    {
+        if (m_filter == FilterMethod::Bilinear)
+            m_sampler.bilinear(m_places, count, m_samples);
+        else
+            m_sampler.bicubic(m_places, count, m_samples);
+    }
+
+    // Pixels between two rows of corners.
+    void fillRow(PlaceRow const& upper, PlaceRow const& lower, std::size_t count)
+    {
+        std::size_t longPixels = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            longPixels += m_isLong[i] = quadrilateral(upper, lower, i).isLong();
+        if (longPixels < count)
+            sampleRow(count);
+        for (std::size_t i = 0; i < count && longPixels > 0; ++i)
+            if (m_isLong[i])
+                m_supersampler.add(quadrilateral(upper, lower, i), ScaleRows::floatsOf(m_samples) + i * 4);
+        m_supersampler.finish();
+    }
+
+    Quadrilateral quadrilateral(PlaceRow const& upper, PlaceRow const& lower, std::size_t i) const
+    {
+        return {{{upper.x[i], upper.y[i]},
+                 {upper.x[i + 1], upper.y[i + 1]},
+                 {lower.x[i + 1], lower.y[i + 1]},
+                 {lower.x[i], lower.y[i]}},
+                {m_places.x[i], m_places.y[i]}};
+    }
+
+    Eigen::Matrix<double, 3, 3> const m_mapping;
+    Image const& m_target;
+    FilterMethod const m_filter;
+    bool const m_isBlank;
+    double const m_width, m_height;
+    PlaceSampler m_sampler;
+    Supersampler m_supersampler{m_sampler};
+    PlaceRow m_places;
+    PlaceRow m_corners[2];
+    bool m_isLong[kRun];
+    ScaleRows::PixelQuad m_samples[kRun / 4];
 };
 
-std::uint16_t stored(float v)
+bool isKnown(FilterMethod filter)
 {
-    return v > 1.0f ? std::uint16_t(65535) : v > 0.0f ? std::uint16_t(v * 65535.0f) : std::uint16_t(0);
-}
-
-void storePixel(const float* rgba, std::uint16_t* to)
-{
-    const float inverse = rgba[3] == 0.0f ? 0.0f : 1.0f / rgba[3];
-    for (int c = 0; c < 3; ++c)
-        to[c] = stored(rgba[c] * inverse);
-    to[3] = stored(rgba[3]);
+    return filter == FilterMethod::NearestNeighbor || filter == FilterMethod::Bilinear ||
+           filter == FilterMethod::Bicubic;
 }
 
 } // namespace
@@ -102,43 +134,17 @@ void storePixel(const float* rgba, std::uint16_t* to)
 void transformRows(Image const& source, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& mapping,
                    RectT<int> const& area, Image const& target, bool isBlank)
 {
-    (void)isBlank;
-    if (!hasPixels(target))
+    if (!hasPixels(target) || !isKnown(filter))
         return;
-    const std::int64_t left = std::max(area.left(), 0);
-    const std::int64_t right = std::min<std::int64_t>(area.right(), target.width);
-    const std::int64_t top = std::max(area.top(), 0);
-    const std::int64_t bottom = std::min<std::int64_t>(area.bottom(), target.height);
-    const auto placeOf = [&](double x, double y) { return projected(mapping, x, y); };
-    const Sampler sampler(source);
-    for (std::int64_t y = top; y < bottom; ++y)
-        for (std::int64_t x = left; x < right; ++x) {
-            std::uint16_t* to = target.data + (std::size_t(y) * target.width + std::size_t(x)) * 4;
-            if (filter == FilterMethod::NearestNeighbor) {
-                const Place at = placeOf(double(x), double(y));
-                const double column = std::floor(at.x + 0.5);
-                const double row = std::floor(at.y + 0.5);
-                if (hasPixels(source) && column >= 0 && column < double(source.width) && row >= 0 &&
-                    row < double(source.height))
-                    std::memcpy(to, pixelAt(source, std::size_t(column), std::size_t(row)), 8);
-                continue;
-            }
-            const double x0 = double(x), y0 = double(y);
-            const Quadrilateral quad = {
-                {placeOf(x0, y0), placeOf(x0 + 1.0, y0), placeOf(x0 + 1.0, y0 + 1.0), placeOf(x0, y0 + 1.0)},
-                placeOf(x0 + 0.5, y0 + 0.5)};
-            float rgba[4];
-            if (isLong(quad.corners))
-                sampler.supersample(quad, 4, rgba);
-            else if (filter == FilterMethod::Bilinear)
-                sampler.bilinear(quad.centre, rgba);
-            else if (filter == FilterMethod::Bicubic)
-                BicubicSample<GetPixelAsFloatRGBABlankPremultiplied>(source, float(quad.centre.x), float(quad.centre.y),
-                                                                     rgba);
-            else
-                continue;
-            storePixel(rgba, to);
-        }
+    RectT<int> inside = area;
+    inside.subtractRect(RectT<int>(0, 0, int(target.width), int(target.height)));
+    if (inside.width() <= 0 || inside.height() <= 0)
+        return;
+    const auto transformer = std::make_unique<Transformer>(source, filter, mapping, target, isBlank);
+    for (int top = inside.top(); top < inside.bottom(); top += kTileHeight)
+        for (int left = inside.left(); left < inside.right(); left += kTileWidth)
+            transformer->fillTile(left, top, std::min(left + kTileWidth, inside.right()),
+                                  std::min(top + kTileHeight, inside.bottom()));
 }
 
 } // namespace Ondrel

@@ -8,6 +8,10 @@
 namespace Ondrel
 {
 
+// Where neighbouring corners of a pixel are farther apart in x or y, in source pixels, one sample does not stand for
+// it.
+constexpr double kLongestStep = 1.5;
+
 struct Place {
     double x, y;
 };
