@@ -1,6 +1,5 @@
 #include <ondrel/pixel/perspective.h>
 
-#include <Eigen/LU>
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -44,22 +43,6 @@ bool canBeMade(RectT<float> const& bounds)
 bool hasSize(Image const& image, RectT<float> const& bounds)
 {
     return image.width == std::uint32_t(bounds.width()) && image.height == std::uint32_t(bounds.height());
-}
-
-// From output pixels to source pixels. Without an inverse nothing has a finite position.
-Matrix pixelMapping(Matrix const& matrix, double scale, RectT<float> const& bounds)
-{
-    Matrix inverse;
-    bool invertible = false;
-    matrix.computeInverseWithCheck(inverse, invertible, 1e-12);
-    if (!invertible)
-        inverse.setZero();
-    Matrix toPixels;
-    toPixels << scale, 0.0, -0.5, 0.0, scale, -0.5, 0.0, 0.0, 1.0;
-    Matrix fromPixels;
-    fromPixels << 1.0 / scale, 0.0, double(bounds.left()) + 0.5, 0.0, 1.0 / scale, double(bounds.top()) + 0.5, 0.0, 0.0,
-        1.0;
-    return toPixels * inverse * fromPixels;
 }
 
 // Halves upward; the nearest int if it does not fit, 0 if it is not a number.
@@ -110,7 +93,7 @@ Ondrel::RectT<int> Transform(Ondrel::Image const& image, Ondrel::RectT<int> regi
     area.subtractRect(RectT<float>(0.0f, 0.0f, float(target->width), float(target->height)));
 
     const RectT<int> written = rounded(area);
-    transformRows(image, filter, pixelMapping(matrix, scale, bounds), written, *target, target != output);
+    transformRows(image, filter, pixelMapping(matrix, scale, bounds), written, {*target, target != output});
     output = std::move(target);
     return written;
 }

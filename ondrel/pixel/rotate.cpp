@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <ondrel/pixel/imageblock_p.h>
 #include <ondrel/pixel/painter.h>
+#include <ondrel/pixel/transformrows_p.h>
 
 using namespace Ondrel;
 
@@ -73,27 +74,37 @@ QSize inscribedSize(QSize const& size, float angle)
                  side(double(std::abs(height * ac - width * as) / a2)));
 }
 
-// On a canvas that is large enough for `target`, the picture in its middle.
-Image paddedTo(Image&& picture, QSize const& target)
+// The middle part of the turned picture, which reaches over all of it. The other pixels of the turned picture need not
+// be made.
+Image turnedPart(Image const& image, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& matrix,
+                 RectT<float> const& bounds, QSize const& target)
 {
-    const int width = int(picture.width);
-    const int height = int(picture.height);
-    if (width >= target.width() && height >= target.height())
-        return std::move(picture);
-    Image canvas(unsigned(std::max(width, target.width())), unsigned(std::max(height, target.height())));
-    PixelPainter(&canvas).drawImage(-(std::min(width - target.width(), 0) / 2),
-                                    -(std::min(height - target.height(), 0) / 2), picture);
-    return canvas;
+    Image result(unsigned(target.width()), unsigned(target.height()));
+    const QSize whole(side(double(bounds.width())), side(double(bounds.height())));
+    const int left = (whole.width() - target.width()) / 2;
+    const int top = (whole.height() - target.height()) / 2;
+    transformRows(image, filter, pixelMapping(matrix, 1.0, bounds),
+                  RectT<int>(left, top, target.width(), target.height()), {result, true, left, top});
+    return result;
 }
 
-Image centredPart(Image const& picture, QSize const& target)
+// The turned picture drawn in the middle of a larger canvas, of which the middle is kept. Drawing rounds once more.
+Image turnedOnCanvas(Image const& image, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& matrix,
+                     QSize const& target)
 {
-    const int dw = int(picture.width) - target.width();
-    const int dh = int(picture.height) - target.height();
-    const int left = std::max(dw / 2, 0);
-    const int top = std::max(dh / 2, 0);
-    return Crop(picture, unsigned(left), unsigned(top), unsigned(std::max(dw - left, 0)),
-                unsigned(std::max(dh - top, 0)));
+    std::shared_ptr<const Image> turned;
+    Transform(image, RectT<int>(0, 0, int(image.width), int(image.height)), 1.0, TransformSizeBounding, filter, matrix,
+              turned);
+    if (!turned)
+        return Image();
+    const int width = int(turned->width);
+    const int height = int(turned->height);
+    Image canvas(unsigned(std::max(width, target.width())), unsigned(std::max(height, target.height())));
+    PixelPainter(&canvas).drawImage(-(std::min(width - target.width(), 0) / 2),
+                                    -(std::min(height - target.height(), 0) / 2), *turned);
+    const int dw = int(canvas.width) - target.width();
+    const int dh = int(canvas.height) - target.height();
+    return Crop(canvas, unsigned(dw / 2), unsigned(dh / 2), unsigned(dw - dw / 2), unsigned(dh - dh / 2));
 }
 
 } // namespace
@@ -132,11 +143,10 @@ Ondrel::Image Rotate(Ondrel::Image const& image, float angle, RotateSize mode, O
     if (target.isEmpty() || std::uint64_t(target.width()) * std::uint64_t(target.height()) >= (std::uint64_t{1} << 30))
         return Image();
 
-    std::shared_ptr<const Image> turned;
-    Transform(image, RectT<int>(0, 0, size.width(), size.height()), 1.0, TransformSizeBounding, filter,
-              rotationMatrix(size, angle), turned);
-    if (!turned)
-        return Image();
-    Image padded = paddedTo(Image(*turned), target);
-    return centredPart(padded, target);
+    const Eigen::Matrix<double, 3, 3> matrix = rotationMatrix(size, angle);
+    RectT<float> bounds;
+    CalculateTransformOutputBoundingRect(image.width, image.height, 1.0f, TransformSizeBounding, matrix, bounds);
+    if (side(double(bounds.width())) >= target.width() && side(double(bounds.height())) >= target.height())
+        return turnedPart(image, filter, matrix, bounds, target);
+    return turnedOnCanvas(image, filter, matrix, target);
 }

@@ -1,7 +1,7 @@
 #include <ondrel/pixel/transformrows_p.h>
 
+#include <Eigen/LU>
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <memory>
 #include <ondrel/pixel/imageblock_p.h>
@@ -24,11 +24,10 @@ class Transformer
 {
 public:
     Transformer(Image const& source, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& mapping,
-                Image const& target, bool isBlank)
+                TransformTarget const& target)
         : m_mapping(mapping)
         , m_target(target)
         , m_filter(filter)
-        , m_isBlank(isBlank)
         , m_width(hasPixels(source) ? double(source.width) : 0.0)
         , m_height(hasPixels(source) ? double(source.height) : 0.0)
         , m_sampler(source)
@@ -45,7 +44,7 @@ public:
         if (mayBeLong)
             project(m_mapping, left, top, count + 1, m_corners[0]);
         for (int y = top; y < bottom; ++y) {
-            std::uint16_t* to = m_target.data + (std::size_t(y) * m_target.width + std::size_t(left)) * 4;
+            std::uint16_t* to = targetPixel(left, y);
             if (m_filter == FilterMethod::NearestNeighbor) {
                 project(m_mapping, left, y, count, m_places);
                 m_sampler.copyNearest(m_places, count, to);
@@ -63,6 +62,12 @@ public:
     }
 
 private:
+    std::uint16_t* targetPixel(int x, int y) const
+    {
+        const std::size_t row = std::size_t(y - m_target.top);
+        return m_target.pixels.data + (row * m_target.pixels.width + std::size_t(x - m_target.left)) * 4;
+    }
+
     // No filter reaches as far as four pixels.
     bool isOutside(TileBounds const& bounds) const
     {
@@ -72,11 +77,10 @@ private:
 
     void clearTile(int left, int top, int right, int bottom)
     {
-        if (m_isBlank || m_filter == FilterMethod::NearestNeighbor)
+        if (m_target.isBlank || m_filter == FilterMethod::NearestNeighbor)
             return;
         for (int y = top; y < bottom; ++y)
-            std::memset(m_target.data + (std::size_t(y) * m_target.width + std::size_t(left)) * 4, 0,
-                        std::size_t(right - left) * 8);
+            std::memset(targetPixel(left, y), 0, std::size_t(right - left) * 8);
     }
 
     void sampleRow(std::size_t count)
@@ -111,9 +115,8 @@ private:
     }
 
     Eigen::Matrix<double, 3, 3> const m_mapping;
-    Image const& m_target;
+    TransformTarget const m_target;
     FilterMethod const m_filter;
-    bool const m_isBlank;
     double const m_width, m_height;
     PlaceSampler m_sampler;
     Supersampler m_supersampler{m_sampler};
@@ -131,16 +134,30 @@ bool isKnown(FilterMethod filter)
 
 } // namespace
 
-void transformRows(Image const& source, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& mapping,
-                   RectT<int> const& area, Image const& target, bool isBlank)
+Eigen::Matrix<double, 3, 3> pixelMapping(Eigen::Matrix<double, 3, 3> const& matrix, double scale,
+                                         RectT<float> const& bounds)
 {
-    if (!hasPixels(target) || !isKnown(filter))
+    Eigen::Matrix<double, 3, 3> inverse, toPixels, fromPixels;
+    bool invertible = false;
+    matrix.computeInverseWithCheck(inverse, invertible, 1e-12);
+    if (!invertible)
+        inverse.setZero();
+    toPixels << scale, 0.0, -0.5, 0.0, scale, -0.5, 0.0, 0.0, 1.0;
+    fromPixels << 1.0 / scale, 0.0, double(bounds.left()) + 0.5, 0.0, 1.0 / scale, double(bounds.top()) + 0.5, 0.0, 0.0,
+        1.0;
+    return toPixels * inverse * fromPixels;
+}
+
+void transformRows(Image const& source, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& mapping,
+                   RectT<int> const& area, TransformTarget const& target)
+{
+    if (!hasPixels(target.pixels) || !isKnown(filter))
         return;
     RectT<int> inside = area;
-    inside.subtractRect(RectT<int>(0, 0, int(target.width), int(target.height)));
+    inside.subtractRect(RectT<int>(target.left, target.top, int(target.pixels.width), int(target.pixels.height)));
     if (inside.width() <= 0 || inside.height() <= 0)
         return;
-    const auto transformer = std::make_unique<Transformer>(source, filter, mapping, target, isBlank);
+    const auto transformer = std::make_unique<Transformer>(source, filter, mapping, target);
     for (int top = inside.top(); top < inside.bottom(); top += kTileHeight)
         for (int left = inside.left(); left < inside.right(); left += kTileWidth)
             transformer->fillTile(left, top, std::min(left + kTileWidth, inside.right()),

@@ -25,9 +25,22 @@ inline Place projected(Eigen::Matrix<double, 3, 3> const& matrix, double x, doub
     return {u / w, v / w};
 }
 
-// Writes the pixels of `area`, as far as they lie in the target, from where `mapping` places them in the source. Only
-// the samples of the target change; `isBlank` says that they are all 0 so far.
+// From output pixels to source pixels, for an output that begins at the upper left corner of `bounds`. For a matrix
+// without an inverse nothing has a finite position.
+Eigen::Matrix<double, 3, 3> pixelMapping(Eigen::Matrix<double, 3, 3> const& matrix, double scale,
+                                         RectT<float> const& bounds);
+
+// A part of an output: target pixel (x, y) is pixel (left + x, top + y) of the whole. Of the target only the samples
+// change; `isBlank` says that they are all 0 so far.
+struct TransformTarget {
+    Image const& pixels;
+    bool isBlank;
+    int left = 0, top = 0;
+};
+
+// Writes the pixels of `area`, in coordinates of the whole output, as far as they lie in the target, from where
+// `mapping` places them in the source.
 void transformRows(Image const& source, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& mapping,
-                   RectT<int> const& area, Image const& target, bool isBlank);
+                   RectT<int> const& area, TransformTarget const& target);
 
 } // namespace Ondrel

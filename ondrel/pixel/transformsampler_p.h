@@ -21,6 +21,7 @@ public:
     void copyNearest(TransformSamples::PlaceRow const& places, std::size_t count, std::uint16_t* to);
 
 private:
+    const std::uint16_t* pixelAt(std::int32_t x, std::int32_t y) const;
     template <int taps>
     void findNeighbours(std::size_t count);
     template <int taps>

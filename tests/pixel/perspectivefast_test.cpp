@@ -87,6 +87,23 @@ TEST(PerspectiveFast, RotationsByAllAngles)
     });
 }
 
+// Only what is kept of the turned picture is made, unless the canvas reaches beyond it.
+TEST(PerspectiveFast, RotatedImagesOfAllModes)
+{
+    forEveryInstructionLevel([] {
+        for (unsigned int i = 0; i < 60; ++i) {
+            const Image source = someImage(i + 100);
+            const float angle = float(i * i) * 1.37f - 400.0f;
+            for (const RotateSize mode : {RotateSizeKeep, RotateSizeBounding, RotateSizeInscribed}) {
+                const FilterMethod filter = kFilters[i % 3];
+                EXPECT_TRUE(samePixels(Rotate(source, angle, mode, filter),
+                                       OndrelReference::rotate(source, angle, mode, filter)))
+                    << source.width << " x " << source.height << " by " << angle << ", mode " << mode;
+            }
+        }
+    });
+}
+
 TEST(PerspectiveFast, ReductionsAndEnlargements)
 {
     forEveryInstructionLevel([] {
