@@ -20,8 +20,7 @@ struct TiffCompression {
     unsigned int setting;
     int tag;
 };
-constexpr TiffCompression kTiffCompressions[] = {
-    {"uncompressed", 0, 1}, {"LZW", 2, 5}, {"PackBits", 3, 32773}};
+constexpr TiffCompression kTiffCompressions[] = {{"uncompressed", 0, 1}, {"LZW", 2, 5}, {"PackBits", 3, 32773}};
 
 // The picture in 8 bits, rounded, with `channels` samples a pixel.
 std::vector<unsigned char> bytes(unsigned int channels)

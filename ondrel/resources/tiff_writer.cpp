@@ -84,8 +84,8 @@ bool setTags(TIFF* tiff, const TiffPicture& picture, unsigned int compression, c
     return keptArrays(tiff) && set;
 }
 
-// Rows are converted by the megabyte, on all threads, before libtiff takes them one by one.
-constexpr std::size_t kBandBytes = std::size_t{1} << 20;
+// Rows are converted in bands, on all threads, before libtiff takes them one by one. A band stays in the cache.
+constexpr std::size_t kBandBytes = std::size_t{1} << 18;
 
 // Writes the rows that `fill(y, row)` puts into the row buffer, on any thread, then the directory. A buffer is written
 // once, since libtiff swaps its bytes in place. False on failure; a stopped export is none, and has no directory.
@@ -103,7 +103,7 @@ bool writePicture(TIFF* tiff, const TiffPicture& picture, ExportProgress& progre
         return false;
     for (std::size_t first = 0; first < picture.height; first += bandRows) {
         const std::size_t rows = std::min(bandRows, picture.height - first);
-        parallelRanges(rows, 8, [&](std::size_t begin, std::size_t end) {
+        parallelRanges(rows, 2, [&](std::size_t begin, std::size_t end) {
             for (std::size_t i = begin; i < end; ++i)
                 fill(first + i, band.get() + i * rowSize);
         });
