@@ -1,55 +1,52 @@
 #include <ondrel/pixel/gaussianblur.h>
 
-#include <algorithm>
-#include <cmath>
-#include <ondrel/core/parallel_p.h>
-#include <ondrel/pixel/gaussianblurkernel_p.h>
-#include <ondrel/pixel/geometry.h>
-#include <ondrel/pixel/imageblock_p.h>
-#include <ondrel/pixel/pixelfetch.h>
-#include <utility>
+#include <ondrel/pixel/gaussianblurdirect_p.h>
+#include <ondrel/pixel/gaussianblurspectral_p.h>
+#include <optional>
 
 using namespace Ondrel;
 
 namespace
 {
 
-template <void (*Fetch)(Image const&, int, int, unsigned short*)>
-Image BlurByRadiusHorizontalT(Image const& image, GaussianKernel const& kernel)
+std::optional<GaussianKernel> kernelOf(float radius)
 {
-    Image result(image.width, image.height);
-    if (!hasPixels(image) || !hasPixels(result))
-        return result;
-    parallelRanges(image.height, 8, [&](std::size_t first, std::size_t last) {
-        for (std::size_t y = first; y < last; ++y) {
-            for (std::size_t x = 0; x < image.width; ++x) {
-                double sums[4] = {};
-                for (std::size_t i = 0; i < kernel.weights.size(); ++i) {
-                    unsigned short rgba[4];
-                    Fetch(image, int(std::int64_t(x + i) - kernel.reach), int(y), rgba);
-                    for (int c = 0; c < 4; ++c)
-                        sums[c] += double(rgba[c]) * kernel.weights[i];
-                }
-                for (int c = 0; c < 4; ++c)
-                    pixelAt(result, x, y)[c] = std::uint16_t(std::min(std::round(sums[c]), 65535.0));
-            }
-        }
-    });
-    return result;
+    const float radiusToZero = radius + 1;
+    if (radiusToZero > 0)
+        return gaussianKernel(radiusToZero);
+    return std::nullopt;
 }
 
-Image blurRows(Image const& image, float radiusToZero, GaussianEdge edge)
+// From here on transforms cost less than sums.
+constexpr std::size_t kLongKernel = 47;
+
+bool isLong(GaussianKernel const* kernel)
 {
-    const GaussianKernel kernel = gaussianKernel(radiusToZero);
-    switch (edge) {
-    case GaussianEdge::Blank:
-        return BlurByRadiusHorizontalT<GetPixelRGBABlank>(image, kernel);
-    case GaussianEdge::Repeat:
-        return BlurByRadiusHorizontalT<GetPixelRGBARepeat>(image, kernel);
-    case GaussianEdge::Clamp:
-        break;
+    return kernel && kernel->doubled.size() >= kLongKernel;
+}
+
+// At least one kernel is there.
+void blurInto(Image& result, Image const& image, GaussianKernel const* across, GaussianKernel const* down,
+              GaussianEdge edge)
+{
+    if (!isLong(across) && !isLong(down))
+        return blurDirectly(image, result, across, down, edge);
+    if (isLong(across) && down && !isLong(down)) {
+        Image blurred(image.width, image.height);
+        blurRowsBySpectrum(image, blurred, *across, edge);
+        return blurDirectly(blurred, result, nullptr, down, edge);
     }
-    return BlurByRadiusHorizontalT<GetPixelRGBAClamp>(image, kernel);
+    if (isLong(across))
+        blurRowsBySpectrum(image, result, *across, edge);
+    else if (across)
+        blurDirectly(image, result, across, nullptr, edge);
+    if (down)
+        blurColumnsBySpectrum(across ? result : image, result, *down, edge);
+}
+
+const GaussianKernel* pointerTo(std::optional<GaussianKernel> const& kernel)
+{
+    return kernel ? &*kernel : nullptr;
 }
 
 } // namespace
@@ -61,10 +58,13 @@ Ondrel::Image GaussianBlur_CPU(Ondrel::Image const& image, float radiusX, float 
         return image;
     if (status.state && *status.state == 1)
         return Image();
-    Image result = image;
-    if (radiusX + 1 > 0)
-        result = blurRows(result, radiusX + 1, edge);
-    if (radiusY + 1 > 0)
-        result = Rotate270(blurRows(Rotate90(result, RotateSizeBounding), radiusY + 1, edge), RotateSizeBounding);
+    const std::optional<GaussianKernel> across = kernelOf(radiusX);
+    const std::optional<GaussianKernel> down = kernelOf(radiusY);
+    if (!across && !down)
+        return image;
+    if (!hasPixels(image))
+        return down ? Image() : Image(image.width, image.height);
+    Image result(image.width, image.height);
+    blurInto(result, image, pointerTo(across), pointerTo(down), edge);
     return result;
 }

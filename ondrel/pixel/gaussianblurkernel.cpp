@@ -33,17 +33,17 @@ GaussianKernel gaussianKernel(float radiusToZero)
 
     GaussianKernel kernel;
     kernel.reach = std::int64_t(gaussianReach(radiusToZero));
-    kernel.weights.reserve(std::size_t(2 * kernel.reach + 1));
+    kernel.doubled.reserve(std::size_t(2 * kernel.reach + 1));
     double sum = 0;
     for (std::int64_t i = -kernel.reach; i <= kernel.reach; ++i) {
         const double position = double(i);
         // The lower end is not tested: what lies below -R is negative, counts in the sum and is dropped afterwards.
         const double weight = position <= R ? std::exp(-position * position / twoVariances) - tail : 0;
         sum += weight;
-        kernel.weights.push_back(weight);
+        kernel.doubled.push_back(weight);
     }
-    for (double& weight : kernel.weights)
-        weight = std::max(weight / sum, 0.0);
+    for (double& weight : kernel.doubled)
+        weight = 2 * std::max(weight / sum, 0.0);
     return kernel;
 }
 

@@ -10,10 +10,12 @@ namespace Ondrel
 // infinite as R is.
 float gaussianReach(float radiusToZero);
 
-// The weights of the positions -reach to reach; see GaussianBlur. They are not below 0 and the same in both directions.
+// Twice the weights of the positions -reach to reach; see GaussianBlur. A sum of twice as much is exactly twice the
+// sum, and truncated to a whole number it says all that is needed to round the half of it. The weights are not below 0
+// and the same on both sides.
 struct GaussianKernel {
     std::int64_t reach = 0;
-    std::vector<double> weights;
+    std::vector<double> doubled;
 };
 
 // For R above 0. R is limited, so that a kernel never takes more than some megabytes.
