@@ -778,18 +778,47 @@ TEST_F(LchGradient, AnyValueButZeroMixesSo)
 
 TEST_F(LchGradient, HuesTakeTheShortWayRound)
 {
-    // From a purplish red over the place where the angle jumps to an orange, and back: half way it is a red, while
-    // the long way would be a green.
-    const Stops there = {{0, 60000, 10000, 45000, 65535}, {1, 60000, 30000, 5000, 65535}};
-    const Stops back = {{0, 60000, 30000, 5000, 65535}, {1, 60000, 10000, 45000, 65535}};
-    for (const Stops& stops : {there, back}) {
+    // From a green to a blue and back, over the place where the angle jumps from 180 to -180 degrees: half way it is a
+    // teal, while the long way goes by the reds.
+    const GradientStop green{0, 10000, 50000, 10000, 65535}, blue{1, 0, 35000, 60000, 65535};
+    for (const auto& [from, to] : {std::pair(green, blue), std::pair(blue, green)}) {
+        const Stops stops = {{0, from.red, from.green, from.blue, 65535}, {1, to.red, to.green, to.blue, 65535}};
         Image image = canvas(32, 1, Ondrel::DefaultColorProfileHash);
         GradientLinear(image, whole(image), {0, 0, 1, 0}, stops, kLch, {});
         const Pixel middle = pixelAt(image, 16, 0);
-        EXPECT_GT(middle[0], 55000);
-        EXPECT_LT(middle[1], 30000);
-        EXPECT_LT(middle[2], 40000);
+        EXPECT_LT(middle[0], 20000);
+        EXPECT_GT(middle[1], 35000);
+        EXPECT_GT(middle[2], 25000);
     }
+}
+
+TEST_F(LchGradient, HuesGoOnTurningInOneDirection)
+{
+    // Twice round the circle in steps of a third: each step is the short way, and turns add up.
+    const Stops stops = {{0, 60000, 5000, 5000, 65535},    {0.2f, 5000, 60000, 5000, 65535},
+                         {0.4f, 5000, 5000, 60000, 65535}, {0.6f, 60000, 5000, 5000, 65535},
+                         {0.8f, 5000, 60000, 5000, 65535}, {1, 5000, 5000, 60000, 65535}};
+    Image image = canvas(50, 1, Ondrel::DefaultColorProfileHash);
+    GradientLinear(image, whole(image), {0, 0, 1, 0}, stops, kLch, {});
+    for (unsigned int x = 0; x < 20; ++x) // the second turn is the first again
+        for (std::size_t c = 0; c < 3; ++c)
+            EXPECT_NEAR(pixelAt(image, x, 0)[c], pixelAt(image, x + 30, 0)[c], 300) << x;
+}
+
+TEST_F(LchGradient, ColoursAreConvertedAbsolutely)
+{
+    const Profile paper = rgbProfile(1.8, "Gradient paper");
+    const cmsCIEXYZ white = {0.80, 0.83, 0.68}; // so that the absolute intent differs from the others
+    cmsWriteTag(paper.get(), cmsSigMediaWhitePointTag, &white);
+    const Profile profile = reopened(paper);
+    Hash hash{};
+    ASSERT_TRUE(ColorManager::addColorProfile(savedBytes(profile.get()), ColorManager::ColorProfile::Embedded, &hash));
+    const Image image = canvas(40, 9, hash);
+    Image result = image;
+    GradientLinear(result, whole(image), kLine, kColours, kLch, {});
+    EXPECT_TRUE(samePixels(result, filledInLch(image, whole(image), OndrelReference::linearPosition(image, kLine),
+                                               kColours, {}, profile.get())));
+    ColorManager::removeColorProfile(hash, ColorManager::ColorProfile::Embedded);
 }
 
 TEST_F(LchGradient, AlphaIsMixedAsItIs)
