@@ -96,15 +96,9 @@ void Demote(const double* from, std::size_t count, std::uint16_t* to)
 struct BlockSums {
     Vector sums[kBlock][kVectors];
 
-    HWY_INLINE BlockSums()
-    {
-        for (auto& row : sums)
-            for (Vector& sum : row)
-                sum = hn::Zero(Doubles());
-    }
-
-    // Adds a row to the sums `first` to `last`; for the sum `i` it has weight[-i].
-    template <int first, int last>
+    // Takes up a row: the sum `i` has weight[-i] for it. It is the first of `last`, if `begins`, and is added to those
+    // from `first` to `last` else. A first product stands for itself: no product is below 0, so none is -0.
+    template <int first, int last, bool begins>
     HWY_INLINE void add(const double* row, const double* weight)
     {
         Vector v[kVectors];
@@ -112,8 +106,10 @@ struct BlockSums {
             v[k] = hn::LoadU(Doubles(), row + k * kLanes);
         for (int i = first; i <= last; ++i) {
             const Vector w = hn::Set(Doubles(), weight[-i]);
-            for (std::size_t k = 0; k < kVectors; ++k)
-                sums[i][k] = hn::Add(sums[i][k], hn::Mul(v[k], w));
+            for (std::size_t k = 0; k < kVectors; ++k) {
+                const Vector product = hn::Mul(v[k], w);
+                sums[i][k] = begins && i == last ? product : hn::Add(sums[i][k], product);
+            }
         }
     }
 };
@@ -125,14 +121,19 @@ HWY_INLINE BlockSums sumBlock(RowAt rowAt, Weights weights)
     BlockSums block;
     const double* const w = weights.doubled;
     const std::size_t n = weights.count;
-    block.add<0, 0>(rowAt(0), w);
-    block.add<0, 1>(rowAt(1), w + 1);
-    block.add<0, 2>(rowAt(2), w + 2);
-    for (std::size_t i = 3; i < n; ++i)
-        block.add<0, 3>(rowAt(i), w + i);
-    block.add<1, 3>(rowAt(n), w + n);
-    block.add<2, 3>(rowAt(n + 1), w + n + 1);
-    block.add<3, 3>(rowAt(n + 2), w + n + 2);
+    block.add<0, 0, true>(rowAt(0), w);
+    block.add<0, 1, true>(rowAt(1), w + 1);
+    block.add<0, 2, true>(rowAt(2), w + 2);
+    if (n == 3) {
+        block.add<1, 3, true>(rowAt(3), w + 3);
+    } else {
+        block.add<0, 3, true>(rowAt(3), w + 3);
+        for (std::size_t i = 4; i < n; ++i)
+            block.add<0, 3, false>(rowAt(i), w + i);
+        block.add<1, 3, false>(rowAt(n), w + n);
+    }
+    block.add<2, 3, false>(rowAt(n + 1), w + n + 1);
+    block.add<3, 3, false>(rowAt(n + 2), w + n + 2);
     return block;
 }
 

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <ondrel/pixel/gaussianblur.h>
 #include <random>
+#include <vector>
 
 namespace
 {
@@ -138,6 +139,39 @@ TEST(GaussianBlurFast, TwoLevelsRampsAndStairs)
             expectSame(drawnImage(120, 97, levels), radius, radius, edge);
             expectSame(drawnImage(97, 120, alternate), radius, radius, edge);
         }
+}
+
+// Sums so near the middle between two samples that their rounding says nothing about the last steps of the sum: by
+// neighbours that differ by 1 and a kernel so long that both count the same.
+TEST(GaussianBlurFast, SumsNextToAHalf)
+{
+    const auto alternate = [](unsigned x, unsigned y, unsigned c) { return 1000 + 777 * c + (x + y) % 2; };
+    forEveryInstructionLevel([&] {
+        for (const unsigned int width : {2u, 10u, 64u})
+            expectSame(drawnImage(width, 5, alternate), 3000.0f, -1.0f, GaussianEdge::Repeat);
+        expectSame(drawnImage(5, 6, alternate), -1.0f, 3000.0f, GaussianEdge::Repeat);
+        expectSame(drawnImage(1, 6, alternate), 5000.0f, -1.0f, GaussianEdge::Repeat);
+        for (const unsigned int width : {2u, 12u})
+            expectSame(drawnImage(width, 1, alternate), 300000.0f, -1.0f, GaussianEdge::Clamp);
+        expectSame(drawnImage(1, 8, alternate), -1.0f, 300000.0f, GaussianEdge::Clamp);
+    });
+}
+
+TEST(GaussianBlurFast, SumsNextToAHalfBesideBlankPixels)
+{
+    // Near its middle such a kernel is flat: it is the sum of the samples that counts.
+    const float radius = 300000.0f;
+    const std::vector<double> weights = OndrelReference::gaussianWeights(radius + 1);
+    const double middle = weights[weights.size() / 2];
+    const unsigned int total = unsigned(std::lround(0.5 / middle));
+    ASSERT_GT(total, 65536u);
+    ASSERT_LT(total, 2 * 65536u);
+    ASSERT_NEAR(total * middle, 0.5, 1e-5);
+    const auto value = [total](unsigned x, unsigned, unsigned c) {
+        const unsigned int sum = total - 2 + c;
+        return x == 1 ? 60000u : x == 4 ? sum - 60000u : 0u;
+    };
+    expectSame(drawnImage(6, 1, value), radius, -1.0f, GaussianEdge::Blank);
 }
 
 } // namespace
