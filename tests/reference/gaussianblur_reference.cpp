@@ -33,18 +33,29 @@ int column(int x, int width, Outside outside)
     return -1;
 }
 
+// The row with `n` pixels on either side.
+std::vector<double> extendedRow(const std::uint16_t* in, int width, int n, Outside outside)
+{
+    std::vector<double> row(std::size_t(width + 2 * n) * 4, 0.0);
+    for (int x = -n; x < width + n; ++x) {
+        const int from = column(x, width, outside);
+        for (std::size_t c = 0; from >= 0 && c < 4; ++c)
+            row[std::size_t(x + n) * 4 + c] = double(in[std::size_t(from) * 4 + c]);
+    }
+    return row;
+}
+
 void blurRow(const std::uint16_t* in, std::uint16_t* out, int width, const std::vector<double>& weights,
              Outside outside)
 {
-    const int taps = int(weights.size()), n = taps / 2;
+    const std::vector<double> row = extendedRow(in, width, int(weights.size()) / 2, outside);
     for (int x = 0; x < width; ++x) {
+        const double* samples = row.data() + std::size_t(x) * 4;
         double sum[4] = {0, 0, 0, 0};
-        for (int i = 0; i < taps; ++i) {
-            const int from = column(x + i - n, width, outside);
-            for (std::size_t c = 0; c < 4; ++c) {
-                const std::uint16_t sample = from < 0 ? std::uint16_t(0) : in[std::size_t(from) * 4 + c];
-                sum[c] += double(sample) * weights[std::size_t(i)];
-            }
+        for (const double weight : weights) {
+            for (int c = 0; c < 4; ++c)
+                sum[c] += samples[c] * weight;
+            samples += 4;
         }
         for (std::size_t c = 0; c < 4; ++c)
             out[std::size_t(x) * 4 + c] = std::uint16_t(std::min(std::round(sum[c]), 65535.0));
