@@ -6,7 +6,8 @@
 #include <ondrel/pixel/gradient.h>
 #include <vector>
 
-// The loops of gradients over the pixels of a row, all in single precision.
+// The loops of gradients over the pixels of a row, all in single precision, on the widest vectors that the processor
+// has, with results that do not depend on which those are.
 
 namespace Ondrel::GradientRows
 {
@@ -25,7 +26,7 @@ struct RadialEllipse {
     float centerX, centerY, rx, ratio, sine, cosine, focalX, focalY;
 };
 
-// Positions from 0 to 1, or not a number, of `count` pixels, at most kRun, from (x, y) on.
+// Positions from 0 to 1, or not a number, of `count` pixels, at most kRun, from (x, y) on. `t` has room for kRun.
 void positions(LinearAxis const& axis, int x, int y, std::size_t count, float* t);
 void positions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t);
 
@@ -48,7 +49,8 @@ public:
 
     std::vector<Stop> const& stops() const { return m_stops; }
 
-    // Positions below this one are not above stop i; infinite beyond the last stop.
+    // Stop i is the first above exactly the positions from limit(i - 1) up to, not including, limit(i). Stop 0 is above
+    // none; infinite for the number of stops.
     float limit(std::size_t i) const { return m_limits[i]; }
 
 private:
@@ -56,7 +58,7 @@ private:
     std::vector<float> m_limits; // the highest position up to each stop
 };
 
-// Stores the mixed and truncated channels of `count` pixels, at most kRun.
+// Stores the mixed and truncated channels of `count` pixels.
 void mixPixels(Ramp const& ramp, const float* t, std::size_t count, std::uint16_t* to);
 
 } // namespace Ondrel::GradientRows
