@@ -2,7 +2,7 @@
 include(CMakePackageConfigHelpers)
 
 set(ONDREL_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Ondrel)
-set(ONDREL_DATA_DIR ${CMAKE_INSTALL_DATADIR}/ondrel)
+set(ONDREL_INSTALL_DATADIR ${CMAKE_INSTALL_DATADIR}/ondrel)
 
 install(TARGETS ondrel EXPORT OndrelTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
@@ -12,14 +12,14 @@ install(TARGETS ondrel EXPORT OndrelTargets
 install(DIRECTORY ondrel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
 install(FILES ${PROJECT_BINARY_DIR}/include/ondrel/ondrel_export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ondrel)
-install(DIRECTORY DESTINATION ${ONDREL_DATA_DIR}) # there even while no file is: the package configuration names it
-install(DIRECTORY data DESTINATION ${ONDREL_DATA_DIR} FILES_MATCHING PATTERN "*.svg" PATTERN "*.css" PATTERN "*.icc")
+install(DIRECTORY data/ DESTINATION ${ONDREL_INSTALL_DATADIR} FILES_MATCHING PATTERN "*.svg" PATTERN "*.css" PATTERN "*.icc")
 
 install(EXPORT OndrelTargets NAMESPACE Ondrel:: DESTINATION ${ONDREL_CMAKE_DIR})
 configure_package_config_file(cmake/OndrelConfig.cmake.in ${PROJECT_BINARY_DIR}/OndrelConfig.cmake
-  INSTALL_DESTINATION ${ONDREL_CMAKE_DIR} PATH_VARS ONDREL_DATA_DIR)
+  INSTALL_DESTINATION ${ONDREL_CMAKE_DIR} PATH_VARS ONDREL_INSTALL_DATADIR)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/OndrelConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/OndrelConfig.cmake ${PROJECT_BINARY_DIR}/OndrelConfigVersion.cmake
+install(FILES cmake/OndrelDeployData.cmake ${PROJECT_BINARY_DIR}/OndrelConfig.cmake
+  ${PROJECT_BINARY_DIR}/OndrelConfigVersion.cmake
   DESTINATION ${ONDREL_CMAKE_DIR})
 
 if(BUILD_SHARED_LIBS)
