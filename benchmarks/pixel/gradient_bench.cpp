@@ -2,7 +2,6 @@
 #include "tests/reference/gradient_reference.h"
 
 #include <cstring>
-#include <ondrel/color/colormanager.h>
 #include <ondrel/pixel/gradient.h>
 
 namespace
@@ -76,19 +75,7 @@ void radialLiteral(benchmark::State& state, const Knots& curve)
     report(state, kPixels, 8);
 }
 
-void lightnessChromaHue(benchmark::State& state)
-{
-    Image image(1500, 1000);
-    image.colorProfile = Ondrel::DefaultColorProfileHash;
-    for (auto _ : state) {
-        GradientLinear(image, RectT<int>(0, 0, 1500, 1000), kAcross, kStops, Ondrel::GradientColorInterpolationLCH,
-                       kNoCurve);
-        benchmark::DoNotOptimize(image.data);
-    }
-    report(state, 1500 * 1000, 8);
-}
-
-// One 64-bit word stored for each pixel.
+// The bytes of all pixels stored.
 void floorOfGradients(benchmark::State& state)
 {
     Image image = canvas();
@@ -114,11 +101,10 @@ BENCHMARK_CAPTURE(radialLiteral, plain, kNoCurve)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(floorOfGradients)->Name("GradientRadial/floor")->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(linear, curve, kCurve)
-    ->Name("GradientLinear/with a curve")
+    ->Name("GradientLinear with a curve")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(linearLiteral, curve, kCurve)
-    ->Name("GradientLinear/with a curve/literal")
+    ->Name("GradientLinear with a curve/literal")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(lightnessChromaHue)->Name("GradientLinear/LCH 1500x1000")->UseRealTime()->Unit(benchmark::kMillisecond);
