@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <ondrel/pixel/gaussianblur.h>
+#include <string>
 
 namespace
 {
@@ -51,10 +52,11 @@ const bool added = [] {
         benchmark::RegisterBenchmark((name + "/literal").c_str(), blurLiteral, radius)
             ->UseRealTime()
             ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark((name + "/floor").c_str(), blurFloor)
+            ->UseRealTime()
+            ->Unit(benchmark::kMillisecond);
     }
     return true;
 }();
 
 } // namespace
-
-BENCHMARK(blurFloor)->Name("GaussianBlur_CPU/floor")->UseRealTime()->Unit(benchmark::kMillisecond);

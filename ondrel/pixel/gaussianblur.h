@@ -23,13 +23,14 @@ enum class GaussianEdge : unsigned int { Clamp = 0, Blank = 1, Repeat = 2 };
 // direction. The result is the same to the last bit on every processor and for every number of threads.
 //
 // The weights add up to 1 for whole radii. For a fractional radius N may lie beyond R; the weight there is below zero,
-// takes part in the sum and is then dropped, so that the picture gets a little brighter (by 1.9 percent for 0.25).
+// takes part in the sum and is then dropped, so that the picture gets a little brighter (by 1.9 percent for two radii
+// of 0.25).
 //
 // Both radii 0: a copy of the image with all its metadata, whatever `status` says. Otherwise a result without metadata:
 // no colour profile, no RAW description. One radius 0: that direction is filtered with weights that leave it as it is.
 // A radius of -1 or less, or one that is not a number, leaves its direction out; if that is so for both, the result is
 // a copy with all metadata. A radius above 524288 counts as 524288. An image without pixels, or whose block is smaller
-// than its sides say, counts as zeros and gives a result without them, or no pixels at all.
+// than its sides say, is not read: the result is transparent black of its size or, if columns are filtered, empty.
 //
 // If the word of `status` is 1 when the call begins, the result is an empty image. A blur that has begun runs to its
 // end. The rows are shared among all cores. Calls on any number of threads may read the same image. std::bad_alloc

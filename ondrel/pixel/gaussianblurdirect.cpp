@@ -1,9 +1,9 @@
+#include <ondrel/pixel/gaussianblurworkers_p.h>
+
 #include <ondrel/pixel/gaussianblurdirect_p.h>
 
 #include <array>
 #include <hwy/cache_control.h>
-#include <ondrel/core/parallel_p.h>
-#include <ondrel/pixel/gaussianblurworkers_p.h>
 #include <vector>
 
 namespace Ondrel
@@ -188,9 +188,10 @@ void blurDirectly(Image const& from, Image& to, GaussianKernel const* across, Ga
     std::size_t band = 8;
     if (down)
         band = roundedUp(std::clamp<std::size_t>(height / 16, band, 16 * down->doubled.size()), kBlock);
-    parallelWorkers((height + band - 1) / band, 1, [&](std::size_t first, std::size_t last) {
-        DirectStrips(from, to, across, down, edge).blurRows(first * band, std::min(last * band, height));
-    });
+    parallelWorkers((height + band - 1) / band, 1, [&] { return DirectStrips(from, to, across, down, edge); },
+                    [&](DirectStrips& strips, std::size_t first, std::size_t last) {
+                        strips.blurRows(first * band, std::min(last * band, height));
+                    });
 }
 
 } // namespace Ondrel

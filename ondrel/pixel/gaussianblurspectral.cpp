@@ -1,8 +1,9 @@
+#include <ondrel/pixel/gaussianblurworkers_p.h>
+
 #include <ondrel/pixel/gaussianblurspectral_p.h>
 
 #include <array>
 #include <ondrel/pixel/gaussianblurline_p.h>
-#include <ondrel/pixel/gaussianblurworkers_p.h>
 
 namespace Ondrel
 {
@@ -14,9 +15,10 @@ constexpr std::size_t kRows = kPixelsPerPoint; // rows that make a line of point
 // Columns that are read at a time: pieces of rows that fill whole cache lines.
 constexpr std::size_t kLines = 4;
 constexpr std::size_t kColumns = kLines * kPixelsPerPoint;
+using Lines = std::vector<LineBlur::Line>;
 
 // Four pixels side by side in one row are a point; where there are fewer, the rest of it is left as it is.
-void gatherColumns(Image const& image, std::size_t x, std::size_t width, std::vector<LineBlur::Line>& lines)
+void gatherColumns(Image const& image, std::size_t x, std::size_t width, Lines& lines)
 {
     std::array<SamplePoint*, kLines> points;
     for (std::size_t i = 0; i < kLines; ++i)
@@ -29,7 +31,7 @@ void gatherColumns(Image const& image, std::size_t x, std::size_t width, std::ve
     }
 }
 
-void blurColumns(Image const& from, Image& to, std::size_t x, std::vector<LineBlur::Line>& lines)
+void blurColumns(Image const& from, Image& to, std::size_t x, Lines& lines)
 {
     const std::size_t width = std::min<std::size_t>(kColumns, from.width - x);
     gatherColumns(from, x, width, lines);
@@ -68,21 +70,21 @@ void blurRowsBySpectrum(Image const& from, Image& to, GaussianKernel const& kern
     const LineBlur blur(kernel, from.width, edge);
     const std::size_t height = from.height;
     // Eight rows are worth a task.
-    parallelWorkers((height + kRows - 1) / kRows, 8 / kRows, [&](std::size_t first, std::size_t last) {
-        LineBlur::Line line(blur);
-        for (std::size_t i = first; i < last; ++i)
-            blurFourRows(from, to, i * kRows, line);
-    });
+    parallelWorkers((height + kRows - 1) / kRows, 8 / kRows, [&] { return LineBlur::Line(blur); },
+                    [&](LineBlur::Line& line, std::size_t first, std::size_t last) {
+                        for (std::size_t i = first; i < last; ++i)
+                            blurFourRows(from, to, i * kRows, line);
+                    });
 }
 
 void blurColumnsBySpectrum(Image const& from, Image& to, GaussianKernel const& kernel, GaussianEdge edge)
 {
     const LineBlur blur(kernel, from.height, edge);
-    parallelWorkers((from.width + kColumns - 1) / kColumns, 1, [&](std::size_t first, std::size_t last) {
-        std::vector<LineBlur::Line> lines(kLines, LineBlur::Line(blur));
-        for (std::size_t i = first; i < last; ++i)
-            blurColumns(from, to, i * kColumns, lines);
-    });
+    parallelWorkers((from.width + kColumns - 1) / kColumns, 1, [&] { return Lines(kLines, LineBlur::Line(blur)); },
+                    [&](Lines& lines, std::size_t first, std::size_t last) {
+                        for (std::size_t i = first; i < last; ++i)
+                            blurColumns(from, to, i * kColumns, lines);
+                    });
 }
 
 } // namespace Ondrel

@@ -1,5 +1,10 @@
 #pragma once
 
+#pragma push_macro("emit")
+#undef emit
+#include <tbb/enumerable_thread_specific.h>
+#pragma pop_macro("emit")
+
 #include <atomic>
 #include <new>
 #include <ondrel/core/parallel_p.h>
@@ -7,14 +12,16 @@
 namespace Ondrel
 {
 
-// parallelRanges for bodies that allocate: std::bad_alloc is kept back until all of them have ended.
-template <typename Body>
-void parallelWorkers(std::size_t count, std::size_t grain, Body body)
+// parallelRanges with a worker, made by make(), for each thread: body(worker, first, last). Both may allocate:
+// std::bad_alloc is kept back until all ranges have ended.
+template <typename Make, typename Body>
+void parallelWorkers(std::size_t count, std::size_t grain, Make make, Body body)
 {
+    tbb::enumerable_thread_specific<decltype(make())> workers(make);
     std::atomic<bool> shortOfMemory{false};
     parallelRanges(count, grain, [&](std::size_t first, std::size_t last) {
         try {
-            body(first, last);
+            body(workers.local(), first, last);
         } catch (std::bad_alloc const&) {
             shortOfMemory = true;
         }
