@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <random>
@@ -429,6 +432,99 @@ TEST(GaussianBlurReference, FlatFieldsStepsChequersAndRamps)
         for (const float radius : {0.5f, 1.0f, 2.5f, 6.0f, 30.0f, 100.0f})
             for (const GaussianEdge edge : kEdges)
                 expectAsTheReference(*picture, radius, radius, edge);
+}
+
+// Every product of a weight and a sample, by the part behind the point.
+struct Product {
+    double fraction;
+    std::uint16_t sample;
+};
+
+std::vector<Product> sortedProducts(double weight)
+{
+    std::vector<Product> products;
+    for (unsigned int sample = 0; sample < 65536; ++sample)
+        products.push_back({double(std::fmod(static_cast<long double>(weight) * sample, 1.0L)), std::uint16_t(sample)});
+    std::sort(products.begin(), products.end(),
+              [](const Product& a, const Product& b) { return a.fraction < b.fraction; });
+    return products;
+}
+
+// The product of each list whose fractions add up to nearly `sum`, which is below 2; how near is returned.
+double nearestPair(const std::vector<Product>& a, const std::vector<Product>& b, double sum, std::uint16_t* samples)
+{
+    double nearest = 2.0;
+    std::size_t i = 0, j = b.size();
+    while (i < a.size() && j > 0) {
+        const double off = a[i].fraction + b[j - 1].fraction - sum;
+        if (std::fabs(off) < nearest) {
+            nearest = std::fabs(off);
+            samples[0] = a[i].sample;
+            samples[1] = b[j - 1].sample;
+        }
+        if (off < 0)
+            ++i;
+        else
+            --j;
+    }
+    return nearest;
+}
+
+long double weightedSum(const std::vector<double>& weights, const std::vector<std::uint16_t>& samples)
+{
+    long double sum = 0;
+    for (std::size_t i = 0; i < weights.size(); ++i)
+        sum += static_cast<long double>(weights[i]) * samples[i];
+    return sum;
+}
+
+// One sample for each tap, chosen at random but for three, so that their sum lies half way between two whole numbers
+// but for a few units in the last place of a double.
+std::vector<std::uint16_t> samplesOnATie(const std::vector<double>& weights, std::mt19937& random)
+{
+    const std::size_t n = weights.size() / 2, first = n - n / 2, second = n + n / 2 + 1, third = n - n / 3;
+    const std::vector<Product> a = sortedProducts(weights[first]), b = sortedProducts(weights[second]);
+    std::vector<std::uint16_t> samples(weights.size());
+    for (std::uint16_t& sample : samples)
+        sample = std::uint16_t(random());
+    samples[first] = samples[second] = 0;
+    double nearest = 2.0;
+    std::vector<std::uint16_t> best = samples;
+    for (int i = 0; i < 40; ++i) {
+        samples[third] = std::uint16_t(random());
+        const long double rest = 1.5L - std::fmod(weightedSum(weights, samples), 1.0L); // 0.5 to 1.5
+        std::uint16_t pair[2] = {};
+        const double off = nearestPair(a, b, double(rest), pair);
+        if (off < nearest) {
+            nearest = off;
+            best = samples;
+            best[first] = pair[0];
+            best[second] = pair[1];
+        }
+    }
+    return best;
+}
+
+TEST(GaussianBlurReference, SumsOnATieAreThoseInTheOrderOfTheTaps)
+{
+    std::mt19937 random(17);
+    for (const float radius : {6.0f, 30.0f, 60.0f, 100.0f}) {
+        const std::vector<double> weights = OndrelReference::gaussianWeights(radius + 1.0f);
+        const auto taps = unsigned(weights.size());
+        Image across(taps, 3), down(3, taps);
+        for (unsigned int line = 0; line < 3; ++line)
+            for (std::size_t c = 0; c < 4; ++c) {
+                const std::vector<std::uint16_t> samples = samplesOnATie(weights, random);
+                const double fraction = double(std::fmod(weightedSum(weights, samples), 1.0L));
+                ASSERT_NEAR(fraction, 0.5, 1e-10);
+                for (unsigned int i = 0; i < taps; ++i) {
+                    across.data[(std::size_t(line) * taps + i) * 4 + c] = samples[i];
+                    down.data[(std::size_t(i) * 3 + line) * 4 + c] = samples[i];
+                }
+            }
+        expectAsTheReference(across, radius, -1.0f, GaussianEdge::Clamp);
+        expectAsTheReference(down, -1.0f, radius, GaussianEdge::Clamp);
+    }
 }
 
 TEST(GaussianBlurReference, EveryAlpha)
