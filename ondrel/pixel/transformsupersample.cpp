@@ -25,13 +25,14 @@ Place middle(Place a, Place b)
 
 bool Quadrilateral::isLong() const
 {
-    bool result = false;
+    double longest = 0.0;
     for (int i = 0; i < 4; ++i) {
         const Place a = corners[i];
         const Place b = corners[(i + 1) & 3];
-        result = result | (std::abs(a.x - b.x) > kLongestStep) | (std::abs(a.y - b.y) > kLongestStep);
+        // What is not a number does not count: it is the second operand.
+        longest = std::max(std::max(longest, std::abs(a.x - b.x)), std::abs(a.y - b.y));
     }
-    return result;
+    return longest > kLongestStep;
 }
 
 Quadrilateral Quadrilateral::quarter(int corner) const

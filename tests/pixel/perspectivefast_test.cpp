@@ -122,7 +122,7 @@ TEST(PerspectiveFast, RandomProjections)
     forEveryInstructionLevel([] {
         std::mt19937 random(11);
         std::uniform_real_distribution<double> around(-1.0, 1.0);
-        for (unsigned int i = 0; i < 120; ++i) {
+        for (unsigned int i = 0; i < 80; ++i) {
             const Image source = someImage(i);
             const double side = std::max(source.width, source.height);
             // From gentle to a horizon across the picture and behind it.
