@@ -36,9 +36,9 @@ ONDREL_EXPORT void project(Eigen::Matrix<double, 3, 3> const& mapping, double x,
 
 // The whole pixel at or before each position, and the rest; the cubic form narrows to float first, and the last one
 // rounds with halves upward. What does not fit an int, or is not a number, becomes one of its limits.
-ONDREL_EXPORT void splitLinear(const double* positions, std::size_t count, std::int32_t* whole, float* rest);
-ONDREL_EXPORT void splitCubic(const double* positions, std::size_t count, std::int32_t* whole, float* rest);
-ONDREL_EXPORT void roundNearest(const double* positions, std::size_t count, std::int32_t* whole);
+void splitLinear(const double* positions, std::size_t count, std::int32_t* whole, float* rest);
+void splitCubic(const double* positions, std::size_t count, std::int32_t* whole, float* rest);
+void roundNearest(const double* positions, std::size_t count, std::int32_t* whole);
 
 // Premultiplied samples between 2 x 2 and 4 x 4 pixels.
 void mixLinear(Neighbours const& neighbours, std::size_t count, ScaleRows::PixelQuad* to);

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <ondrel/color/colormanager.h>
 #include <ondrel/pixel/gradient.h>
 #include <random>
 
@@ -142,6 +143,24 @@ TEST(GradientFast, MoreStopsThanPixels)
         GradientLinear(result, rect, geometry, stops, kRGB, {});
         EXPECT_TRUE(sameBlocks(result, expected));
     });
+}
+
+// A large picture is converted in bands, and a part of the width by way of another image.
+TEST(GradientFast, BandsOfLightnessChromaAndHueJoin)
+{
+    Image whole = Image(2100, 2050), parts = Image(2100, 2050);
+    whole.colorProfile = parts.colorProfile = Ondrel::DefaultColorProfileHash;
+    const GradientStops stops = {{0, 65535, 0, 0, 65535}, {0.4f, 0, 65535, 9000, 0}, {1, 0, 0, 65535, 30000}};
+    const GradientLinearGeometry geometry{0.1f, 0.0f, 0.7f, 0.9f};
+    const auto draw = [&](Image& image, const RectT<int>& rect) {
+        GradientLinear(image, rect, geometry, stops, Ondrel::GradientColorInterpolationLCH, {});
+    };
+    draw(whole, RectT<int>(0, 0, 2100, 2050));
+    draw(parts, RectT<int>(0, 0, 1000, 2050));
+    draw(parts, RectT<int>(1000, 0, 1100, 1300));
+    draw(parts, RectT<int>(1000, 1300, 1100, 750));
+    EXPECT_TRUE(sameBlocks(whole, parts));
+    EXPECT_NE(OndrelTest::pixelAt(whole, 0, 2049), OndrelTest::pixelAt(whole, 0, 0));
 }
 
 // Whatever is given, no pixel outside of the rectangle changes, and nothing else is touched.
