@@ -16,6 +16,18 @@ float sigmaOf(float radiusToZero)
     return float(double(radiusToZero) / 3.0348542587702925);
 }
 
+// Takes off the zeros at both ends, down to three weights. They are there for whole radii, as the weight at R is 0, and
+// where N is beyond R. A product of zero changes no sum.
+void trim(GaussianKernel& kernel)
+{
+    const auto isWeight = [](double weight) { return weight > 0; };
+    const auto first = std::find_if(kernel.doubled.begin(), kernel.doubled.end(), isWeight);
+    const std::int64_t zeros = std::min(std::int64_t(first - kernel.doubled.begin()), kernel.reach - 1);
+    kernel.doubled.erase(kernel.doubled.end() - zeros, kernel.doubled.end());
+    kernel.doubled.erase(kernel.doubled.begin(), kernel.doubled.begin() + zeros);
+    kernel.reach -= zeros;
+}
+
 } // namespace
 
 float gaussianReach(float radiusToZero)
@@ -44,6 +56,7 @@ GaussianKernel gaussianKernel(float radiusToZero)
     }
     for (double& weight : kernel.doubled)
         weight = 2 * std::max(weight / sum, 0.0);
+    trim(kernel);
     return kernel;
 }
 

@@ -12,7 +12,7 @@ float gaussianReach(float radiusToZero);
 
 // Twice the weights of the positions -reach to reach; see GaussianBlur. A sum of twice as much is exactly twice the
 // sum, and truncated to a whole number it says all that is needed to round the half of it. The weights are not below 0
-// and the same on both sides.
+// and the same on both sides; zeros at the ends are left out, so that reach may be less than N, but never 0.
 struct GaussianKernel {
     std::int64_t reach = 0;
     std::vector<double> doubled;
