@@ -1,6 +1,7 @@
 #include "benchmarks/support/benchimages.h"
 #include "benchmarks/support/figures.h"
 
+#include <ondrel/pixel/gaussianblur.h>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -54,47 +55,55 @@ void flip(benchmark::State& state, int code)
     report(state, kPixels, 16);
 }
 
-// The sigma of this library's kernel of so many taps, with a kernel of the same length. Of 16-bit samples OpenCV makes
+// A blur as this library makes it with some radius: the number of taps and the sigma. Of 16-bit samples OpenCV makes
 // fixed-point sums.
-double sigmaOf(int taps)
-{
-    return (double(taps / 2) + 1) / 3.0348542587702925;
-}
+struct Kernel {
+    int taps;
+    double sigma;
 
-void blur(benchmark::State& state, int taps)
+    explicit Kernel(float radius)
+        : taps(GaussianSampleSize(radius, radius).width())
+        , sigma((double(radius) + 1) / 3.0348542587702925)
+    {
+    }
+};
+
+void blur(benchmark::State& state, Kernel kernel)
 {
     const Ondrel::Image source = syntheticImage(kWidth, kHeight);
     const cv::Mat view = viewOf(source);
     cv::setNumThreads(-1);
     for (auto _ : state) {
         cv::Mat result;
-        cv::GaussianBlur(view, result, cv::Size(taps, taps), sigmaOf(taps), sigmaOf(taps), cv::BORDER_REPLICATE);
+        cv::GaussianBlur(view, result, cv::Size(kernel.taps, kernel.taps), kernel.sigma, kernel.sigma,
+                         cv::BORDER_REPLICATE);
         benchmark::DoNotOptimize(result.data);
     }
     report(state, kPixels, 16);
 }
 
-void blurSeparable(benchmark::State& state, int taps)
+void blurSeparable(benchmark::State& state, Kernel kernel)
 {
     const Ondrel::Image source = syntheticImage(kWidth, kHeight);
     const cv::Mat view = viewOf(source);
     cv::setNumThreads(-1);
-    const cv::Mat kernel = cv::getGaussianKernel(taps, sigmaOf(taps), CV_32F);
+    const cv::Mat weights = cv::getGaussianKernel(kernel.taps, kernel.sigma, CV_32F);
     for (auto _ : state) {
         cv::Mat result;
-        cv::sepFilter2D(view, result, -1, kernel, kernel, cv::Point(-1, -1), 0, cv::BORDER_REPLICATE);
+        cv::sepFilter2D(view, result, -1, weights, weights, cv::Point(-1, -1), 0, cv::BORDER_REPLICATE);
         benchmark::DoNotOptimize(result.data);
     }
     report(state, kPixels, 16);
 }
 
 const bool added = [] {
-    for (const int taps : {13, 61, 201}) {
-        const std::string name = "GaussianBlur_CPU/" + std::to_string(taps) + " taps/OpenCV ";
-        benchmark::RegisterBenchmark((name + "fixed point, all cores").c_str(), blur, taps)
+    for (const float radius : {5.0f, 29.0f, 100.0f}) {
+        const Kernel kernel(radius);
+        const std::string name = "GaussianBlur_CPU/" + std::to_string(kernel.taps) + " taps/OpenCV ";
+        benchmark::RegisterBenchmark((name + "fixed point, all cores").c_str(), blur, kernel)
             ->UseRealTime()
             ->Unit(benchmark::kMillisecond);
-        benchmark::RegisterBenchmark((name + "sepFilter2D, all cores").c_str(), blurSeparable, taps)
+        benchmark::RegisterBenchmark((name + "sepFilter2D, all cores").c_str(), blurSeparable, kernel)
             ->UseRealTime()
             ->Unit(benchmark::kMillisecond);
     }
