@@ -33,16 +33,18 @@ enum TransformSize : unsigned int {
 // source. With RectT<int>::invalid(), and for an output of another size or none, `output` becomes a new image that is
 // written whole; images that others share stay as they are. The result carries no metadata.
 //
-// The pixel (x, y) comes from the quadrilateral that its corners (x, y) to (x + 1, y + 1) have in the source, where
-// source pixel (i, j) is sampled at (i, j): so the identity is exact for the nearest neighbour alone, and other
-// filters shift it by half a pixel. Positions are doubles, pixels premultiplied floats.
+// The position p of the output lies at inverse(p / scale + c + 0.5) * scale - 0.5 in the source, where c is the upper
+// left corner of that rectangle (which is not divided by the scale). The pixel (x, y) comes from the quadrilateral that
+// its corners (x, y) to (x + 1, y + 1) have in the source, where source pixel (i, j) is sampled at (i, j): so the
+// identity is exact for the nearest neighbour alone, and other filters shift it by half a pixel. Positions are doubles,
+// pixels premultiplied floats.
 //  - NearestNeighbor copies the pixel at the position of (x, y), rounded with halves upward. Where that is outside the
 //    source the output keeps what it has.
 //  - Bilinear takes one sample at the position of the pixel's middle, Bicubic likewise BicubicSample, pixels outside
 //    the source being transparent black. If two neighbouring corners are more than 1.5 source pixels apart in x or y,
 //    both average instead the bilinear samples at the centres of quarters of the quadrilateral; a quarter that is still
 //    as long is cut again, up to five times in all. The result is stored as by Scale_CPU; outside the source it is 0.
-// Any other filter writes nothing.
+// Any other filter writes nothing. Any other `size` gives an output without pixels.
 //
 // A scale of 0 gives RectT<int>::invalid() and changes nothing. So do sides of the output that are negative, not a
 // number or above the range of int, and an output of 2^30 pixels or more. A matrix with a determinant not above 1e-12
