@@ -3,9 +3,8 @@
 
 #include "tests/reference/gaussianblur_reference.h"
 #include "tests/support/instructionlevels.h"
+#include "tests/support/rowengines.h"
 #include "tests/support/testimages.h"
-
-#include <ondrel/core/parallel_p.h>
 
 #include <gtest/gtest.h>
 
@@ -548,14 +547,11 @@ TEST(GaussianBlurReference, RadiiBeyondThePicture)
 
 TEST(GaussianBlurReference, EveryRowEngine)
 {
-    const Ondrel::ParallelEngine before = Ondrel::parallelEngine();
-    for (const auto engine :
-         {Ondrel::ParallelEngine::Tbb, Ondrel::ParallelEngine::Threads, Ondrel::ParallelEngine::Shuffled}) {
-        Ondrel::setParallelEngine(engine);
+    const Image source = randomImage(71, 133, 9);
+    OndrelTest::forEveryRowEngine([&] {
         for (const float radius : {1.0f, 9.5f, 64.0f})
-            expectAsTheReference(randomImage(71, 133, 9), radius, radius, GaussianEdge::Clamp);
-    }
-    Ondrel::setParallelEngine(before);
+            expectAsTheReference(source, radius, radius, GaussianEdge::Clamp);
+    });
 }
 
 TEST(GaussianBlurReference, ManyCallersAtOnce)
