@@ -3,7 +3,6 @@
 #include <ondrel/pixel/gaussianblurdirect_p.h>
 
 #include <array>
-#include <hwy/cache_control.h>
 #include <vector>
 
 namespace Ondrel
@@ -86,25 +85,10 @@ private:
             const std::int64_t row = rowAt(y + std::int64_t(i));
             rows[i] = row < 0 ? m_blankRow.data() : pixelAt(m_from, 0, std::size_t(row));
         }
-        if (m_across) {
-            prefetchRows(y + std::int64_t(kBlock));
+        if (m_across)
             return sumAcross(rows.data(), index);
-        }
         for (std::size_t i = 0; i < kBlock; ++i)
             BlurRows::promote(rows[i] + m_x * 4, m_width * 4, keptRow(index + i));
-    }
-
-    // A strip is too narrow for the processor to see where it goes on.
-    void prefetchRows(std::int64_t y) const
-    {
-        for (std::size_t i = 0; i < kBlock; ++i) {
-            const std::int64_t row = rowAt(y + std::int64_t(i));
-            if (row < 0)
-                continue;
-            const std::uint16_t* const strip = pixelAt(m_from, m_x, std::size_t(row));
-            for (std::size_t x = 0; x < m_width; x += 8)
-                hwy::Prefetch(strip + x * 4);
-        }
     }
 
     std::int64_t rowAt(std::int64_t y) const
