@@ -61,6 +61,7 @@ std::vector<GradientStop> harmless(std::vector<GradientStop> const& stops)
 Ramp colourRamp(std::vector<GradientStop> const& stops)
 {
     std::vector<Ramp::Stop> result;
+    result.reserve(stops.size());
     for (GradientStop const& stop : stops)
         result.push_back({stop.position, {float(stop.red), float(stop.green), float(stop.blue), float(stop.alpha)}});
     return Ramp(std::move(result));

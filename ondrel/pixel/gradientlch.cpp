@@ -62,6 +62,7 @@ void unwrapHues(std::vector<Ramp::Stop>& stops)
 Ramp lchRamp(std::vector<GradientStop> const& stops, cmsHTRANSFORM toLab)
 {
     std::vector<Ramp::Stop> result;
+    result.reserve(stops.size());
     for (GradientStop const& stop : stops) {
         const std::uint16_t rgb[3] = {stop.red, stop.green, stop.blue};
         float lab[3];
@@ -108,12 +109,16 @@ bool fillLCH(Image& image, RectT<int> const& rect, Geometry const& geometry, std
     ColorTransformCache cache;
     for (int top = rect.top(); top < rect.bottom() && width > 0; top += bandRows) {
         const int rows = std::min(bandRows, rect.bottom() - top);
-        for (int y = 0; y < rows; ++y)
-            forEachRun(
-                geometry, curve, top + y, rect.left(), rect.right(), [&](int x, std::size_t count, const float* t) {
-                    mixLab(ramp, t, count, lab.data() + (std::size_t(y) * width + std::size_t(x - rect.left())) * 3,
-                           pixelAt(image, std::size_t(x), std::size_t(top + y)));
-                });
+        for (int y = 0; y < rows; ++y) {
+            std::uint16_t* pixels = pixelAt(image, std::size_t(rect.left()), std::size_t(top) + std::size_t(y));
+            float* labRow = lab.data() + std::size_t(y) * width * 3;
+            forEachRun(geometry, curve, top + y, rect.left(), rect.right(),
+                       [&](int, std::size_t count, const float* t) {
+                           mixLab(ramp, t, count, labRow, pixels);
+                           labRow += count * 3;
+                           pixels += count * 4;
+                       });
+        }
         const auto convert = [&](std::uint16_t* to) {
             DoMultithreadedCMSTransform(labProfile.get(), TYPE_Lab_FLT, profile.get(), TYPE_RGBA_16, kIntent, &cache,
                                         lab.data(), 3 * sizeof(float), to, 8, unsigned(width), unsigned(rows));

@@ -34,8 +34,10 @@ Eigen::Matrix<double, 3, 3> rotationMatrix(QSize const& size, float angle)
 {
     const double s = double(std::sin(radians(angle)));
     const double c = double(std::cos(radians(angle)));
-    const double cx = double(size.width() / 2);
-    const double cy = double(size.height() / 2);
+    const int centerX = size.width() / 2;
+    const int centerY = size.height() / 2;
+    const double cx = centerX;
+    const double cy = centerY;
     Eigen::Matrix<double, 3, 3> matrix;
     matrix << c, s, cx - c * cx - s * cy, -s, c, cy + s * cx - c * cy, 0.0, 0.0, 1.0;
     return matrix;

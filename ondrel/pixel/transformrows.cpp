@@ -25,12 +25,13 @@ class Transformer
 public:
     Transformer(Image const& source, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& mapping,
                 TransformTarget const& target)
-        : m_mapping(mapping)
+        : m_sampler(source)
+        , m_supersampler(m_sampler)
+        , m_mapping(mapping)
         , m_target(target)
-        , m_filter(filter)
         , m_width(hasPixels(source) ? double(source.width) : 0.0)
         , m_height(hasPixels(source) ? double(source.height) : 0.0)
-        , m_sampler(source)
+        , m_filter(filter)
     {
     }
 
@@ -114,16 +115,17 @@ private:
                 {m_places.x[i], m_places.y[i]}};
     }
 
-    Eigen::Matrix<double, 3, 3> const m_mapping;
-    TransformTarget const m_target;
-    FilterMethod const m_filter;
-    double const m_width, m_height;
+    // What is aligned to vectors stands first.
     PlaceSampler m_sampler;
-    Supersampler m_supersampler{m_sampler};
     PlaceRow m_places;
     PlaceRow m_corners[2];
-    bool m_isLong[kRun];
     ScaleRows::PixelQuad m_samples[kRun / 4];
+    bool m_isLong[kRun];
+    Supersampler m_supersampler;
+    Eigen::Matrix<double, 3, 3> const m_mapping;
+    TransformTarget const m_target;
+    double const m_width, m_height;
+    FilterMethod const m_filter;
 };
 
 bool isKnown(FilterMethod filter)
