@@ -18,7 +18,7 @@ ComboBoxBase::ComboBoxBase(QWidget* parent)
     setAttribute(Qt::WA_NoSystemBackground);
 }
 
-// An open popup is no child of the box, and would outlive it.
+// QComboBox deletes its view itself, and so has to have it back.
 ComboBoxBase::~ComboBoxBase()
 {
     if (!popupFrame)

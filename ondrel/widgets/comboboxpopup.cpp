@@ -9,7 +9,7 @@ namespace Ondrel
 {
 
 ComboBoxPopup::ComboBoxPopup(QComboBox* comboBox, QListView* view)
-    : QFrame(nullptr, Qt::Popup)
+    : QFrame(comboBox, Qt::Popup) // a child, so that the box's style sheet reaches it
     , m_comboBox(comboBox)
     , m_view(view)
 {
