@@ -47,4 +47,10 @@ void ImageItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opt
     QStyledItemDelegate::paint(painter, unselected, index);
 }
 
+QSize ImageItemDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    const QSize withPicture = option.decorationSize + QSize(0, option.fontMetrics.height() + 4);
+    return QStyledItemDelegate::sizeHint(option, index).expandedTo(withPicture);
+}
+
 } // namespace Ondrel

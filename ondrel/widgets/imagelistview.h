@@ -24,13 +24,14 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 };
 
-// Paints pictures without the colour of the selection.
+// Paints pictures without the colour of the selection. An item has room for a picture while it still waits for one.
 class ONDREL_EXPORT ImageItemDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 public:
     explicit ImageItemDelegate(QObject* parent = nullptr);
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 };
 
 } // namespace Ondrel

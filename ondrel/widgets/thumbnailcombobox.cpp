@@ -19,7 +19,6 @@ namespace
 
 constexpr int kCell = 182;
 constexpr int kIcon = 60;
-constexpr int kSpacing = 20;
 
 QImage emptyCell()
 {
@@ -50,8 +49,6 @@ ThumbnailComboBox::ThumbnailComboBox(QWidget* parent)
 {
     m_listView->hide();
     m_listView->setIconSize(QSize(kCell, kCell));
-    // Cells keep their size while they are empty.
-    m_listView->setGridSize(QSize(kCell, kCell + fontMetrics().height()) + QSize(kSpacing, kSpacing));
     setView(m_listView);
     const QString text = palette().color(QPalette::Text).name(); // so that dark icons fit the theme
     const QString icons = Platform::IconsDirectory();
