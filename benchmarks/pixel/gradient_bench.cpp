@@ -19,6 +19,7 @@ const Stops kStops = {
 const Knots kNoCurve;
 const Knots kCurve = {{0, 0}, {30000, 20000}, {65535, 65535}};
 constexpr GradientLinearGeometry kAcross = {0.1f, 0.2f, 0.9f, 0.8f};
+constexpr GradientRadialGeometry kUpright = {0.5f, 0.5f, 0.5f, 0.45f, 0.0f, 0.0f, 0.0f};
 constexpr GradientRadialGeometry kAround = {0.5f, 0.5f, 0.5f, 0.45f, 0.3f, 0.1f, 0.05f};
 
 const RectT<int>& wholeImage()
@@ -45,11 +46,11 @@ void linear(benchmark::State& state, const Knots& curve)
     report(state, kPixels, 8);
 }
 
-void radial(benchmark::State& state, const Knots& curve)
+void radial(benchmark::State& state, const GradientRadialGeometry& geometry, const Knots& curve)
 {
     Image image = canvas();
     for (auto _ : state) {
-        GradientRadial(image, wholeImage(), kAround, kStops, Ondrel::GradientColorInterpolationRGB, curve);
+        GradientRadial(image, wholeImage(), geometry, kStops, Ondrel::GradientColorInterpolationRGB, curve);
         benchmark::DoNotOptimize(image.data);
     }
     report(state, kPixels, 8);
@@ -65,11 +66,11 @@ void linearLiteral(benchmark::State& state, const Knots& curve)
     report(state, kPixels, 8);
 }
 
-void radialLiteral(benchmark::State& state, const Knots& curve)
+void radialLiteral(benchmark::State& state, const GradientRadialGeometry& geometry, const Knots& curve)
 {
     Image image = canvas();
     for (auto _ : state) {
-        OndrelReference::gradient(image, wholeImage(), OndrelReference::radialPosition(image, kAround), kStops, curve);
+        OndrelReference::gradient(image, wholeImage(), OndrelReference::radialPosition(image, geometry), kStops, curve);
         benchmark::DoNotOptimize(image.data);
     }
     report(state, kPixels, 8);
@@ -94,12 +95,27 @@ BENCHMARK_CAPTURE(linearLiteral, plain, kNoCurve)
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(floorOfGradients)->Name("GradientLinear/floor")->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(radial, plain, kNoCurve)->Name("GradientRadial")->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(radialLiteral, plain, kNoCurve)
+BENCHMARK_CAPTURE(radial, upright, kUpright, kNoCurve)
+    ->Name("GradientRadial")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(radialLiteral, upright, kUpright, kNoCurve)
     ->Name("GradientRadial/literal")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(floorOfGradients)->Name("GradientRadial/floor")->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(radial, turned, kAround, kNoCurve)
+    ->Name("GradientRadial, turned, focal point aside")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(radialLiteral, turned, kAround, kNoCurve)
+    ->Name("GradientRadial, turned, focal point aside/literal")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(floorOfGradients)
+    ->Name("GradientRadial, turned, focal point aside/floor")
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(linear, curve, kCurve)
     ->Name("GradientLinear with a curve")
     ->UseRealTime()

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <ondrel/pixel/gradientlch_p.h>
 #include <ondrel/pixel/gradientruns_p.h>
 #include <ondrel/pixel/imageblock_p.h>
@@ -71,11 +72,21 @@ template <typename Geometry>
 void fillRGB(Image& image, RectT<int> const& rect, Geometry const& geometry, std::vector<GradientStop> const& stops,
              PositionCurve const& curve)
 {
+    if (rect.width() == 0)
+        return;
     const Ramp ramp = colourRamp(stops);
-    for (int y = rect.top(); y < rect.bottom(); ++y)
+    const std::size_t left = std::size_t(rect.left());
+    for (int y = rect.top(); y < rect.bottom(); ++y) {
+        const int twin = twinRow(geometry, rect.top(), y);
+        if (twin >= 0) {
+            std::memcpy(pixelAt(image, left, std::size_t(y)), pixelAt(image, left, std::size_t(twin)),
+                        std::size_t(rect.width()) * 8);
+            continue;
+        }
         forEachRun(geometry, curve, y, rect.left(), rect.right(), [&](int x, std::size_t count, const float* t) {
             mixPixels(ramp, t, count, pixelAt(image, std::size_t(x), std::size_t(y)));
         });
+    }
 }
 
 template <typename Geometry>

@@ -57,6 +57,42 @@ RadialEllipse::RadialEllipse(Image const& image, GradientRadialGeometry const& g
     ratio = rx / ry;
 }
 
+namespace
+{
+
+// The distances of a row from the focal point and from the centre, as they are computed for each of its pixels where
+// nothing is turned: there the column adds a zero to them.
+struct RowOffsets {
+    float toFocus, toCentre;
+
+    RowOffsets(RadialEllipse const& e, int y)
+    {
+        const float turnedY = e.cosine * (float(y) - e.centerY) + e.centerY;
+        toFocus = (turnedY - e.focalY) * e.ratio;
+        toCentre = (turnedY - e.centerY) * e.ratio;
+    }
+};
+
+} // namespace
+
+// Without a turn, a row takes part in the position of a pixel by these two offsets alone, and by them only in the
+// products toFocus * toFocus, toCentre * toCentre and (toFocus / distance) * toCentre, where the distance is the root
+// of a sum of squares. Rounding to nearest does not depend on signs, so all three are the same bits for both offsets
+// negated; an offset of 0 may at most turn the sign of a product that is 0. Whether two rows are such is looked up in
+// the rounded offsets: they are for whole and half centres, and mostly are not for others.
+int twinRow(RadialEllipse const& ellipse, int top, int y)
+{
+    if (ellipse.sine != 0.0f)
+        return -1;
+    const double mirrored = std::floor(2.0 * double(ellipse.centerY) - double(y) + 0.5);
+    if (!(mirrored >= double(top) && mirrored < double(y)))
+        return -1;
+    const RowOffsets here(ellipse, y);
+    const RowOffsets there(ellipse, int(mirrored));
+    const bool isTwin = here.toFocus == -there.toFocus && here.toCentre == -there.toCentre;
+    return isTwin ? int(mirrored) : -1;
+}
+
 Ramp::Ramp(std::vector<Stop> stops)
     : m_stops(std::move(stops))
 {

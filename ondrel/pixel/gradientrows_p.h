@@ -30,6 +30,14 @@ struct RadialEllipse {
 void positions(LinearAxis const& axis, int x, int y, std::size_t count, float* t);
 void positions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t);
 
+// A row from `top` on and above y with the same positions, column by column, but for the signs of zeros, which change
+// no colour; -1 if none is known.
+inline int twinRow(LinearAxis const&, int, int)
+{
+    return -1;
+}
+int twinRow(RadialEllipse const& ellipse, int top, int y);
+
 // Stops with `channels` values each, ready to be looked up.
 class Ramp
 {

@@ -127,6 +127,33 @@ TEST(GradientFast, RadialGradientsOfRandomGeometry)
     });
 }
 
+// Rows that mirror each other at the centre of an ellipse that is not turned.
+TEST(GradientFast, UprightEllipsesAboutEveryCentre)
+{
+    forEveryInstructionLevel([] {
+        std::mt19937 random(5);
+        const GradientStops stops = {{0, 1, 65535, 3, 4}, {0.4f, 60000, 9, 30000, 65535}, {1, 5, 6, 65535, 8}};
+        for (const unsigned int height : {1u, 2u, 17u, 30u, 64u})
+            for (const float centre : {0.5f, 0.25f, 0.0f, 1.0f, 1.0f / 3.0f, 0.46f, -0.5f, 1.5f, 0.500001f})
+                for (int i = 0; i < 12; ++i) {
+                    GradientRadialGeometry geometry{0.5f, centre, 0.4f, 0.3f, i % 2 ? -0.0f : 0.0f, 0, 0};
+                    geometry.focalX = i % 3 == 0 ? 0.1f : 0.0f;
+                    geometry.focalY = i % 5 == 0 ? 0.1f : 0.0f;
+                    geometry.centerX = i % 4 == 0 ? 0.37f : 0.5f;
+                    const Image before = i % 3 ? randomImage(50, height, height) : shrunkImage(50, height, height);
+                    RectT<int> rect(0, 0, 50, int(height));
+                    if (i > 3) // often one of two rows that mirror each other, without the other
+                        rect = RectT<int>(int(random() % 50), int(random() % height), 40, 1 + int(random() % height));
+                    const Knots curve = i % 6 == 5 ? randomKnots(random, 3) : Knots();
+                    Image expected = before, result = before;
+                    OndrelReference::gradient(expected, rect, OndrelReference::radialPosition(expected, geometry),
+                                              stops, curve);
+                    GradientRadial(result, rect, geometry, stops, kRGB, curve);
+                    ASSERT_TRUE(sameBlocks(result, expected)) << height << ", " << centre << ", " << i;
+                }
+    });
+}
+
 TEST(GradientFast, MoreStopsThanPixels)
 {
     forEveryInstructionLevel([] {
