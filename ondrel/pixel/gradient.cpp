@@ -72,19 +72,17 @@ template <typename Geometry>
 void fillRGB(Image& image, RectT<int> const& rect, Geometry const& geometry, std::vector<GradientStop> const& stops,
              PositionCurve const& curve)
 {
-    if (rect.width() == 0)
-        return;
     const Ramp ramp = colourRamp(stops);
-    const std::size_t left = std::size_t(rect.left());
     for (int y = rect.top(); y < rect.bottom(); ++y) {
-        const int twin = twinRow(geometry, rect.top(), y);
-        if (twin >= 0) {
-            std::memcpy(pixelAt(image, left, std::size_t(y)), pixelAt(image, left, std::size_t(twin)),
-                        std::size_t(rect.width()) * 8);
-            continue;
-        }
+        const int twin = twinRow(geometry, y);
+        if (twin >= rect.top() && twin < y)
+            continue; // written together with that row
+        const bool hasTwin = twin > y && twin < rect.bottom();
         forEachRun(geometry, curve, y, rect.left(), rect.right(), [&](int x, std::size_t count, const float* t) {
-            mixPixels(ramp, t, count, pixelAt(image, std::size_t(x), std::size_t(y)));
+            std::uint16_t* const to = pixelAt(image, std::size_t(x), std::size_t(y));
+            mixPixels(ramp, t, count, to);
+            if (hasTwin)
+                std::memcpy(pixelAt(image, std::size_t(x), std::size_t(twin)), to, count * 8);
         });
     }
 }

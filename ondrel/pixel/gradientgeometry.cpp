@@ -80,12 +80,12 @@ struct RowOffsets {
 // of a sum of squares. Rounding to nearest does not depend on signs, so all three are the same bits for both offsets
 // negated; an offset of 0 may at most turn the sign of a product that is 0. Whether two rows are such is looked up in
 // the rounded offsets: they are for whole and half centres, and mostly are not for others.
-int twinRow(RadialEllipse const& ellipse, int top, int y)
+int twinRow(RadialEllipse const& ellipse, int y)
 {
     if (ellipse.sine != 0.0f)
         return -1;
-    const double mirrored = std::floor(2.0 * double(ellipse.centerY) - double(y) + 0.5);
-    if (!(mirrored >= double(top) && mirrored < double(y)))
+    const double mirrored = std::floor(2.0 * double(ellipse.centerY) + 0.5) - double(y);
+    if (!(mirrored >= 0.0 && mirrored <= double(std::numeric_limits<int>::max())))
         return -1;
     const RowOffsets here(ellipse, y);
     const RowOffsets there(ellipse, int(mirrored));
