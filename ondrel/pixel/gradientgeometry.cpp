@@ -55,6 +55,9 @@ RadialEllipse::RadialEllipse(Image const& image, GradientRadialGeometry const& g
     if (ry == 0.0f)
         ry = 1.0f;
     ratio = rx / ry;
+    const auto isBelow = [](float v, float limit) { return std::abs(v) < limit; };
+    isOrdinary = isBelow(centerX, 1e9f) && isBelow(centerY, 1e9f) && isBelow(focalX, 1e9f) && isBelow(focalY, 1e9f) &&
+                 isBelow(ratio, 1e6f) && isBelow(1.0f / ratio, 1e6f);
 }
 
 namespace

@@ -71,6 +71,7 @@ public:
         , m_cosine(hn::Set(Floats(), e.cosine))
         , m_sineDown(hn::Set(Floats(), e.sine * (float(y) - e.centerY)))
         , m_cosineDown(hn::Set(Floats(), e.cosine * (float(y) - e.centerY)))
+        , m_isOrdinary(e.isOrdinary)
     {
     }
 
@@ -87,7 +88,8 @@ public:
         const auto ox = hn::Sub(turnedX, m_centerX);
         const auto oy = hn::Mul(hn::Sub(turnedY, m_centerY), m_ratio);
         const auto q = hn::Sub(hn::Add(hn::Mul(ox, ox), hn::Mul(oy, oy)), m_rx2);
-        if (hn::AllTrue(d, hn::And(hn::Ge(q, zero), certainlyHeadsAway(hn::Mul(px, ox), hn::Mul(py, oy)))))
+        if (m_isOrdinary &&
+            hn::AllTrue(d, hn::And(hn::Ge(q, zero), certainlyHeadsAway(hn::Mul(px, ox), hn::Mul(py, oy)))))
             return one;
 
         const auto distance = hn::Sqrt(hn::Add(hn::Mul(px, px), hn::Mul(py, py)));
@@ -104,19 +106,20 @@ public:
     }
 
 private:
-    // b is the sum of both products, each with one factor divided by a length. Where no number is extreme, rounding
-    // changes no more than a few of its last bits in relation to the larger product, and so not the sign of a sum that
-    // is not much smaller.
+    // b is the sum of both products, each with one factor divided by a length. In an ordinary ellipse offsets are below
+    // 1e16, so the parts of a product that matters, above 1e-10, stay normal numbers even when divided by a length.
+    // There rounding changes no more than a few of the last bits of b in relation to the larger product, and so not the
+    // sign of a sum that is not much smaller.
     HWY_INLINE hn::Mask<Floats> certainlyHeadsAway(Vector alongX, Vector alongY) const
     {
         const Floats d;
         const auto sum = hn::Add(alongX, alongY);
         const auto larger = hn::Max(hn::Abs(alongX), hn::Abs(alongY));
-        return hn::And(hn::Gt(sum, hn::Mul(larger, hn::Set(d, 1e-3f))),
-                       hn::And(hn::Gt(sum, hn::Set(d, 1e-6f)), hn::Lt(larger, hn::Set(d, 1e18f))));
+        return hn::And(hn::Gt(sum, hn::Mul(larger, hn::Set(d, 1e-3f))), hn::Gt(sum, hn::Set(d, 1e-6f)));
     }
 
     Vector m_centerX, m_centerY, m_focalX, m_focalY, m_ratio, m_rx2, m_sine, m_cosine, m_sineDown, m_cosineDown;
+    bool m_isOrdinary;
 };
 
 template <typename Places>

@@ -24,19 +24,20 @@ struct LinearAxis {
 struct RadialEllipse {
     RadialEllipse(Image const& image, GradientRadialGeometry const& geometry);
     float centerX, centerY, rx, ratio, sine, cosine, focalX, focalY;
+    bool isOrdinary; // nothing is so large or small that products of offsets leave the range of normal numbers
 };
 
 // Positions from 0 to 1, or not a number, of `count` pixels, at most kRun, from (x, y) on. `t` has room for kRun.
 void positions(LinearAxis const& axis, int x, int y, std::size_t count, float* t);
 void positions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t);
 
-// A row from `top` on and above y with the same positions, column by column, but for the signs of zeros, which change
-// no colour; -1 if none is known.
-inline int twinRow(LinearAxis const&, int, int)
+// The row that has the same positions as row y, column by column, but for the signs of zeros, which change no colour; a
+// negative number if none is known. That row's twin is y.
+inline int twinRow(LinearAxis const&, int)
 {
     return -1;
 }
-int twinRow(RadialEllipse const& ellipse, int top, int y);
+int twinRow(RadialEllipse const& ellipse, int y);
 
 // Stops with `channels` values each, ready to be looked up.
 class Ramp

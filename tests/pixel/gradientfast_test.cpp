@@ -190,6 +190,36 @@ TEST(GradientFast, BandsOfLightnessChromaAndHueJoin)
     EXPECT_NE(OndrelTest::pixelAt(whole, 0, 2049), OndrelTest::pixelAt(whole, 0, 0));
 }
 
+// Numbers of every size, also those that single precision cannot multiply.
+TEST(GradientFast, GeometriesOfEverySize)
+{
+    forEveryInstructionLevel([] {
+        std::mt19937 random(6);
+        const auto some = [&random] {
+            const float v = std::exp2(float(random() % 25600) / 100.0f - 128.0f);
+            return random() % 4 == 0 ? 0.5f : random() % 2 ? v : -v;
+        };
+        const GradientStops stops = {{0, 1, 65535, 3, 4}, {0.4f, 60000, 9, 30000, 65535}, {1, 5, 6, 65535, 8}};
+        for (int i = 0; i < 20000; ++i) {
+            const Image before(19, 4);
+            const RectT<int> rect(0, 0, 19, 4);
+            GradientRadialGeometry ellipse{some(), some(), some(), some(), some(), some(), some()};
+            if (i % 2)
+                ellipse.angle = 0.0f;
+            if (i % 3 == 0)
+                ellipse.focalX = ellipse.focalY = 0.0f;
+            const GradientLinearGeometry axis{some(), some(), some(), some()};
+            Image expected = before, result = before;
+            OndrelReference::gradient(expected, rect, OndrelReference::radialPosition(expected, ellipse), stops, {});
+            GradientRadial(result, rect, ellipse, stops, kRGB, {});
+            ASSERT_TRUE(sameBlocks(result, expected)) << i;
+            OndrelReference::gradient(expected, rect, OndrelReference::linearPosition(expected, axis), stops, {});
+            GradientLinear(result, rect, axis, stops, kRGB, {});
+            ASSERT_TRUE(sameBlocks(result, expected)) << i;
+        }
+    });
+}
+
 // Whatever is given, no pixel outside of the rectangle changes, and nothing else is touched.
 TEST(GradientFast, SenselessArgumentsDoNoHarm)
 {
