@@ -11,8 +11,11 @@ namespace
 
 using Matrix = Eigen::Matrix<double, 3, 3>;
 
-// Sixteen times what a sum of three products, a quotient or a mean can be off in relation to its largest part.
+// Sixteen roundings, more than there are on the way to any number here, in relation to the largest part of it.
 constexpr double kEpsilon = 0x1p-49;
+
+// From here down products of divisors would come near the numbers that have fewer digits.
+constexpr double kSmallestDivisor = 1e-140;
 
 struct Extent {
     double left, top, right, bottom;
@@ -69,7 +72,7 @@ TileBounds tileBounds(Matrix const& mapping, double left, double top, double rig
     TileBounds bounds;
     const Extent extent{left, top, right, bottom};
     const double divisor = smallestDivisor(mapping, extent);
-    if (!(divisor > 0.0))
+    if (!(divisor > kSmallestDivisor))
         return bounds;
     const double largestW = magnitude(mapping, 2, extent);
     const auto positionError = [&](int row) {

@@ -253,4 +253,14 @@ TEST(PerspectiveFast, TilesClaimNothingThatIsNotSo)
     EXPECT_LT(single, known);
 }
 
+// Steps of 1.6 by a matrix so small that products of its entries are a few of the smallest numbers there are.
+TEST(PerspectiveFast, TilesOfTinyMatricesClaimNothing)
+{
+    const double tiny = 3.584e-162;
+    const Matrix m = matrixOf(1.6 * tiny, 0, 0, 0, tiny, 0, 0, 0, tiny);
+    EXPECT_FALSE(Ondrel::tileBounds(m, 0, 0, 9, 7).takesOneSample);
+    EXPECT_TRUE(Ondrel::tileBounds(m / tiny, 0, 0, 9, 7).isKnown);
+    EXPECT_FALSE(Ondrel::tileBounds(m / tiny, 0, 0, 9, 7).takesOneSample);
+}
+
 } // namespace
