@@ -90,7 +90,8 @@ Image turnedPart(Image const& image, FilterMethod filter, Eigen::Matrix<double, 
     return result;
 }
 
-// The turned picture drawn in the middle of a larger canvas, of which the middle is kept. Drawing rounds once more.
+// The turned picture drawn on a canvas that is wider or higher: along each side, the middle of the one lies on the
+// middle of the other. Drawing rounds once more.
 Image turnedOnCanvas(Image const& image, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& matrix,
                      QSize const& target)
 {
@@ -99,14 +100,10 @@ Image turnedOnCanvas(Image const& image, FilterMethod filter, Eigen::Matrix<doub
               turned);
     if (!turned)
         return Image();
-    const int width = int(turned->width);
-    const int height = int(turned->height);
-    Image canvas(unsigned(std::max(width, target.width())), unsigned(std::max(height, target.height())));
-    PixelPainter(&canvas).drawImage(-(std::min(width - target.width(), 0) / 2),
-                                    -(std::min(height - target.height(), 0) / 2), *turned);
-    const int dw = int(canvas.width) - target.width();
-    const int dh = int(canvas.height) - target.height();
-    return Crop(canvas, unsigned(dw / 2), unsigned(dh / 2), unsigned(dw - dw / 2), unsigned(dh - dh / 2));
+    Image canvas(unsigned(target.width()), unsigned(target.height()));
+    PixelPainter(&canvas).drawImage((target.width() - int(turned->width)) / 2,
+                                    (target.height() - int(turned->height)) / 2, *turned);
+    return canvas;
 }
 
 } // namespace

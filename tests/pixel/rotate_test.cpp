@@ -225,6 +225,19 @@ TEST(Rotate, ATurnedPictureNarrowerThanTheCanvasIsSetInItsMiddle)
     }
 }
 
+// A box around both, the line and the turned line, would have 1.6 thousand million pixels.
+TEST(Rotate, ALongLineTurnedAcrossItsCanvasLeavesItsMiddle)
+{
+    Image line(40000, 2);
+    line.Fill(1000, 2000, 3000, 65535);
+    const Image turned = Rotate(line, 89.9f, RotateSizeKeep, Ondrel::FilterMethod::NearestNeighbor);
+    ASSERT_EQ(turned.width, 40000u);
+    ASSERT_EQ(turned.height, 2u);
+    EXPECT_EQ(pixelAt(turned, 20000, 0), (Pixel{1000, 2000, 3000, 65535}));
+    EXPECT_EQ(pixelAt(turned, 19900, 0), (Pixel{0, 0, 0, 0}));
+    EXPECT_EQ(pixelAt(turned, 20100, 1), (Pixel{0, 0, 0, 0}));
+}
+
 TEST(Rotate, WithoutPixelsThereIsNothing)
 {
     for (const Image& source : {Image(), Image(0, 5), Image(5, 0)})
