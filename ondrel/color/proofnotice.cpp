@@ -7,6 +7,7 @@
 #include <QRadialGradient>
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
 
 namespace Ondrel
@@ -48,11 +49,14 @@ void paintNotice(QImage& picture)
 
 Image proofNotice(unsigned int width, unsigned int height)
 {
-    if (width == 0 || height == 0)
+    // No block holds 2^30 pixels: an image that claims so many has fewer.
+    if (width == 0 || height == 0 || std::uint64_t{width} * height >= (std::uint64_t{1} << 30))
         return Image(width, height);
     QImage picture(static_cast<int>(width), static_cast<int>(height), QImage::Format_ARGB32_Premultiplied);
     if (picture.isNull())
         throw std::bad_alloc();
+    // A painter reaches 32767 pixels far. What is farther away has the colour of the rim.
+    picture.fill(QGuiApplication::palette().color(QPalette::Window));
     paintNotice(picture);
     return Image(picture);
 }

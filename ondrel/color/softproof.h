@@ -14,8 +14,9 @@
 //
 // The caller tells three outcomes apart by the hash in `colorProfile`: the display's profile for a proof; the image's
 // own for a frame of opaque black, if its profile or the device's is unknown or unfit for pixels of three channels; and
-// DefaultColorProfileHash for a notice painted in place of the picture, if colour management is off. The result has no
-// RAW description.
+// DefaultColorProfileHash for a notice painted in place of the picture, if colour management is off (from column or row
+// 32767 on it is of one colour). The result has no RAW description. Of an image whose block is smaller than its sides
+// say, no more is read and written than the blocks hold.
 //
 // Any thread, also several at once; a QGuiApplication must exist, for the notice takes its palette and font. Each call
 // builds its transforms anew, one for each thread. Throws std::bad_alloc.

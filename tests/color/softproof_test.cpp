@@ -528,6 +528,30 @@ TEST_F(ProofNotice, FollowsThePalette)
     EXPECT_TRUE(samePixels(second, notice(200, 100)));
 }
 
+// No painter reaches so far: beyond, there is the colour of the rim.
+TEST_F(ProofNotice, OfALongImageEndsInTheWindowColour)
+{
+    const auto channel = [](int v) { return std::uint16_t(v / 255.0 * 65535.0); };
+    const Pixel window = {channel(30), channel(60), channel(250), 65535};
+    const Image wide = shown(40000, 2), high = shown(2, 40000);
+    for (unsigned int i = 32767; i < 40000; ++i) {
+        ASSERT_EQ(pixelAt(wide, i, 1), window) << i;
+        ASSERT_EQ(pixelAt(high, 1, i), window) << i;
+    }
+}
+
+TEST_F(ProofNotice, OfAnImageThatClaimsMorePixelsThanItHasIsNotPainted)
+{
+    Image image(4, 4);
+    image.colorProfile = hashOf(Ondrel::CreateProPhotoRGBColorProfile);
+    image.width = image.height = 65536;
+    const Image result = SoftProof(image, toByteArray(hashOf(Ondrel::CreateLinear_sRGBColorProfile)), 0, false, false);
+    EXPECT_EQ(result.width, 65536u);
+    EXPECT_EQ(result.height, 65536u);
+    EXPECT_EQ(result.colorProfile, Ondrel::DefaultColorProfileHash);
+    EXPECT_LT(result.sizeBytes, 1u << 20);
+}
+
 TEST_F(ProofNotice, HasNoPixelsForAnImageWithoutAny)
 {
     for (const auto& [w, h] : {std::pair(0u, 0u), std::pair(5u, 0u), std::pair(0u, 5u)}) {
