@@ -73,7 +73,7 @@ void TemperatureToRGBWB(float const* daylight, float kelvin, float tint, float& 
     g = g == 0.0f ? 0.0f : daylight[1] / g;
     b = b == 0.0f ? 0.0f : daylight[2] / b;
     if (g == 0.0f) {
-        r = b = 0.0f;
+        r = g = b = 0.0f;
         return;
     }
     r = r / g;
