@@ -20,7 +20,8 @@ enum class GaussianEdge : unsigned int { Clamp = 0, Blank = 1, Repeat = 2 };
 //
 // Every row is filtered first, then every column of what came out. A sample is the sum of double(sample) * weight in
 // the order of the pixels, in double precision, rounded to 16 bits (halves away from zero, at most 65535) after each
-// direction. The result is the same to the last bit on every processor and for every number of threads.
+// direction. The result is the same to the last bit for every set of vector instructions and every number of threads;
+// the C library's exp is the only part that is not written here.
 //
 // The weights add up to 1 for whole radii. For a fractional radius N may lie beyond R; the weight there is below zero,
 // takes part in the sum and is then dropped, so that the picture gets a little brighter (by 1.9 percent for two radii

@@ -9,7 +9,7 @@ namespace Ondrel::BlurTransform
 {
 
 // A transform of `size` complex numbers, a power of two from 16 on, by decimation in frequency with radix 4 and a last
-// step of 4 or 2: number k of the result is at the place that has the digits of k in reverse order; see spectrumOrder.
+// step of 4 or 2: number k of the result is at the place that has the digits of k in reverse order.
 struct Transform {
     std::size_t size;
     // For each step of size n, n / 4 times the powers 1, 2, 3 of exp(-2 pi i j / n), real parts and imaginary parts in
