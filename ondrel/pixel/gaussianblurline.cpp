@@ -51,8 +51,6 @@ LineBlur::LineBlur(GaussianKernel const& kernel, std::size_t size, GaussianEdge 
     , m_edge(edge)
 {
     const FoldedKernel folded = fold(kernel, size, edge);
-    if (!SpectralFilter::canHold(folded.weights.size() - 1))
-        return;
     m_reach = folded.weights.size() - 1;
     if (edge != GaussianEdge::Blank)
         m_tail = folded.tail;
@@ -61,13 +59,10 @@ LineBlur::LineBlur(GaussianKernel const& kernel, std::size_t size, GaussianEdge 
 
 LineBlur::Line::Line(LineBlur const& blur)
     : m_blur(blur)
-    , m_extended(blur.m_size + 2 * blur.m_reach + (blur.m_filter ? blur.m_filter->size() : 0))
+    , m_extended(blur.m_size + 2 * blur.m_reach + blur.m_filter->size())
     , m_result(blur.m_size)
+    , m_workspace(std::make_shared<SpectralFilter::Workspace>(blur.m_filter->workspace(blur.m_size)))
 {
-    if (blur.m_filter)
-        m_workspace = blur.m_filter->workspace(blur.m_size);
-    else
-        m_workspace.doubtful.resize(blur.m_size);
 }
 
 void LineBlur::Line::extend()
@@ -86,19 +81,13 @@ void LineBlur::Line::extend()
 
 const SamplePoint* LineBlur::Line::blur()
 {
-    std::vector<unsigned char>& doubtful = m_workspace.doubtful;
-    if (!m_blur.m_filter) {
-        std::fill(doubtful.begin(), doubtful.end(), static_cast<unsigned char>(1));
-        sumDoubtful();
-        return m_result.data();
-    }
     extend();
     double added[kPoint];
     const SamplePoint& first = points()[0];
     const SamplePoint& last = points()[m_blur.m_size - 1];
     for (std::size_t i = 0; i < kPoint; ++i)
         added[i] = m_blur.m_tail * (double(first.samples[i]) + double(last.samples[i]));
-    if (m_blur.m_filter->filter(m_extended[0].samples, m_blur.m_size, added, m_workspace, m_result[0].samples))
+    if (m_blur.m_filter->filter(m_extended[0].samples, m_blur.m_size, added, *m_workspace, m_result[0].samples))
         sumDoubtful();
     return m_result.data();
 }
@@ -106,9 +95,9 @@ const SamplePoint* LineBlur::Line::blur()
 void LineBlur::Line::sumDoubtful()
 {
     for (std::size_t i = 0; i < m_blur.m_size; ++i) {
-        if (!m_workspace.doubtful[i])
+        if (!m_workspace->doubtful[i])
             continue;
-        m_workspace.doubtful[i] = 0;
+        m_workspace->doubtful[i] = 0;
         m_blur.sumPoint(points(), i, m_result[i]);
     }
 }

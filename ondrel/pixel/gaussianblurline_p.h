@@ -13,7 +13,7 @@ class LineBlur
 public:
     LineBlur(GaussianKernel const& kernel, std::size_t size, GaussianEdge edge);
 
-    // What a thread needs to blur lines, one at a time.
+    // What a thread needs to blur lines, one at a time. Copies share the workspace, so they belong to the same thread.
     class Line
     {
     public:
@@ -31,7 +31,7 @@ public:
 
         LineBlur const& m_blur;
         std::vector<SamplePoint> m_extended, m_result;
-        SpectralFilter::Workspace m_workspace;
+        std::shared_ptr<SpectralFilter::Workspace> m_workspace;
     };
 
 private:
@@ -48,8 +48,8 @@ private:
     std::size_t m_size;
     GaussianEdge m_edge;
     double m_tail = 0;
-    std::size_t m_reach = 0;                  // of the folded kernel
-    std::unique_ptr<SpectralFilter> m_filter; // null where a transform would be too large
+    std::size_t m_reach = 0; // of the folded kernel
+    std::unique_ptr<SpectralFilter> m_filter;
 };
 
 } // namespace Ondrel

@@ -21,9 +21,6 @@ public:
     // for other reasons than errors of the transform.
     SpectralFilter(std::vector<double> const& kernel, std::size_t lineLength, double tolerance);
 
-    // True if transforms of such a kernel are of a reasonable size.
-    static bool canHold(std::size_t reach) { return reach <= kGreatestSize / 4; }
-
     // Points that filter() may read beyond those that it needs; their values do not matter.
     std::size_t size() const { return m_size; }
     std::size_t reach() const { return m_reach; }
@@ -40,7 +37,8 @@ public:
                 std::uint16_t* to) const;
 
 private:
-    static constexpr std::size_t kGreatestSize = std::size_t(1) << 18;
+    // Twice the length of the longest kernel, so that blocks never are all overlap.
+    static constexpr std::size_t kGreatestSize = std::size_t(1) << 21;
 
     void buildSpectrum(std::vector<double> const& kernel);
     void buildTwiddles();
