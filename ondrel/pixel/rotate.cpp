@@ -76,33 +76,24 @@ QSize inscribedSize(QSize const& size, float angle)
                  side(double(std::abs(height * ac - width * as) / a2)));
 }
 
-// The middle part of the turned picture, which reaches over all of it. The other pixels of the turned picture need not
-// be made.
+// The middle part of the turned picture, which has the size `whole`. The other pixels need not be made.
 Image turnedPart(Image const& image, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& matrix,
-                 RectT<float> const& bounds, QSize const& target)
+                 RectT<float> const& bounds, QSize const& whole, QSize const& part)
 {
-    Image result(unsigned(target.width()), unsigned(target.height()));
-    const QSize whole(side(double(bounds.width())), side(double(bounds.height())));
-    const int left = (whole.width() - target.width()) / 2;
-    const int top = (whole.height() - target.height()) / 2;
-    transformRows(image, filter, pixelMapping(matrix, 1.0, bounds),
-                  RectT<int>(left, top, target.width(), target.height()), {result, true, left, top});
+    Image result(unsigned(part.width()), unsigned(part.height()));
+    const int left = (whole.width() - part.width()) / 2;
+    const int top = (whole.height() - part.height()) / 2;
+    transformRows(image, filter, pixelMapping(matrix, 1.0, bounds), RectT<int>(left, top, part.width(), part.height()),
+                  {result, true, left, top});
     return result;
 }
 
-// The turned picture drawn on a canvas that is wider or higher: along each side, the middle of the one lies on the
-// middle of the other. Drawing rounds once more.
-Image turnedOnCanvas(Image const& image, FilterMethod filter, Eigen::Matrix<double, 3, 3> const& matrix,
-                     QSize const& target)
+// A picture drawn in the middle of a canvas that is larger. Drawing rounds its samples once more.
+Image onCanvas(Image const& picture, QSize const& size)
 {
-    std::shared_ptr<const Image> turned;
-    Transform(image, RectT<int>(0, 0, int(image.width), int(image.height)), 1.0, TransformSizeBounding, filter, matrix,
-              turned);
-    if (!turned)
-        return Image();
-    Image canvas(unsigned(target.width()), unsigned(target.height()));
-    PixelPainter(&canvas).drawImage((target.width() - int(turned->width)) / 2,
-                                    (target.height() - int(turned->height)) / 2, *turned);
+    Image canvas(unsigned(size.width()), unsigned(size.height()));
+    PixelPainter(&canvas).drawImage((size.width() - int(picture.width)) / 2, (size.height() - int(picture.height)) / 2,
+                                    picture);
     return canvas;
 }
 
@@ -145,7 +136,10 @@ Ondrel::Image Rotate(Ondrel::Image const& image, float angle, RotateSize mode, O
     const Eigen::Matrix<double, 3, 3> matrix = rotationMatrix(size, angle);
     RectT<float> bounds;
     CalculateTransformOutputBoundingRect(image.width, image.height, 1.0f, TransformSizeBounding, matrix, bounds);
-    if (side(double(bounds.width())) >= target.width() && side(double(bounds.height())) >= target.height())
-        return turnedPart(image, filter, matrix, bounds, target);
-    return turnedOnCanvas(image, filter, matrix, target);
+    const QSize whole(side(double(bounds.width())), side(double(bounds.height())));
+    const QSize part = whole.boundedTo(target);
+    Image turned = turnedPart(image, filter, matrix, bounds, whole, part);
+    if (part == target)
+        return turned;
+    return onCanvas(turned, target);
 }
