@@ -46,7 +46,8 @@ int grabAll(const QString& path)
 QWidget* makeWindow()
 {
     auto* content = new QWidget;
-    auto* layout = new QGridLayout(content);
+    auto* layout = new QGridLayout;
+    content->setLayout(layout);
     int index = 0;
     for (const Control& control : allControls()) {
         QWidget* const widget = control.make(content);

@@ -31,7 +31,7 @@ void paintNotice(QImage& picture)
     const QPalette palette = QGuiApplication::palette();
     const int width = picture.width();
     const int height = picture.height();
-    const QPointF centre(width / 2, height / 2);
+    const QPoint centre(width / 2, height / 2);
     QRadialGradient gradient(centre, height * 1.75, centre);
     gradient.setColorAt(0.0, palette.color(QPalette::Text));
     gradient.setColorAt(1.0, palette.color(QPalette::Window));

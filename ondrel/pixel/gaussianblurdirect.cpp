@@ -125,8 +125,10 @@ private:
     void gatherOutside(const std::uint16_t* const* rows, std::int64_t x, double* to)
     {
         x = edgePosition(x, m_from.width, m_edge);
-        for (std::size_t i = 0; i < BlurRows::kPoint; ++i)
-            to[i] = x < 0 ? 0.0 : double(rows[i / 4][std::size_t(x) * 4 + i % 4]);
+        for (std::size_t i = 0; i < BlurRows::kPoint; ++i) {
+            const std::uint16_t* const row = rows[i / 4];
+            to[i] = x < 0 ? 0.0 : double(row[std::size_t(x) * 4 + i % 4]);
+        }
     }
 
     void sumDown(std::size_t y, std::size_t index, std::size_t count)

@@ -100,7 +100,8 @@ void SpectralFilter::buildTwiddles()
             for (std::size_t power = 1; power <= 3; ++power) {
                 // Without its quarter turns an angle is small, and its rounding does not show.
                 const std::size_t turns = j * power * 4 / size;
-                const double rest = 2 * kPi * double(j * power - turns * size / 4) / double(size);
+                const std::size_t beyondTurns = j * power - turns * size / 4;
+                const double rest = 2 * kPi * double(beyondTurns) / double(size);
                 const std::complex<double> w(std::cos(rest), -std::sin(rest));
                 const std::complex<double> quarters[] = {w, {w.imag(), -w.real()}, -w, {-w.imag(), w.real()}};
                 m_twiddles.push_back(quarters[turns % 4].real());

@@ -20,7 +20,7 @@ QRgb wheelPixel(const Hsl& color, double distance)
         return 0;
     const double share = distance <= 0.98 ? 1.0 : (1.0 - distance) / 0.02;
     const Rgb rgb = toRgb(color);
-    const auto byte = [share](double v) { return int(std::clamp(v, 0.0, 1.0) * share * 255.0 + 0.5); };
+    const auto byte = [share](double v) { return int(std::lround(std::clamp(v, 0.0, 1.0) * share * 255.0)); };
     return qRgba(byte(rgb.red), byte(rgb.green), byte(rgb.blue), byte(1.0));
 }
 
