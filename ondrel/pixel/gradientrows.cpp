@@ -57,6 +57,9 @@ private:
     Vector m_ux, m_down, m_offset, m_factor;
 };
 
+// Where nothing is turned, all pixels of a row have the same offsets downward; only signs of zeros differ from those of
+// the general form.
+template <bool isUpright>
 class RadialPlaces
 {
 public:
@@ -73,6 +76,9 @@ public:
         , m_cosineDown(hn::Set(Floats(), e.cosine * (float(y) - e.centerY)))
         , m_isOrdinary(e.isOrdinary)
     {
+        const float turnedY = e.cosine * (float(y) - e.centerY) + e.centerY;
+        m_uprightPy = hn::Set(Floats(), (turnedY - e.focalY) * e.ratio);
+        m_uprightOy = hn::Set(Floats(), (turnedY - e.centerY) * e.ratio);
     }
 
     HWY_INLINE Vector at(int x) const
@@ -81,12 +87,19 @@ public:
         const auto zero = hn::Zero(d);
         const auto one = hn::Set(d, 1.0f);
         const auto dx = hn::Sub(columns(x), m_centerX);
-        const auto turnedX = hn::Add(hn::Sub(hn::Mul(m_cosine, dx), m_sineDown), m_centerX);
-        const auto turnedY = hn::Add(hn::Add(m_cosineDown, hn::Mul(m_sine, dx)), m_centerY);
+        Vector turnedX, py, oy;
+        if constexpr (isUpright) {
+            turnedX = hn::Add(dx, m_centerX);
+            py = m_uprightPy;
+            oy = m_uprightOy;
+        } else {
+            turnedX = hn::Add(hn::Sub(hn::Mul(m_cosine, dx), m_sineDown), m_centerX);
+            const auto turnedY = hn::Add(hn::Add(m_cosineDown, hn::Mul(m_sine, dx)), m_centerY);
+            py = hn::Mul(hn::Sub(turnedY, m_focalY), m_ratio);
+            oy = hn::Mul(hn::Sub(turnedY, m_centerY), m_ratio);
+        }
         const auto px = hn::Sub(turnedX, m_focalX);
-        const auto py = hn::Mul(hn::Sub(turnedY, m_focalY), m_ratio);
         const auto ox = hn::Sub(turnedX, m_centerX);
-        const auto oy = hn::Mul(hn::Sub(turnedY, m_centerY), m_ratio);
         const auto q = hn::Sub(hn::Add(hn::Mul(ox, ox), hn::Mul(oy, oy)), m_rx2);
         if (m_isOrdinary &&
             hn::AllTrue(d, hn::And(hn::Ge(q, zero), certainlyHeadsAway(hn::Mul(px, ox), hn::Mul(py, oy)))))
@@ -119,6 +132,7 @@ private:
     }
 
     Vector m_centerX, m_centerY, m_focalX, m_focalY, m_ratio, m_rx2, m_sine, m_cosine, m_sineDown, m_cosineDown;
+    Vector m_uprightPy, m_uprightOy;
     bool m_isOrdinary;
 };
 
@@ -199,7 +213,10 @@ void LinearPositions(LinearAxis const& axis, int x, int y, std::size_t count, fl
 
 void RadialPositions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t)
 {
-    Store(RadialPlaces(ellipse, y), x, count, t);
+    if (ellipse.isOrdinary && ellipse.sine == 0.0f && ellipse.cosine == 1.0f)
+        Store(RadialPlaces<true>(ellipse, y), x, count, t);
+    else
+        Store(RadialPlaces<false>(ellipse, y), x, count, t);
 }
 
 // Neighbours mostly lie between the same two stops.
