@@ -42,8 +42,7 @@ struct GradientRadialGeometry {
 // curve of more than one knot replaces t by table[trunc(t * 65535)] / 65535, where the table of 65536 entries is its
 // roundedSpline. Between stop p and the next one n, the first whose position is above t, f is
 // (t - p.position) / (n.position - p.position), and each sample is trunc(n * f + p * (1 - f)); from the last stop on it
-// is that stop's. A t that is not a number, as between equal points,
-// takes the last stop too.
+// is that stop's. A t that is not a number, as between equal points, takes the last stop too.
 //
 // With GradientColorInterpolationLCH lightness, chroma and hue are mixed so in CIE L*a*b*, and alpha as above. Colours
 // are converted by the absolute colorimetric intent with the image's profile, or the display's or else sRGB if that
