@@ -235,7 +235,7 @@ void ColorPickerWidget::hslChanged()
         const int grey = int(hsl.lightness * 65535.0);
         writeRgb(grey, grey, grey);
     } else {
-        const auto rounded = [](double v) { return int(std::round(v * 65535.0) + 0.5); };
+        const auto rounded = [](double v) { return int(std::lround(v * 65535.0)); };
         const Rgb rgb = toRgb(hsl);
         writeRgb(rounded(rgb.red), rounded(rgb.green), rounded(rgb.blue));
     }

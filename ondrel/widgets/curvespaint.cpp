@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QVector>
 
+#include <cmath>
+
 namespace Ondrel
 {
 namespace
@@ -53,7 +55,8 @@ void CurvesWidget::drawGrid(QPainter& painter) const
     painter.setPen(pen);
     const float eighthOfWidth = float(width()) / 8.0f, eighthOfHeight = float(height()) / 8.0f;
     for (int i = 1; i < 8; ++i) {
-        const int x = int(0.5f + float(i) * eighthOfWidth), y = int(0.5f + float(i) * eighthOfHeight);
+        const int x = int(std::floor(0.5f + float(i) * eighthOfWidth));
+        const int y = int(std::floor(0.5f + float(i) * eighthOfHeight));
         painter.drawLine(0, y, width(), y);
         painter.drawLine(x, 0, x, height());
     }

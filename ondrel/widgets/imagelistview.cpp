@@ -31,7 +31,8 @@ void ImageListView::setItemIcon(int index, const QImage& image)
 
 void ImageListView::wheelEvent(QWheelEvent* event)
 {
-    QAbstractScrollArea::wheelEvent(event);
+    // QListView would scroll sideways where it cannot scroll down.
+    QAbstractScrollArea::wheelEvent(event); // NOLINT(bugprone-parent-virtual-call)
     event->accept();
 }
 

@@ -19,6 +19,7 @@ namespace
 
 constexpr int kCell = 182;
 constexpr int kIcon = 60;
+constexpr int kIconAt = kCell / 2 - kIcon / 2;
 
 QImage emptyCell()
 {
@@ -95,7 +96,7 @@ void ThumbnailComboBox::imageFinished(QImage image, int, const QVariant& userDat
     if (image.isNull()) {
         QImage cell = emptyCell();
         QPainter painter(&cell);
-        m_unavailableRenderer.render(&painter, QRectF(cell.height() / 2 - 30, cell.width() / 2 - 30, kIcon, kIcon));
+        m_unavailableRenderer.render(&painter, QRectF(kIconAt, kIconAt, kIcon, kIcon));
         painter.end();
         m_listView->setItemIcon(index, cell);
     } else {
