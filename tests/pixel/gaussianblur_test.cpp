@@ -31,6 +31,7 @@ using OndrelTest::randomImage;
 using OndrelTest::samePixels;
 using OndrelTest::setPixel;
 using OndrelTest::shrunkImage;
+using OndrelTest::withMetadata;
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -57,18 +58,6 @@ Image uniform(unsigned int width, unsigned int height, std::uint16_t value)
 {
     Image image(width, height);
     image.FastFill(value);
-    return image;
-}
-
-Image withMetadata(unsigned int width, unsigned int height)
-{
-    Image image = randomImage(width, height, 1);
-    image.colorProfile.fill(7);
-    image.rawIsMosaic = true;
-    image.rawFilters = 5;
-    image.rawHasInfo = true;
-    image.rawRotation = 2;
-    image.rawToneCurve = std::make_shared<std::vector<Ondrel::CubicBezierSpline::Point>>(3);
     return image;
 }
 

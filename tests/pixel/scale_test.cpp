@@ -18,6 +18,7 @@ using OndrelTest::pixelAt;
 using OndrelTest::randomImage;
 using OndrelTest::samePixels;
 using OndrelTest::setPixel;
+using OndrelTest::withMetadata;
 
 constexpr FilterMethod kFilters[] = {FilterMethod::NearestNeighbor, FilterMethod::Bilinear, FilterMethod::Bicubic};
 
@@ -36,18 +37,6 @@ Image greyRow(std::initializer_list<unsigned short> values)
     unsigned int x = 0;
     for (const unsigned short v : values)
         setPixel(image, x++, 0, {v, v, v, 65535});
-    return image;
-}
-
-Image withMetadata(unsigned int width, unsigned int height)
-{
-    Image image = randomImage(width, height, 1);
-    image.colorProfile.fill(7);
-    image.rawIsMosaic = true;
-    image.rawFilters = 5;
-    image.rawHasInfo = true;
-    image.rawRotation = 2;
-    image.rawToneCurve = std::make_shared<std::vector<Ondrel::CubicBezierSpline::Point>>(3);
     return image;
 }
 

@@ -1,4 +1,5 @@
 #include "decoding.h"
+#include "pngsource.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colorprofiles.h>
@@ -24,20 +25,6 @@ ReadResult read(Read reader, const Bytes& file)
     result.ok = reader(recordOf(file), result.image, &profile);
     result.profile.reset(profile);
     return result;
-}
-
-struct PngSource {
-    const Bytes& file;
-    std::size_t position;
-};
-
-void takeFromBytes(png_struct* png, png_byte* data, std::size_t size)
-{
-    PngSource& source = *static_cast<PngSource*>(png_get_io_ptr(png));
-    if (size > source.file.size() - source.position)
-        png_error(png, "no more data");
-    std::memcpy(data, source.file.data() + source.position, size);
-    source.position += size;
 }
 
 std::uint16_t alphaOf(const unsigned char* sample, unsigned int bits)

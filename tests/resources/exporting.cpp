@@ -1,4 +1,5 @@
 #include "exporting.h"
+#include "pngsource.h"
 
 #include "tests/support/testimages.h"
 
@@ -19,20 +20,6 @@ using Callback = bool (*)(int, void*);
 Callback callbackOf(const Progress* progress)
 {
     return progress ? &Progress::report : nullptr;
-}
-
-struct PngSource {
-    const Bytes& file;
-    std::size_t position;
-};
-
-void takeFromBytes(png_struct* png, png_byte* data, std::size_t size)
-{
-    PngSource& source = *static_cast<PngSource*>(png_get_io_ptr(png));
-    if (size > source.file.size() - source.position)
-        png_error(png, "no more data");
-    std::memcpy(data, source.file.data() + source.position, size);
-    source.position += size;
 }
 
 } // namespace

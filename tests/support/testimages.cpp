@@ -33,6 +33,18 @@ Ondrel::Image shrunkImage(unsigned int width, unsigned int height, unsigned int 
     return image;
 }
 
+Ondrel::Image withMetadata(unsigned int width, unsigned int height)
+{
+    Ondrel::Image image = randomImage(width, height, 1);
+    image.colorProfile.fill(7);
+    image.rawIsMosaic = true;
+    image.rawFilters = 5;
+    image.rawHasInfo = true;
+    image.rawRotation = 2;
+    image.rawToneCurve = std::make_shared<std::vector<Ondrel::CubicBezierSpline::Point>>(3);
+    return image;
+}
+
 Pixel pixelAt(const Ondrel::Image& image, unsigned int x, unsigned int y)
 {
     Pixel pixel;

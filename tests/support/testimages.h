@@ -18,6 +18,9 @@ Ondrel::Image randomImage(unsigned int width, unsigned int height, unsigned int 
 // A random image of `width` x `height` in a block made for more pixels, as an in-place shrink leaves it.
 Ondrel::Image shrunkImage(unsigned int width, unsigned int height, unsigned int seed);
 
+// A random image with every field of metadata set.
+Ondrel::Image withMetadata(unsigned int width, unsigned int height);
+
 Pixel pixelAt(const Ondrel::Image& image, unsigned int x, unsigned int y);
 void setPixel(Ondrel::Image& image, unsigned int x, unsigned int y, const Pixel& pixel);
 
