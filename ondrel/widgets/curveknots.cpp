@@ -51,7 +51,8 @@ int CurveKnots::grab(const QPointF& position, const QSizeF& area)
     m_dragged = closest(x, distance);
     if (distance >= kReach) {
         const auto behind = std::find_if(m_knots.begin(), m_knots.end(), [x](const Point& knot) { return knot.x > x; });
-        m_dragged = int(m_knots.insert(behind, Point{x, 0}) - m_knots.begin());
+        m_dragged = int(behind - m_knots.begin()); // before the insertion, which may move all knots
+        m_knots.insert(behind, Point{x, 0});
     }
     m_draggedPresent = true;
     return m_dragged;
