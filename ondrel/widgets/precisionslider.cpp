@@ -84,6 +84,7 @@ void PrecisionSlider::makeChildren()
     m_lineEdit->installEventFilter(filter);
 
     const bool range = m_displayStyle == Range;
+    m_label->setObjectName(range ? QStringLiteral("rangeCaption") : QStringLiteral("arrowsCaption"));
     m_label->setAlignment((range ? Qt::AlignTop : Qt::AlignVCenter) | Qt::AlignHCenter);
     if (range)
         m_lineEdit->setTextMargins(0, -3, 0, 0);
