@@ -40,6 +40,7 @@ void ListComboBox::addSeparator()
     item->setData(Qt::SizeHintRole, QSize(-1, 10)); // setSizeHint() drops a size without a width
     item->setFlags(Qt::NoItemFlags);
     auto* line = new QWidget;
+    line->resize(0, 10); // a row is as high as its widget, which has a window's size by default
     line->setObjectName(QStringLiteral("node_combobox_dropdown_separator"));
     m_listWidget->setItemWidget(item, line);
 }
