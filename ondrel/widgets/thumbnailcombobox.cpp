@@ -51,7 +51,8 @@ ThumbnailComboBox::ThumbnailComboBox(QWidget* parent)
     m_listView->hide();
     m_listView->setIconSize(QSize(kCell, kCell));
     setView(m_listView);
-    const QString text = palette().color(QPalette::Text).name(); // so that dark icons fit the theme
+    m_listView->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // the box turns it off in its own popup
+    const QString text = palette().color(QPalette::Text).name();   // so that dark icons fit the theme
     const QString icons = Platform::IconsDirectory();
     LoadSvgWithReplace(m_unavailableRenderer, icons + QStringLiteral("thumbnail_unavailable.svg"),
                        QStringLiteral("#000000"), text);
