@@ -25,6 +25,8 @@ void SetComboBoxIndexByData(QComboBox* comboBox, const QVariant& data)
 
 void CenterDialogToParent(QDialog* dialog)
 {
+    const QPoint position = dialog->pos();
+    const bool placed = dialog->testAttribute(Qt::WA_Moved);
     if (!dialog->testAttribute(Qt::WA_WState_ExplicitShowHide)) { // it has no size before it is laid out
         dialog->setAttribute(Qt::WA_DontShowOnScreen, true);
         dialog->show();
@@ -32,8 +34,12 @@ void CenterDialogToParent(QDialog* dialog)
         dialog->setAttribute(Qt::WA_DontShowOnScreen, false);
     }
     const QWidget* const parent = dialog->parentWidget();
-    if (!parent)
+    if (!parent) {
+        if (dialog->pos() != position) // showing it places it
+            dialog->move(position);
+        dialog->setAttribute(Qt::WA_Moved, placed);
         return;
+    }
     const QRect area = parent->geometry();
     dialog->move((area.left() + area.right()) / 2 - dialog->width() / 2,
                  (area.top() + area.bottom()) / 2 - dialog->height() / 2);
