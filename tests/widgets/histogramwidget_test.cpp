@@ -1,0 +1,74 @@
+#include "widgetevents.h"
+
+#include <ondrel/core/image.h>
+#include <ondrel/widgets/histogramwidget.h>
+
+#include <QSignalSpy>
+
+using namespace Ondrel;
+
+namespace
+{
+
+std::shared_ptr<const Image> filled(const QColor& color)
+{
+    QImage picture(16, 16, QImage::Format_ARGB32);
+    picture.fill(color);
+    return std::make_shared<Image>(picture);
+}
+
+const QColor background(28, 28, 28);
+
+} // namespace
+
+TEST(HistogramWidget, paintsOnlyItsBackgroundBeforeACount)
+{
+    HistogramWidget widget(nullptr);
+    widget.resize(100, 50);
+    EXPECT_EQ(widget.focusPolicy(), Qt::NoFocus);
+    EXPECT_EQ(widget.sizeHint().width(), 200);
+    QImage expected = widget.grab().toImage();
+    expected.fill(background);
+    EXPECT_EQ(widget.grab().toImage(), expected);
+}
+
+TEST(HistogramWidget, showsACount)
+{
+    HistogramWidget widget(nullptr);
+    widget.resize(100, 50);
+    widget.setScale(HistogramWidget::Linear);
+    QSignalSpy built(&widget, SIGNAL(histogramBuilt()));
+    widget.update(filled(QColor(255, 0, 0)));
+    ASSERT_TRUE(built.wait()); // the count runs on another thread
+    widget.setChannel(HistogramWidget::Red);
+    EXPECT_NE(widget.grab().toImage().pixelColor(98, 45), background);
+    widget.setChannel(HistogramWidget::Green);
+    EXPECT_EQ(widget.grab().toImage().pixelColor(98, 30), background);
+    EXPECT_EQ(built.count(), 1);
+}
+
+TEST(HistogramWidget, takesImagesWithoutPixelsAndSmallSizes)
+{
+    HistogramWidget widget(nullptr);
+    QSignalSpy built(&widget, SIGNAL(histogramBuilt()));
+    for (const QSize& size : {QSize(0, 0), QSize(1, 1), QSize(2, 2)}) {
+        widget.resize(size);
+        for (const auto& image : {std::shared_ptr<const Image>(), std::make_shared<const Image>(), filled(Qt::white)}) {
+            built.clear();
+            widget.update(image);
+            ASSERT_TRUE(built.count() > 0 || built.wait()); // the count runs on another thread
+            widget.grab();
+        }
+    }
+}
+
+TEST(HistogramWidget, mayGoDuringACount)
+{
+    for (int i = 0; i < 20; ++i) {
+        auto widget = std::make_unique<HistogramWidget>(nullptr);
+        widget->resize(256, 50);
+        widget->update(filled(Qt::white));
+        widget.reset();
+        QCoreApplication::processEvents();
+    }
+}
