@@ -72,3 +72,20 @@ TEST(HistogramWidget, mayGoDuringACount)
         QCoreApplication::processEvents();
     }
 }
+
+TEST(HistogramWidget, countsTheRunningAndTheLastOfSeveralImages)
+{
+    HistogramWidget widget(nullptr);
+    widget.resize(100, 50);
+    QSignalSpy built(&widget, SIGNAL(histogramBuilt()));
+    QImage large(4000, 4000, QImage::Format_ARGB32);
+    large.fill(Qt::green);
+    widget.update(std::make_shared<Image>(large));
+    for (int i = 0; i < 4; ++i)
+        widget.update(filled(Qt::green));
+    widget.update(filled(QColor(255, 0, 0)));
+    ASSERT_TRUE(QTest::qWaitFor([&built] { return built.count() == 2; })); // two counts on another thread
+    EXPECT_FALSE(built.wait(50));                                          // no third
+    widget.setChannel(HistogramWidget::Red);
+    EXPECT_NE(widget.grab().toImage().pixelColor(98, 45), background);
+}
