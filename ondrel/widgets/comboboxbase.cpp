@@ -62,6 +62,7 @@ void ComboBoxBase::hidePopup()
     setFocus();
     if (popupFrame) {
         view()->setParent(this);
+        popupFrame->disconnect(this); // it may outlive this part of the box, as a child of the widget
         popupFrame->deleteLater();
         popupFrame = nullptr;
     }
