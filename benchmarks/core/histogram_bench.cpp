@@ -10,9 +10,8 @@ namespace
 using namespace OndrelBench;
 
 // As a curves editor asks (lightness and colours) or a histogram widget (luminance and colours).
-void histogram(benchmark::State& state)
+void histogram(benchmark::State& state, bool lightness)
 {
-    const bool lightness = state.range(0) != 0;
     const Ondrel::Image image = syntheticImage(kWidth, kHeight);
     Ondrel::Image::Histogram result;
     for (auto _ : state) {
@@ -22,9 +21,8 @@ void histogram(benchmark::State& state)
     report(state, kPixels, 8);
 }
 
-void histogramLiteral(benchmark::State& state)
+void histogramLiteral(benchmark::State& state, bool lightness)
 {
-    const bool lightness = state.range(0) != 0;
     const Ondrel::Image image = syntheticImage(kWidth, kHeight);
     Ondrel::Image::Histogram result;
     for (auto _ : state) {
@@ -50,20 +48,14 @@ void histogramFloor(benchmark::State& state)
     report(state, kPixels, 8);
 }
 
-} // namespace
+const bool added = [] {
+    for (const bool lightness : {false, true}) {
+        const std::string name = lightness ? "BuildHistogram, lightness" : "BuildHistogram, luminance";
+        add(name, histogram, lightness);
+        add(name + "/literal", histogramLiteral, lightness);
+        add(name + "/floor", histogramFloor);
+    }
+    return true;
+}();
 
-BENCHMARK(histogram)
-    ->Name("BuildHistogram")
-    ->ArgName("lightness")
-    ->Arg(0)
-    ->Arg(1)
-    ->UseRealTime()
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(histogramLiteral)
-    ->Name("BuildHistogram/literal")
-    ->ArgName("lightness")
-    ->Arg(0)
-    ->Arg(1)
-    ->UseRealTime()
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(histogramFloor)->Name("BuildHistogram/floor")->UseRealTime()->Unit(benchmark::kMillisecond);
+} // namespace
