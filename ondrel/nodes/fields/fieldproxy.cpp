@@ -1,0 +1,42 @@
+#include <ondrel/nodes/fields/fieldproxy_p.h>
+
+#include <QGraphicsItem>
+#include <QGraphicsProxyWidget>
+#include <QGraphicsScene>
+#include <QWidget>
+
+namespace Ondrel
+{
+
+void adjustUnshownSize(QWidget& widget)
+{
+    widget.adjustSize();
+    widget.setAttribute(Qt::WA_Resized, false); // the scene may have another font: the proxy is to adjust it again
+}
+
+void embed(QGraphicsProxyWidget*& proxy, QWidget* widget, QGraphicsItem& field, const QPointF& position)
+{
+    if (proxy || !field.scene())
+        return;
+    proxy = field.scene()->addWidget(widget);
+    proxy->setParentItem(&field);
+    proxy->setPos(position);
+}
+
+void fitBehindLabel(QGraphicsProxyWidget* proxy, QWidget& widget, float rowWidth, float labelWidth)
+{
+    if (!proxy)
+        return;
+    const float x = labelWidth + 4.0f;
+    proxy->setPos(double(x), 0.0);
+    widget.setFixedWidth(widgetLength(rowWidth - x));
+}
+
+int widgetLength(float length)
+{
+    if (!(length > 0.0f)) // not a number, too
+        return 0;
+    return length < float(QWIDGETSIZE_MAX) ? int(length) : QWIDGETSIZE_MAX;
+}
+
+} // namespace Ondrel
