@@ -4,6 +4,7 @@
 
 #include <QSizeF>
 
+#include <cstddef>
 #include <vector>
 
 namespace Ondrel
@@ -91,14 +92,16 @@ public:
     void layout(float width, float outputLabelWidth, float inputLabelWidth, float y) override;
 
 private:
-    float extraWidth(const Cell& cell, unsigned int column) const;
-    void widenLabels(const Cell& cell, unsigned int column, float* outputLabelWidth, float* inputLabelWidth) const;
-    QSizeF measureCell(const Cell& cell, unsigned int column) const;
-    bool endsAtLastColumn(const Cell& cell, unsigned int column) const;
-    float spannedWidth(std::size_t column, unsigned int columnSpan) const;
-    float spannedHeight(std::size_t row, unsigned int rowSpan) const;
+    bool endsAtLastColumn(const Cell& cell, std::size_t column) const;
+    float leftPadding(const Cell& cell, std::size_t column) const;
+    float rightPadding(const Cell& cell, std::size_t column) const;
+    float labelWidthOf(const Cell& cell, std::size_t column, float outputLabelWidth, float inputLabelWidth) const;
+    QSizeF measureCell(const Cell& cell, std::size_t column, float* outputLabelWidth, float* inputLabelWidth) const;
+    std::vector<std::vector<QSizeF>> measureSlots(float* outputLabelWidth, float* inputLabelWidth) const;
+    void placeField(const Cell& cell, std::size_t row, std::size_t column, float x, float y, float cellWidth,
+                    float labelWidth);
 
-    unsigned int m_columnCount = 0;
+    std::size_t m_columnCount = 0;
     std::vector<std::vector<Cell>> m_cells;
     std::vector<float> m_rowHeights;
     std::vector<float> m_columnWidths;
