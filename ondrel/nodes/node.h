@@ -155,9 +155,7 @@ private:
     bool selectionCrossesGroups() const;
     void deselectOthers();
     void paintHeader(QPainter& painter) const;
-    bool moveFocusInside(QGraphicsItem* item, bool next);
     bool focusControlOf(const InputField& field, Qt::FocusReason reason);
-    bool highlighted() const { return m_firstSelected && m_drawSelection; }
 
     NodeBackdrop* m_backdrop;
     unsigned long m_id = 0;
