@@ -1,5 +1,6 @@
 #include <ondrel/color/colortransformer.h>
 #include <ondrel/nodes/fields/imagepreviewfield.h>
+#include <ondrel/nodes/nodecolors_p.h>
 #include <ondrel/pixel/scale.h>
 #include <ondrel/work/backgroundworkqueue.h>
 
@@ -100,7 +101,7 @@ void ImagePreviewField::paint(QPainter* painter, const QStyleOptionGraphicsItem*
     painter->translate((rounded(rect().width()) - width) / 2 + rounded(rect().x()), rounded(rect().y()));
     painter->drawImage(QRectF(0, 0, width, height), m_picture);
 
-    QPen frame(QColor(50, 47, 47));
+    QPen frame(NodeColors::header());
     painter->setBrush(Qt::NoBrush);
     for (const qreal penWidth : {0.0, 1.5}) {
         frame.setWidthF(penWidth);

@@ -1,10 +1,9 @@
 #include <ondrel/nodes/fields/fieldproxy_p.h>
 #include <ondrel/nodes/fields/pushbuttonfield.h>
+#include <ondrel/nodes/nodefont_p.h>
 #include <ondrel/widgets/pushbutton.h>
 #include <ondrel/widgets/stylesheet_p.h>
-#include <ondrel/widgets/widgetfont_p.h>
 
-#include <QFontMetricsF>
 #include <QGraphicsProxyWidget>
 
 #include <algorithm>
@@ -30,7 +29,7 @@ PushButtonInputField::~PushButtonInputField()
 
 float PushButtonInputField::minWidth() const
 {
-    const auto textWidth = float(QFontMetricsF(widgetFont()).horizontalAdvance(m_widget->text()));
+    const auto textWidth = float(fieldFontMetrics().horizontalAdvance(m_widget->text()));
     return std::max(150.0f, labelWidth() + 10.0f + textWidth);
 }
 
