@@ -48,9 +48,10 @@ protected:
     std::map<unsigned long, std::vector<std::vector<unsigned long>>> fieldSets;
 
 private:
+    bool hasInput(std::size_t index) const;
+    bool parseInput(const QDomNode& entry);
     void appendInput(InputField* field, const QString& fieldType);
-    template <class Field>
-    Field* inputAs(std::size_t index) const;
+    void showFieldSet(const std::vector<unsigned long>& inputs, bool show);
 };
 
 namespace Detail
