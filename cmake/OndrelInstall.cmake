@@ -12,7 +12,8 @@ install(TARGETS ondrel EXPORT OndrelTargets
 install(DIRECTORY ondrel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
 install(FILES ${PROJECT_BINARY_DIR}/include/ondrel/ondrel_export.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ondrel)
-install(DIRECTORY data/ DESTINATION ${ONDREL_INSTALL_DATADIR} FILES_MATCHING PATTERN "*.svg" PATTERN "*.css" PATTERN "*.icc")
+install(DIRECTORY data/ DESTINATION ${ONDREL_INSTALL_DATADIR} FILES_MATCHING PATTERN "*.svg" PATTERN "*.css" PATTERN "*.icc"
+  PATTERN "*.rnc" PATTERN "*.rng")
 
 install(EXPORT OndrelTargets NAMESPACE Ondrel:: DESTINATION ${ONDREL_CMAKE_DIR})
 configure_package_config_file(cmake/OndrelConfig.cmake.in ${PROJECT_BINARY_DIR}/OndrelConfig.cmake

@@ -1,5 +1,7 @@
 // The command-line tools, as a user runs them.
 
+#include "programs.h"
+
 #include <ondrel/pixel/perspective.h>
 
 #include <gtest/gtest.h>
@@ -8,31 +10,14 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
-#include <QProcess>
 #include <QTemporaryDir>
 
 namespace
 {
 
-struct Outcome {
-    int status;
-    QString output;
-    QString errors;
-};
-
-Outcome run(const char* program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(QString::fromLocal8Bit(program), arguments);
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-        return {-1, QString(), process.errorString()};
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-}
-
 Outcome convert(const QStringList& arguments)
 {
-    return run(ONDREL_CONVERT, arguments);
+    return runProgram(ONDREL_CONVERT, arguments);
 }
 
 class Convert : public testing::Test
@@ -40,7 +25,7 @@ class Convert : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(run(ONDREL_SCENE, {path("scene.png"), "120", "80"}).status, 0);
+        ASSERT_EQ(runProgram(ONDREL_SCENE, {path("scene.png"), "120", "80"}).status, 0);
         scene = path("scene.png");
     }
 
@@ -273,10 +258,10 @@ TEST_F(Convert, PrintsPlainLinesWhereThereIsNoTerminal)
 
 TEST_F(Convert, ContactSheetsShowPicturesBesideTheHistogram)
 {
-    EXPECT_EQ(run(ONDREL_CONTACT_SHEET, {path("sheet.png"), scene, "One=" + scene, "Two=" + scene}).status, 0);
+    EXPECT_EQ(runProgram(ONDREL_CONTACT_SHEET, {path("sheet.png"), scene, "One=" + scene, "Two=" + scene}).status, 0);
     EXPECT_EQ(sizeOf(path("sheet.png")), QSize(3 * 400 + 16, 330 + 16));
-    EXPECT_EQ(run(ONDREL_CONTACT_SHEET, {path("sheet.png")}).status, 2);
-    EXPECT_EQ(run(ONDREL_CONTACT_SHEET, {path("sheet.png"), scene, "One=" + path("none.png")}).status, 1);
+    EXPECT_EQ(runProgram(ONDREL_CONTACT_SHEET, {path("sheet.png")}).status, 2);
+    EXPECT_EQ(runProgram(ONDREL_CONTACT_SHEET, {path("sheet.png"), scene, "One=" + path("none.png")}).status, 1);
 }
 
 } // namespace
