@@ -2,11 +2,23 @@
 #include "vocabulary.h"
 
 #include <QDomDocument>
+#include <QXmlStreamReader>
 
 #include <algorithm>
 
 namespace
 {
+
+void addTooDeep(Report& report, Position position)
+{
+    addError(report, position, "elements are nested deeper than 256", "three levels are enough");
+}
+
+void addMalformed(Report& report, Position position, const QString& reason)
+{
+    addError(report, position, QStringLiteral("not well-formed: %1").arg(reason),
+             "every tag is closed, and & and < are written as &amp; and &lt;");
+}
 
 // What stands before the root element takes its place.
 void checkProlog(Report& report, const SourceNode& document)
@@ -99,6 +111,27 @@ void checkRoot(Report& report, const SourceNode& root)
         checkList(report, list);
 }
 
+// Entities of a document type can nest elements, too. The library takes such a text only if this reader, whose open
+// elements do not stand on the stack, takes it as well.
+bool isSound(Report& report, const QString& text)
+{
+    QXmlStreamReader reader(text);
+    reader.setNamespaceProcessing(false);
+    int depth = 0;
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        depth += token == QXmlStreamReader::StartElement ? 1 : token == QXmlStreamReader::EndElement ? -1 : 0;
+        if (depth > SourceMap::kMaxDepth) {
+            addTooDeep(report, {int(reader.lineNumber()), int(reader.columnNumber()) + 1});
+            return false;
+        }
+    }
+    if (!reader.hasError())
+        return true;
+    addMalformed(report, {int(reader.lineNumber()), int(reader.columnNumber()) + 1}, reader.errorString());
+    return false;
+}
+
 SourceNode rootOf(const SourceNode& document)
 {
     const std::vector<SourceNode> children = document.children();
@@ -111,17 +144,17 @@ Report lintNodeFile(const QString& text)
 {
     Report report;
     const SourceMap map(text);
-    if (map.tooDeep() >= 0) { // and could overflow the stack of the parser
-        addError(report, map.positionAt(map.tooDeep()), "elements are nested deeper than 256",
-                 "three levels are enough");
+    if (map.tooDeep() >= 0) { // the parser of the document would need the stack for it
+        addTooDeep(report, map.positionAt(map.tooDeep()));
         return report;
     }
+    if (text.contains("<!DOCTYPE") && !isSound(report, text))
+        return report;
     QDomDocument document;
     QString reason;
     Position position;
     if (!document.setContent(text, &reason, &position.line, &position.column)) {
-        addError(report, position, QStringLiteral("not well-formed: %1").arg(reason),
-                 "every tag is closed, and & and < are written as &amp; and &lt;");
+        addMalformed(report, position, reason);
         return report;
     }
     const SourceNode top(document, map, 0);

@@ -2,8 +2,11 @@
 
 #include "programs.h"
 
+#include <ondrel/nodes/xmlnode.h>
+
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -54,9 +57,21 @@ protected:
             EXPECT_EQ(linesOf(outcome.output, files[int(i)]).join('\n').toStdString(),
                       cases[i].lines.join('\n').toStdString())
                 << cases[i].text.toStdString();
+        for (const Case& item : cases)
+            EXPECT_EQ(makesNode(item.text), item.lines.filter(" error: ").isEmpty()) << item.text.toStdString();
     }
 
 private:
+    // Whether the library makes a node from such a file.
+    static bool makesNode(const QByteArray& text)
+    {
+        testing::internal::CaptureStderr();
+        const std::unique_ptr<Ondrel::XmlNode> node(Ondrel::XmlNode::create(QString(text)));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // what was begun
+        testing::internal::GetCapturedStderr();
+        return node != nullptr;
+    }
+
     // The complaints about one file, without its name; hints without what stands before them.
     static QStringList linesOf(const QString& output, const QString& file)
     {
@@ -344,6 +359,20 @@ TEST_F(Nodelint, StopsAtDepthsThatTheLibraryRefuses)
             {nested(30000), {"2:772: error: elements are nested deeper than 256", "three levels are enough"}},
             {nested(256),
              {"2:13: warning: element \"b\" inside of an entry is passed over", "an entry holds text alone"}}});
+}
+
+TEST_F(Nodelint, LooksIntoEntities)
+{
+    const auto withEntity = [](int depth) {
+        return "<!DOCTYPE node [<!ENTITY e '" + QByteArray("<b>").repeated(depth) + QByteArray("</b>").repeated(depth) +
+               "'>]>\n<node><input><f name='a'>&e;</f></input><output/></node>";
+    };
+    const QString hint = "every tag is closed, and & and < are written as &amp; and &lt;";
+    expect({{withEntity(254), {"2:29: error: elements are nested deeper than 256", "three levels are enough"}},
+            {withEntity(253),
+             {"2:28: warning: element \"b\" inside of an entry is passed over", "an entry holds text alone"}},
+            {"<!DOCTYPE node>\n<node><input>&other;</input><output/></node>",
+             {"2:21: error: not well-formed: Entity 'other' not declared.", hint}}});
 }
 
 TEST_F(Nodelint, CountsCharactersAndLines)
