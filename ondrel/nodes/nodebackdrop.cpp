@@ -3,6 +3,7 @@
 #include <ondrel/nodes/nodebackdrop.h>
 #include <ondrel/pixel/gaussianblur.h>
 
+#include <QCache>
 #include <QImage>
 #include <QPainter>
 
@@ -11,11 +12,21 @@ namespace
 
 constexpr int kReach = 17; // of the shadow, beyond what throws it
 constexpr int kPiece = 25; // side of a corner, thickness of an edge
+constexpr int kKeptLengths = 64;
+
+// Two edges that face each other, stretched to one length.
+struct EdgePair {
+    QImage first;
+    QImage second;
+};
 
 struct ShadowImages {
     QImage source;
     QImage topLeft, topRight, bottomLeft, bottomRight;
     QImage left, top, right, bottom; // one pixel long
+    // By length. Many nodes share a few sizes, and stretching takes longer than drawing.
+    QCache<int, EdgePair> upright{kKeptLengths};
+    QCache<int, EdgePair> level{kKeptLengths};
 };
 
 QImage blurredSource()
@@ -56,9 +67,25 @@ void buildShadow(ShadowImages& images)
     images.bottom = images.source.copy(middleX, bottom, 1, kPiece);
 }
 
-void drawStretched(QPainter& painter, const QPointF& position, const QImage& edge, int width, int height)
+QImage stretched(const QImage& edge, int width, int height)
 {
-    painter.drawImage(position, edge.scaled(width, height, Qt::IgnoreAspectRatio, Qt::FastTransformation));
+    return edge.scaled(width, height, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+}
+
+EdgePair uprightEdges(ShadowImages& images, int length)
+{
+    if (!images.upright.contains(length))
+        images.upright.insert(
+            length, new EdgePair{stretched(images.left, kPiece, length), stretched(images.right, kPiece, length)});
+    return *images.upright.object(length);
+}
+
+EdgePair levelEdges(ShadowImages& images, int length)
+{
+    if (!images.level.contains(length))
+        images.level.insert(
+            length, new EdgePair{stretched(images.top, length, kPiece), stretched(images.bottom, length, kPiece)});
+    return *images.level.object(length);
 }
 
 } // namespace
@@ -86,7 +113,7 @@ void NodeBackdrop::setTargetRect(const QRectF& target)
 
 void NodeBackdrop::paint(QPainter* painter, const QStyleOptionGraphicsItem* /*option*/, QWidget* /*widget*/)
 {
-    const ShadowImages& images = shadow();
+    ShadowImages& images = shadow();
     if (images.source.isNull())
         return;
     const qreal right = rect().width() - kPiece;
@@ -97,10 +124,10 @@ void NodeBackdrop::paint(QPainter* painter, const QStyleOptionGraphicsItem* /*op
     painter->drawImage(QPointF(0, bottom), images.bottomLeft);
     painter->drawImage(QPointF(right, bottom), images.bottomRight);
 
-    const int length = int(rect().height()) - 2 * kPiece;
-    const int breadth = int(rect().width()) - 2 * kPiece;
-    drawStretched(*painter, QPointF(0, kPiece), images.left, kPiece, length);
-    drawStretched(*painter, QPointF(kPiece, 0), images.top, breadth, kPiece);
-    drawStretched(*painter, QPointF(right, kPiece), images.right, kPiece, length);
-    drawStretched(*painter, QPointF(kPiece, bottom), images.bottom, breadth, kPiece);
+    const EdgePair upright = uprightEdges(images, int(rect().height()) - 2 * kPiece);
+    const EdgePair level = levelEdges(images, int(rect().width()) - 2 * kPiece);
+    painter->drawImage(QPointF(0, kPiece), upright.first);
+    painter->drawImage(QPointF(kPiece, 0), level.first);
+    painter->drawImage(QPointF(right, kPiece), upright.second);
+    painter->drawImage(QPointF(kPiece, bottom), level.second);
 }
