@@ -133,6 +133,30 @@ void textSeeds(const QString& colors, const QString& values)
     writeText(values + "/words", "nan,infinity,0x10");
 }
 
+void nodeSeeds(const QString& nodes, const QString& orders)
+{
+    writeText(nodes + "/empty.xml", "<node><input/><output/></node>");
+    writeText(nodes + "/controls.xml",
+              "<node><input><i name='source'/><i type='preview'/><i type='label'>Text</i>"
+              "<i name='a' type='slider' mode='double' min='0' max='2.5' value='1.25' postfix=' px' "
+              "groovegradient='black,red'>A</i>"
+              "<i name='b' type='rangeslider' left='10' right='90' bargradient='#fff,#000'>B</i>"
+              "<i name='c' type='combobox' choices='One,--,Two' initial='2'>C</i>"
+              "<i name='d' type='combobox' style='thumbnails' choices='One,Two'>D</i>"
+              "<i name='e' type='color' value='1,2,3,4'>E</i><i name='f' type='colorprofile'>F</i>"
+              "<i name='g' type='resource'/><i name='h' type='hidden'/></input>"
+              "<output><o name='image'>Image</o></output></node>");
+    writeText(nodes + "/fieldsets.xml",
+              "<node><input><i name='m' type='fieldsetcombobox' initial='1'><label>M</label><fieldset choice='Fast'/>"
+              "<fieldset choice='Mask'><f name='mask'>Mask</f><f type='slider'/></fieldset></i></input>"
+              "<output/></node>");
+    writeText(nodes + "/entities.xml",
+              "<!DOCTYPE n [<!ENTITY e '<i type=\"slider\">S</i>'>]><n><input>&e;&e;</input><output/></n>");
+    writeText(nodes + "/malformed.xml", "<node><input><i/><!-- c --><i type='knob'/></input><output/></node>");
+    writeText(orders + "/plain", "0,3,1");
+    writeText(orders + "/others", "007, 4,-1,,4.0,a,18446744073709551615,7");
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -148,6 +172,7 @@ int main(int argc, char** argv)
     tiffSeeds(folder(root, "tiff"));
     iccSeeds(folder(root, "icc"));
     textSeeds(folder(root, "color_text"), folder(root, "xml_text"));
+    nodeSeeds(folder(root, "node_xml"), folder(root, "order_text"));
     Bytes buffer;
     WriteImageBuffer(picture().toPtr(), buffer);
     write(folder(root, "image_buffer") + "/picture", buffer);
