@@ -32,6 +32,13 @@ void fitBehindLabel(QGraphicsProxyWidget* proxy, QWidget& widget, float rowWidth
     widget.setFixedWidth(widgetLength(rowWidth - x));
 }
 
+void setOnlySize(QWidget& widget, float width, float height)
+{
+    const QSize size(widgetLength(width), widgetLength(height));
+    widget.setMinimumSize(size);
+    widget.setMaximumSize(size);
+}
+
 int widgetLength(float length)
 {
     if (!(length > 0.0f)) // not a number, too

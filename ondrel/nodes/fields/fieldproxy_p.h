@@ -22,6 +22,9 @@ void embed(QGraphicsProxyWidget*& proxy, QWidget* widget, QGraphicsItem& field, 
 // Lets the widget fill a row of this width from 4 behind the label column on. Nothing before it is embedded.
 void fitBehindLabel(QGraphicsProxyWidget* proxy, QWidget& widget, float rowWidth, float labelWidth);
 
+// Gives the widget this size and no other. QWidget::setFixedSize() would leave the limits of its proxy as they were.
+void setOnlySize(QWidget& widget, float width, float height);
+
 // Truncated, and limited to what a widget can have.
 int widgetLength(float length);
 

@@ -65,7 +65,7 @@ void IconPushButtonInputField::addedToScene()
 
 void IconPushButtonInputField::sizeChanged(float width, float height, float)
 {
-    m_widget->setFixedSize(widgetLength(width), widgetLength(height));
+    setOnlySize(*m_widget, width, height);
 }
 
 } // namespace Ondrel

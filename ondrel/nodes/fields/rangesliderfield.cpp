@@ -64,7 +64,7 @@ void RangeSliderInputField::addedToScene()
 void RangeSliderInputField::sizeChanged(float width, float height, float)
 {
     if (m_proxy)
-        m_widget->setFixedSize(widgetLength(width), widgetLength(height));
+        setOnlySize(*m_widget, width, height);
 }
 
 void RangeSliderInputField::paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*) {}

@@ -63,7 +63,7 @@ void SliderInputField::addedToScene()
 void SliderInputField::sizeChanged(float width, float height, float)
 {
     if (m_proxy)
-        m_widget->setFixedSize(widgetLength(width), widgetLength(height));
+        setOnlySize(*m_widget, width, height);
 }
 
 void SliderInputField::paint(QPainter*, const QStyleOptionGraphicsItem*, QWidget*) {}
