@@ -29,7 +29,7 @@ FieldBase::FieldBase(QString name, QGraphicsItem* parent, Anchor* anchor, QStrin
     , m_anchor(anchor)
     , m_displayName(std::move(displayName))
 {
-    layout();
+    takeAnchor(FieldBase::minHeight()); // a derived field is not there yet
 }
 
 void FieldBase::setDisplayName(const QString& displayName)
@@ -57,10 +57,15 @@ void FieldBase::setRect(const QRectF& rect)
 
 void FieldBase::layout()
 {
+    takeAnchor(minHeight());
+}
+
+void FieldBase::takeAnchor(float rowHeight)
+{
     if (!m_anchor)
         return;
     m_anchor->setParentItem(this);
-    placeAnchor(*m_anchor, 0, minHeight());
+    placeAnchor(*m_anchor, 0, rowHeight);
 }
 
 QVariant FieldBase::itemChange(GraphicsItemChange change, const QVariant& value)

@@ -55,6 +55,7 @@ public:
     virtual void sizeChanged(float width, float height, float labelWidth);
 
 private:
+    void takeAnchor(float rowHeight);
     void noticeScene();
 
     QString m_name;

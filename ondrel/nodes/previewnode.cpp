@@ -103,7 +103,7 @@ void PreviewNode::paintEmblem(QPainter& painter) const
 // One turn a second by the clock, so that all nodes turn alike and none keeps a state.
 void PreviewNode::paintLoading(QPainter& painter) const
 {
-    const qreal half = kIconSize / 2;
+    const qreal half = kIconSize * 0.5;
     painter.save();
     painter.translate(int(rect().width()) - kIconOffset + half, qreal(headerHeight()) * 0.5);
     painter.rotate(QTime::currentTime().msec() / 1000.0 * 360.0);
