@@ -88,6 +88,9 @@ bool expandedNestedDeeperThan(const QString& xml, int limit)
 
 bool nestedDeeperThan(const QString& xml, int limit)
 {
+    const bool hasEntities = xml.contains(QLatin1String("<!ENTITY"));
+    if (!hasEntities && xml.count(QLatin1Char('<')) <= limit)
+        return false;
     if (xml.contains(QLatin1String("<!DOCTYPE")))
         return expandedNestedDeeperThan(xml, limit);
     return tagsNestedDeeperThan(xml, limit);
