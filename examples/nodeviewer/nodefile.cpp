@@ -46,7 +46,10 @@ void restoreValues(Ondrel::XmlNode& node, const QMap<QString, QVariant>& values)
 {
     for (unsigned long i = 0; i < node.inputFieldCount(); ++i) {
         const auto found = values.constFind(node.inputNameOfFieldByIndex(i));
-        if (found != values.constEnd() && found->userType() == node.inputValue(int(i)).userType())
+        if (found == values.constEnd())
+            continue;
+        const QVariant current = node.inputValue(int(i)); // invalid: a hidden field, or none with a value
+        if (!current.isValid() || current.userType() == found->userType())
             node.setInputValue(i, *found);
     }
 }
