@@ -28,6 +28,7 @@ void addMove(const std::string& name, Operation operation, Operation literal)
     add(name, move, operation, kWidth, kHeight);
     add(name + "/literal", move, literal, kWidth, kHeight);
     add(name + "/floor", mapAndCopy, kWidth, kHeight);
+    add(name + "/small pages mapped and copied", mapSmallPagesAndCopy, kWidth, kHeight);
     add(name + ", odd sides", move, operation, kWidth + 1, kHeight + 3);
     add(name + ", odd sides/floor", mapAndCopy, kWidth + 1, kHeight + 3);
 }

@@ -32,4 +32,7 @@ benchmark::internal::Benchmark* add(const std::string& name, Body body, Argument
 // The floor of an operation that reads and writes every pixel once: the result mapped and filled by a plain copy.
 void mapAndCopy(benchmark::State& state, unsigned int width, unsigned int height);
 
+// The same with a bare mapping of small pages, populated at once, instead of an image.
+void mapSmallPagesAndCopy(benchmark::State& state, unsigned int width, unsigned int height);
+
 } // namespace OndrelBench
