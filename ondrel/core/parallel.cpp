@@ -50,13 +50,65 @@ void runOnThreads(std::size_t count, std::size_t grain, const Body& body)
         thread.join();
 }
 
+// Calls `wait` at the end of the scope, also when an exception passes.
+template <typename Wait>
+class WaitsAtEnd
+{
+public:
+    explicit WaitsAtEnd(Wait wait)
+        : m_wait(wait)
+    {
+    }
+    ~WaitsAtEnd() { m_wait(); }
+    WaitsAtEnd(const WaitsAtEnd&) = delete;
+    WaitsAtEnd& operator=(const WaitsAtEnd&) = delete;
+
+private:
+    Wait m_wait;
+};
+
+using Work = std::function<void()>;
+
+void besideOnTbb(const Work& beside, const Work& own)
+{
+    tbb::task_group_context context(tbb::task_group_context::isolated);
+    tbb::this_task_arena::isolate([&] {
+        tbb::task_group group(context);
+        group.run(beside);
+        const WaitsAtEnd wait([&group] { group.wait(); });
+        own();
+    });
+}
+
+void besideOnThread(const Work& beside, const Work& own)
+{
+    std::thread thread(beside);
+    const WaitsAtEnd wait([&thread] { thread.join(); });
+    own();
+}
+
+std::mt19937 nextOrder()
+{
+    static std::atomic<unsigned int> seed{1};
+    return std::mt19937(seed++);
+}
+
+void besideShuffled(const Work& beside, const Work& own)
+{
+    const bool isLast = nextOrder()() % 2 == 0;
+    if (!isLast)
+        beside();
+    own();
+    if (isLast)
+        beside();
+}
+
 void runShuffled(std::size_t count, std::size_t grain, const Body& body)
 {
     std::vector<std::pair<std::size_t, std::size_t>> ranges;
     for (std::size_t first = 0; first < count; first += grain)
         ranges.emplace_back(first, std::min(first + grain, count));
-    static std::atomic<unsigned int> seed{1};
-    std::shuffle(ranges.begin(), ranges.end(), std::mt19937(seed++));
+    std::shuffle(ranges.begin(), ranges.end(), nextOrder());
     for (const auto& [first, last] : ranges)
         body(first, last);
 }
@@ -85,6 +137,18 @@ void parallelRanges(std::size_t count, std::size_t grain, const Body& body)
         return runOnThreads(count, grain, body);
     case ParallelEngine::Shuffled:
         return runShuffled(count, grain, body);
+    }
+}
+
+void runBeside(const Work& beside, const Work& own)
+{
+    switch (engine.load()) {
+    case ParallelEngine::Tbb:
+        return besideOnTbb(beside, own);
+    case ParallelEngine::Threads:
+        return besideOnThread(beside, own);
+    case ParallelEngine::Shuffled:
+        return besideShuffled(beside, own);
     }
 }
 

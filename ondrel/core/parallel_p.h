@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <functional>
 
-// The one way in which this library spreads a loop over rows or pixels on several threads. Tests swap the engine
-// behind it: plain threads, whose synchronisation a thread checker can see, or pieces in random order on one thread.
+// The one way in which this library spreads work on rows or pixels over several threads. Tests swap the engine behind
+// it: plain threads, whose synchronisation a thread checker can see, or pieces in random order on one thread.
 
 namespace Ondrel
 {
@@ -26,5 +26,10 @@ ONDREL_EXPORT ParallelEngine parallelEngine();
 // 1); ranges may be longer. The body must not throw and must give the same result for every partition.
 ONDREL_EXPORT void parallelRanges(std::size_t count, std::size_t grain,
                                   const std::function<void(std::size_t first, std::size_t last)>& body);
+
+// Runs `beside` on another thread if one is free, while `own` runs on the calling thread, and returns when both have
+// returned. `beside` must not throw, and neither may wait for the other; what `own` throws is passed on. `beside` may
+// call parallelRanges(), in which the calling thread joins when `own` is done.
+ONDREL_EXPORT void runBeside(const std::function<void()>& beside, const std::function<void()>& own);
 
 } // namespace Ondrel

@@ -84,36 +84,65 @@ bool setTags(TIFF* tiff, const TiffPicture& picture, unsigned int compression, c
     return keptArrays(tiff) && set;
 }
 
-// Rows are converted in bands, on all threads, before libtiff takes them one by one. A band stays in the cache.
-constexpr std::size_t kBandBytes = std::size_t{1} << 18;
+// Rows are converted in bands that stay in the cache until libtiff takes them.
+constexpr std::size_t kBandBytes = std::size_t{1} << 19;
 
-// Writes the rows that `fill(y, row)` puts into the row buffer, on any thread, then the directory. A buffer is written
-// once, since libtiff swaps its bytes in place. False on failure; a stopped export is none, and has no directory.
+struct FreeBand {
+    void operator()(unsigned char* band) const noexcept { _TIFFfree(band); }
+};
+using Band = std::unique_ptr<unsigned char, FreeBand>;
+
+Band makeBand(std::size_t size)
+{
+    return Band(static_cast<unsigned char*>(_TIFFmalloc(tmsize_t(size))));
+}
+
+enum class Written { All, Stopped, Failed };
+
+// libtiff swaps the bytes of the band in place, so it is good for one time only.
+Written writeRows(TIFF* tiff, unsigned char* band, std::size_t rowSize, std::size_t first, std::size_t rows,
+                  ExportProgress& progress)
+{
+    for (std::size_t i = 0; i < rows; ++i) {
+        const auto y = static_cast<unsigned int>(first + i);
+        if (TIFFWriteEncodedStrip(tiff, y, band + i * rowSize, tmsize_t(rowSize)) == -1)
+            return Written::Failed;
+        if (!progress.rowWritten(y))
+            return Written::Stopped;
+    }
+    return Written::All;
+}
+
+// Writes the rows that `fill(y, row)` puts into the row buffer, on any thread, then the directory. While libtiff writes
+// one band, the next is filled. False on failure; a stopped export is none, and has no directory.
 template <class Fill>
 bool writePicture(TIFF* tiff, const TiffPicture& picture, ExportProgress& progress, Fill fill)
 {
-    struct FreeBand {
-        void operator()(unsigned char* band) const noexcept { _TIFFfree(band); }
-    };
     const std::size_t rowSize = std::size_t(picture.width) * picture.channels * (picture.bits / 8u);
     const std::size_t bandRows = std::clamp<std::size_t>(kBandBytes / rowSize, 1, picture.height);
-    const std::unique_ptr<unsigned char, FreeBand> band(
-        static_cast<unsigned char*>(_TIFFmalloc(tmsize_t(rowSize * bandRows))));
-    if (!band)
+    Band current = makeBand(rowSize * bandRows), next = makeBand(rowSize * bandRows);
+    if (!current || !next)
         return false;
-    for (std::size_t first = 0; first < picture.height; first += bandRows) {
-        const std::size_t rows = std::min(bandRows, picture.height - first);
-        parallelRanges(rows, 2, [&](std::size_t begin, std::size_t end) {
+    const auto rowsFrom = [&](std::size_t first) { return std::min(bandRows, picture.height - first); };
+    const auto fillBand = [&](std::size_t first, unsigned char* band) {
+        parallelRanges(rowsFrom(first), 2, [&](std::size_t begin, std::size_t end) {
             for (std::size_t i = begin; i < end; ++i)
-                fill(first + i, band.get() + i * rowSize);
+                fill(first + i, band + i * rowSize);
         });
-        for (std::size_t i = 0; i < rows; ++i) {
-            const auto y = static_cast<unsigned int>(first + i);
-            if (TIFFWriteEncodedStrip(tiff, y, band.get() + i * rowSize, tmsize_t(rowSize)) == -1)
-                return false;
-            if (!progress.rowWritten(y))
-                return true;
-        }
+    };
+
+    fillBand(0, current.get());
+    for (std::size_t first = 0; first < picture.height; first += bandRows) {
+        Written written = Written::Failed;
+        runBeside(
+            [&] {
+                if (first + bandRows < picture.height)
+                    fillBand(first + bandRows, next.get());
+            },
+            [&] { written = writeRows(tiff, current.get(), rowSize, first, rowsFrom(first), progress); });
+        if (written != Written::All)
+            return written == Written::Stopped;
+        std::swap(current, next);
     }
     return TIFFWriteDirectory(tiff) == 1;
 }

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <stdexcept>
+#include <thread>
 #include <vector>
 
 namespace
@@ -48,6 +50,34 @@ TEST_P(ParallelRanges, WorkInsideOneAnother)
             Ondrel::parallelRanges(10, 1, [&](std::size_t a, std::size_t b) { sum += int(b - a); });
     });
     EXPECT_EQ(sum.load(), 100);
+}
+
+TEST_P(ParallelRanges, RunBesideTheCallersOwnWork)
+{
+    for (int round = 0; round < 50; ++round) {
+        std::vector<int> visits(100, 0); // no two threads write the same one
+        std::thread::id ownThread;
+        Ondrel::runBeside(
+            [&] {
+                Ondrel::parallelRanges(100, 10, [&](std::size_t first, std::size_t last) {
+                    for (std::size_t i = first; i < last; ++i)
+                        ++visits[i];
+                });
+            },
+            [&] { ownThread = std::this_thread::get_id(); });
+        EXPECT_EQ(visits, std::vector<int>(100, 1));
+        EXPECT_EQ(ownThread, std::this_thread::get_id());
+    }
+}
+
+TEST_P(ParallelRanges, PassOnWhatTheCallersOwnWorkThrows)
+{
+    std::atomic<int> done{0};
+    for (int round = 0; round < 50; ++round)
+        EXPECT_THROW(Ondrel::runBeside([&] { ++done; }, [] { throw std::runtime_error("stop"); }), std::runtime_error);
+    if (GetParam() != ParallelEngine::Shuffled) {
+        EXPECT_EQ(done.load(), 50); // never left running
+    }
 }
 
 #ifdef __SANITIZE_THREAD__
