@@ -9,7 +9,6 @@
 #include <QMutexLocker>
 
 #include <algorithm>
-#include <cstring>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -122,11 +121,13 @@ QImage ColorTransformerPrivate::toManagedQImage(const Ondrel::Image& image, SIMD
                                                 Ondrel::imagePixelFormat(output), m_renderingIntent};
     const auto convert = [&](void* transform, std::size_t first, std::size_t last) {
         Ondrel::forEachPiece(first, last, [&](std::size_t at, std::size_t count) {
-            // Little CMS leaves the fourth channel alone, so the alpha of the copy survives.
+            const std::uint16_t* const samples = image.data + at * 4;
+            if (!transform)
+                return packForDisplay(samples, target.bytes + at * 4, count, level);
             std::uint16_t converted[Ondrel::kConversionPiece * 4];
-            std::memcpy(converted, image.data + at * 4, count * 8);
-            if (transform)
-                cmsDoTransform(transform, image.data + at * 4, converted, static_cast<cmsUInt32Number>(count));
+            for (std::size_t i = 3; i < count * 4; i += 4)
+                converted[i] = samples[i]; // Little CMS leaves the fourth channel alone
+            cmsDoTransform(transform, samples, converted, static_cast<cmsUInt32Number>(count));
             packForDisplay(converted, target.bytes + at * 4, count, level);
         });
     };
