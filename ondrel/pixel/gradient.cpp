@@ -78,8 +78,9 @@ void fillRGB(Image& image, RectT<int> const& rect, Geometry const& geometry, std
         if (twin >= rect.top() && twin < y)
             continue; // written together with that row
         const bool hasTwin = twin > y && twin < rect.bottom();
-        forEachRun(geometry, curve, y, rect.left(), rect.right(), [&](int x, std::size_t count, const float* t) {
-            std::uint16_t* const to = pixelAt(image, std::size_t(x), std::size_t(y));
+        std::uint16_t* const row = pixelAt(image, 0, std::size_t(y));
+        forEachRun(geometry, curve, y, rect.left(), rect.right(), row, [&](int x, std::size_t count, const float* t) {
+            std::uint16_t* const to = row + std::size_t(x) * 4;
             mixPixels(ramp, t, count, to);
             if (hasTwin)
                 std::memcpy(pixelAt(image, std::size_t(x), std::size_t(twin)), to, count * 8);

@@ -46,7 +46,8 @@ struct GradientRadialGeometry {
 //
 // With GradientColorInterpolationLCH lightness, chroma and hue are mixed so in CIE L*a*b*, and alpha as above. Colours
 // are converted by the absolute colorimetric intent with the image's profile, or the display's or else sRGB if that
-// profile is of a Lab space. An image whose profile is unknown, or does not fit RGB samples, is filled with 0 as a
+// profile is of a Lab space. Hues go through sin, cos and atan2 of the C library, whose last bits may depend on the
+// processor; all else does not. An image whose profile is unknown, or does not fit RGB samples, is filled with 0 as a
 // whole, alpha too.
 //
 // Pixels are computed on the calling thread; only the conversion from Lab runs on several. Throws std::bad_alloc

@@ -112,7 +112,7 @@ bool fillLCH(Image& image, RectT<int> const& rect, Geometry const& geometry, std
         for (int y = 0; y < rows; ++y) {
             std::uint16_t* pixels = pixelAt(image, std::size_t(rect.left()), std::size_t(top) + std::size_t(y));
             float* labRow = lab.data() + std::size_t(y) * width * 3;
-            forEachRun(geometry, curve, top + y, rect.left(), rect.right(),
+            forEachRun(geometry, curve, top + y, rect.left(), rect.right(), nullptr,
                        [&](int, std::size_t count, const float* t) {
                            mixLab(ramp, t, count, labRow, pixels);
                            labRow += count * 3;

@@ -2,6 +2,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "ondrel/pixel/gradientrows.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -136,12 +137,17 @@ private:
     bool m_isOrdinary;
 };
 
+constexpr std::size_t kLinePixels = 8; // in a line of the cache
+
 template <typename Places>
-HWY_INLINE void Store(Places const& places, int x, std::size_t count, float* t)
+HWY_INLINE void Store(Places const& places, int x, std::size_t count, float* t, const std::uint16_t* ahead)
 {
     const Floats d;
-    for (std::size_t i = 0; i < count; i += hn::Lanes(d))
+    for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
+        for (std::size_t pixel = i; ahead && pixel < std::min(i + hn::Lanes(d), count); pixel += kLinePixels)
+            hwy::Prefetch(ahead + pixel * 4);
         hn::StoreU(places.at(x + int(i)), d, t + i);
+    }
 }
 
 // Two stops in all lanes.
@@ -206,17 +212,18 @@ void mixOneByOne(Ramp const& ramp, const float* t, std::size_t count, std::uint1
     }
 }
 
-void LinearPositions(LinearAxis const& axis, int x, int y, std::size_t count, float* t)
+void LinearPositions(LinearAxis const& axis, int x, int y, std::size_t count, float* t, const std::uint16_t* ahead)
 {
-    Store(LinearPlaces(axis, y), x, count, t);
+    Store(LinearPlaces(axis, y), x, count, t, ahead);
 }
 
-void RadialPositions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t)
+void RadialPositions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t,
+                     const std::uint16_t* ahead)
 {
     if (ellipse.isOrdinary && ellipse.sine == 0.0f && ellipse.cosine == 1.0f)
-        Store(RadialPlaces<true>(ellipse, y), x, count, t);
+        Store(RadialPlaces<true>(ellipse, y), x, count, t, ahead);
     else
-        Store(RadialPlaces<false>(ellipse, y), x, count, t);
+        Store(RadialPlaces<false>(ellipse, y), x, count, t, ahead);
 }
 
 // Neighbours mostly lie between the same two stops.
@@ -247,14 +254,14 @@ HWY_EXPORT(LinearPositions);
 HWY_EXPORT(RadialPositions);
 HWY_EXPORT(MixPixels);
 
-void positions(LinearAxis const& axis, int x, int y, std::size_t count, float* t)
+void positions(LinearAxis const& axis, int x, int y, std::size_t count, float* t, const std::uint16_t* ahead)
 {
-    HWY_DYNAMIC_DISPATCH(LinearPositions)(axis, x, y, count, t);
+    HWY_DYNAMIC_DISPATCH(LinearPositions)(axis, x, y, count, t, ahead);
 }
 
-void positions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t)
+void positions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t, const std::uint16_t* ahead)
 {
-    HWY_DYNAMIC_DISPATCH(RadialPositions)(ellipse, x, y, count, t);
+    HWY_DYNAMIC_DISPATCH(RadialPositions)(ellipse, x, y, count, t, ahead);
 }
 
 void mixPixels(Ramp const& ramp, const float* t, std::size_t count, std::uint16_t* to)

@@ -27,9 +27,11 @@ struct RadialEllipse {
     bool isOrdinary; // nothing is so large or small that products of offsets leave the range of normal numbers
 };
 
-// Positions from 0 to 1, or not a number, of `count` pixels, at most kRun, from (x, y) on. `t` has room for kRun.
-void positions(LinearAxis const& axis, int x, int y, std::size_t count, float* t);
-void positions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t);
+// Positions from 0 to 1, or not a number, of `count` pixels, at most kRun, from (x, y) on. `t` has room for kRun. The
+// pixels at `ahead`, if not null, are fetched into the cache meanwhile, since the divider is busy but the memory is
+// not.
+void positions(LinearAxis const& axis, int x, int y, std::size_t count, float* t, const std::uint16_t* ahead);
+void positions(RadialEllipse const& ellipse, int x, int y, std::size_t count, float* t, const std::uint16_t* ahead);
 
 // The row that has the same positions as row y, column by column, but for the signs of zeros, which change no colour; a
 // negative number if none is known. That row's twin is y.

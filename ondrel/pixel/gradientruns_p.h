@@ -35,14 +35,16 @@ private:
     std::vector<unsigned short> m_table;
 };
 
-// Calls body(x, count, t) for runs of neighbouring pixels of row y, from `left` to `right`, with their positions.
+// Calls body(x, count, t) for runs of neighbouring pixels of row y, from `left` to `right`, with their positions. `row`
+// is the image's row y if the body writes to it, null otherwise.
 template <typename Geometry, typename Body>
-void forEachRun(Geometry const& geometry, PositionCurve const& curve, int y, int left, int right, Body body)
+void forEachRun(Geometry const& geometry, PositionCurve const& curve, int y, int left, int right,
+                const std::uint16_t* row, Body body)
 {
     float t[kRun];
     for (int x = left; x < right; x += int(kRun)) {
         const std::size_t count = std::min(kRun, std::size_t(right - x));
-        positions(geometry, x, y, count, t);
+        positions(geometry, x, y, count, t, row ? row + std::size_t(x) * 4 : nullptr);
         curve.apply(t, count);
         body(x, count, static_cast<const float*>(t));
     }

@@ -71,5 +71,6 @@ ONDREL_EXPORT QSize CalculateRotateSize(QSize const& size, float angle, RotateSi
 // The picture turned counter-clockwise by an angle in degrees about its middle, on a canvas of CalculateRotateSize,
 // without metadata. Exact quarter and half turns move pixels; every other angle, 0 too, resamples them by Transform. An
 // image without pixels if a side of the canvas is 0, the angle is not finite, or the canvas has 2^30 pixels or more.
+// Sine and cosine of other angles come from the C library, whose last bits may depend on the processor.
 ONDREL_EXPORT Ondrel::Image Rotate(Ondrel::Image const& image, float angle, RotateSize mode,
                                    Ondrel::FilterMethod filter);
