@@ -3,12 +3,15 @@
 #include <ondrel/widgets/labconverter_p.h>
 #include <ondrel/widgets/precisionslider.h>
 #include <ondrel/widgets/radialcolorpickerwidget.h>
+#include <ondrel/widgets/sliderscale_p.h>
 
 #include <QComboBox>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
 
 namespace Ondrel
@@ -26,6 +29,12 @@ unsigned short sample(const PrecisionSlider& slider)
     return static_cast<unsigned short>(slider.valueAsInt64());
 }
 
+// Towards zero. A number beyond all samples, which a slider takes from a program, still has to fit.
+int truncated(double v)
+{
+    return int(std::clamp<int64_t>(truncatedToInt64(v), INT_MIN, INT_MAX));
+}
+
 QString shortText(double v)
 {
     return QString::number(v, 'g', 6);
@@ -40,6 +49,7 @@ ColorPickerWidget::ColorPickerWidget(QWidget* parent, unsigned short red, unsign
     , m_lab(std::make_unique<LabConverter>())
 {
     m_radialPicker->setObjectName(QStringLiteral("radialPicker"));
+    setAccessibleName(tr("Color"));
     m_colorSpaceComboBox = makeColorSpaceComboBox();
     makeSliders();
     arrange(showAlpha);
@@ -81,6 +91,7 @@ QComboBox* ColorPickerWidget::makeColorSpaceComboBox()
 {
     auto* comboBox = new QComboBox(this);
     comboBox->setObjectName(QStringLiteral("colorSpaceComboBox"));
+    comboBox->setAccessibleName(tr("Color space"));
     comboBox->addItems({QStringLiteral("RGB"), QStringLiteral("HSL"), QStringLiteral("CIELab")});
     return comboBox;
 }
@@ -232,10 +243,10 @@ void ColorPickerWidget::hslChanged()
     const Hsl hsl = {m_hueSlider->valueAsDouble(), m_saturationSlider->valueAsDouble(),
                      m_lightnessSlider->valueAsDouble()};
     if (hsl.saturation == 0) {
-        const int grey = int(hsl.lightness * 65535.0);
+        const int grey = truncated(hsl.lightness * 65535.0);
         writeRgb(grey, grey, grey);
     } else {
-        const auto rounded = [](double v) { return int(std::lround(v * 65535.0)); };
+        const auto rounded = [](double v) { return truncated(std::round(v * 65535.0) + 0.5); };
         const Rgb rgb = toRgb(hsl);
         writeRgb(rounded(rgb.red), rounded(rgb.green), rounded(rgb.blue));
     }

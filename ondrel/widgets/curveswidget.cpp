@@ -1,3 +1,4 @@
+#include <ondrel/widgets/accessible_p.h>
 #include <ondrel/widgets/curveknots_p.h>
 #include <ondrel/widgets/curveswidget.h>
 
@@ -15,10 +16,28 @@ CurvesWidget::CurvesWidget(QWidget* parent)
 {
     setFocusPolicy(Qt::ClickFocus);
     setMouseTracking(true);
+    installAccessibility();
     setAccessibleName(tr("Tone curve"));
+    describe();
 }
 
 CurvesWidget::~CurvesWidget() = default;
+
+// The knots of the current channel.
+void CurvesWidget::describe()
+{
+    QStringList knots;
+    for (const CubicBezierSpline::Point& knot : m_curves[m_channel].knots())
+        knots.append(QStringLiteral("(%1, %2)").arg(knot.x).arg(knot.y));
+    setAccessibleDescription(knots.join(QStringLiteral(", ")));
+}
+
+void CurvesWidget::curveChanged()
+{
+    describe();
+    Q_EMIT knotsChanged();
+    update();
+}
 
 void CurvesWidget::setCurves(const Curves& curves)
 {
@@ -26,6 +45,7 @@ void CurvesWidget::setCurves(const Curves& curves)
     m_curves[Red].setKnots(curves.red);
     m_curves[Green].setKnots(curves.green);
     m_curves[Blue].setKnots(curves.blue);
+    describe();
     update();
 }
 
@@ -38,6 +58,7 @@ void CurvesWidget::setChannel(Channel channel)
 {
     m_curves[m_channel].endDrag();
     m_channel = channel;
+    describe();
     measureHistogram();
     update();
 }
@@ -58,8 +79,7 @@ void CurvesWidget::showAllChannelCurves(bool show)
 void CurvesWidget::resetCurrentChannel()
 {
     m_curves[m_channel].reset();
-    Q_EMIT knotsChanged();
-    update();
+    curveChanged();
 }
 
 void CurvesWidget::setImage(const Ondrel::Image& image)
@@ -110,6 +130,7 @@ void CurvesWidget::mousePressEvent(QMouseEvent* event)
     const int taken = m_curves[m_channel].grab(event->localPos(), size());
     moveKnot(event->localPos());
     m_selectedKnot = taken;
+    describe(); // a knot may be there now that has not moved
     update();
 }
 
@@ -130,8 +151,7 @@ void CurvesWidget::moveKnot(const QPointF& pos)
 {
     if (!m_curves[m_channel].drag(pos, size()))
         return;
-    Q_EMIT knotsChanged();
-    update();
+    curveChanged();
 }
 
 void CurvesWidget::deleteSelectedKnot()
@@ -139,8 +159,7 @@ void CurvesWidget::deleteSelectedKnot()
     if (!m_curves[m_channel].remove(m_selectedKnot))
         return;
     m_selectedKnot = -1;
-    Q_EMIT knotsChanged();
-    update();
+    curveChanged();
 }
 
 void CurvesWidget::keyPressEvent(QKeyEvent* event)

@@ -61,6 +61,8 @@ protected:
 private:
     const std::vector<unsigned int>& binsOf(Channel channel) const;
     void measureHistogram();
+    void describe();
+    void curveChanged();
     void drawGrid(QPainter& painter) const;
     void drawCurves(QPainter& painter);
     void drawKnots(QPainter& painter) const;

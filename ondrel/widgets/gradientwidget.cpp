@@ -2,6 +2,7 @@
 #include <ondrel/color/colortransformer.h>
 #include <ondrel/core/color.h>
 #include <ondrel/core/image.h>
+#include <ondrel/widgets/accessible_p.h>
 #include <ondrel/widgets/gradientwidget.h>
 
 #include <QLinearGradient>
@@ -30,6 +31,11 @@ GradientLinearGeometry geometryOf(GradientWidget::Direction direction)
     return {0, 0, 1, 0};
 }
 
+QColor colorOf(const GradientStop& stop)
+{
+    return ColorToQColor(Color(stop.red, stop.green, stop.blue, stop.alpha));
+}
+
 } // namespace
 
 GradientWidget::GradientWidget(QWidget* parent)
@@ -37,7 +43,19 @@ GradientWidget::GradientWidget(QWidget* parent)
 {
     setFocusPolicy(Qt::NoFocus);
     setStyleSheet(QStringLiteral("background-color: rgba(0,0,0,0);"));
+    installAccessibility();
     setAccessibleName(tr("Gradient"));
+    describe();
+}
+
+// The stops, as "0 #ff000000, 1 #ffffffff" with alpha before the colour.
+void GradientWidget::describe()
+{
+    QStringList texts;
+    for (const GradientStop& stop : m_stops)
+        texts.append(QString::number(double(stop.position), 'g', 4) + QLatin1Char(' ') +
+                     colorOf(stop).name(QColor::HexArgb));
+    setAccessibleDescription(texts.join(QStringLiteral(", ")));
 }
 
 void GradientWidget::setDirection(Direction direction)
@@ -62,6 +80,7 @@ void GradientWidget::setStops(const std::vector<GradientStop>& stops)
 {
     m_stops = stops;
     SanitizeGradientStops(m_stops);
+    describe();
     m_cache = QImage();
     update();
 }
@@ -116,7 +135,7 @@ void GradientWidget::paintGradientBar(QPainter& painter, const QRect& rect)
     QLinearGradient gradient(qreal(ends.x1), qreal(ends.y1), qreal(ends.x2), qreal(ends.y2));
     gradient.setCoordinateMode(QGradient::ObjectBoundingMode);
     for (const GradientStop& stop : m_stops)
-        gradient.setColorAt(qreal(stop.position), ColorToQColor(Color(stop.red, stop.green, stop.blue, stop.alpha)));
+        gradient.setColorAt(qreal(stop.position), colorOf(stop));
     painter.setPen(Qt::NoPen);
     painter.setBrush(gradient);
     painter.drawRect(rect);

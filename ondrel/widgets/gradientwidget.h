@@ -36,6 +36,7 @@ protected:
     void paintGradientBar(QPainter& painter, const QRect& rect);
 
 private:
+    void describe();
     bool isTranslucent() const;
     QImage rendered(const QSize& size) const;
 

@@ -1,3 +1,4 @@
+#include <ondrel/widgets/accessible_p.h>
 #include <ondrel/widgets/histogramwidget.h>
 
 #include <QPainter>
@@ -30,9 +31,18 @@ HistogramWidget::HistogramWidget(QWidget* parent)
     , m_workQueue(new BackgroundWorkQueue(this))
 {
     setFocusPolicy(Qt::NoFocus);
+    installAccessibility();
     setAccessibleName(tr("Histogram"));
+    describe();
     connect(m_workQueue, SIGNAL(qImageFinished(QImage, int, QVariant)), this,
             SLOT(histogramBuilt(QImage, int, QVariant)));
+}
+
+// The channel on display.
+void HistogramWidget::describe()
+{
+    const QString names[] = {tr("Red, green and blue"), tr("Red"), tr("Green"), tr("Blue"), tr("Luminosity")};
+    setAccessibleDescription(names[std::clamp(int(m_channel), int(All), int(Luminosity))]);
 }
 
 void HistogramWidget::update(std::shared_ptr<const Ondrel::Image> image)
@@ -85,6 +95,7 @@ void HistogramWidget::setChannel(Channel channel)
     if (channel == m_channel)
         return;
     m_channel = channel;
+    describe();
     calculateHighestValueCount();
     update();
 }

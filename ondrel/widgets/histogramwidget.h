@@ -46,6 +46,7 @@ protected:
     void calculateHighestValueCount();
 
 private:
+    void describe();
     void drawHistogram(QPainter& painter, const QColor& outline, const QColor& fill,
                        const std::vector<unsigned int>& bins);
     double heightOf(unsigned int count) const;

@@ -3,6 +3,7 @@
 #include <ondrel/widgets/iconpushbutton.h>
 
 #include <QDir>
+#include <QFileInfo>
 #include <QIcon>
 #include <QLinearGradient>
 #include <QPainter>
@@ -85,6 +86,7 @@ IconPushButton::IconPushButton(const QString& iconFile, QWidget* parent)
     , m_icons(std::make_unique<Icons>())
 {
     setStyleSheet(QStringLiteral("QPushButton { background-color: rgba(0,0,0,0); width: 22px; height: 22px; }"));
+    setAccessibleName(QFileInfo(iconFile).completeBaseName().replace(QLatin1Char('_'), QLatin1Char(' ')));
     m_icons->plain.load(iconFile, palette().color(QPalette::ButtonText));
 }
 

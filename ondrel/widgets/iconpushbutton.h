@@ -11,7 +11,8 @@ namespace Ondrel
 
 // A button drawn from SVG icons. Where an icon file has "#000000" it takes the palette's button text colour, or a grey
 // when the button is disabled. A file that cannot be opened leaves the button without icon. A name that is no absolute
-// path is looked up in Platform::IconsDirectory().
+// path is looked up in Platform::IconsDirectory(). Its accessible name is that of the file, in words, until another is
+// set.
 class ONDREL_EXPORT IconPushButton : public QPushButton
 {
     Q_OBJECT

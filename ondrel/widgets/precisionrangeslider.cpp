@@ -1,6 +1,6 @@
+#include <ondrel/widgets/accessible_p.h>
 #include <ondrel/widgets/focuseventfilter.h>
 #include <ondrel/widgets/precisionrangeslider.h>
-#include <ondrel/widgets/slideraccessible_p.h>
 #include <ondrel/widgets/sliderscale_p.h>
 #include <ondrel/widgets/widgetfont_p.h>
 
@@ -47,7 +47,7 @@ PrecisionRangeSlider::PrecisionRangeSlider(const QString& name, const QString& m
 {
     qRegisterMetaType<RangeValue>();
     qRegisterMetaType<RangeValue>("RangeValue"); // as moc writes it in the signal
-    installSliderAccessibility();
+    installAccessibility();
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(name);
     if (m_maximum < m_minimum)

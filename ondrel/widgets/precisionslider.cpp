@@ -1,5 +1,5 @@
+#include <ondrel/widgets/accessible_p.h>
 #include <ondrel/widgets/precisionslider.h>
-#include <ondrel/widgets/slideraccessible_p.h>
 #include <ondrel/widgets/slidercolors_p.h>
 #include <ondrel/widgets/sliderscale_p.h>
 #include <ondrel/widgets/stylesheet_p.h>
@@ -58,7 +58,7 @@ PrecisionSlider::PrecisionSlider(const QString& name, const QString& minimum, co
     , m_scale(std::make_unique<SliderScale>())
 {
     qRegisterMetaType<int64_t>("int64_t");
-    installSliderAccessibility();
+    installAccessibility();
     m_scale->integer = mode == Integer;
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(name);

@@ -1,3 +1,4 @@
+#include <ondrel/widgets/accessible_p.h>
 #include <ondrel/widgets/colorwheel_p.h>
 #include <ondrel/widgets/radialcolorpickerwidget.h>
 
@@ -10,6 +11,7 @@ namespace Ondrel
 RadialColorPickerWidget::RadialColorPickerWidget(QWidget* parent)
     : QWidget(parent)
 {
+    installAccessibility();
     setMinimumSize(144, 132);
     setAccessibleName(tr("Hue, saturation and lightness"));
     describe();

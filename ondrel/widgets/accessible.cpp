@@ -1,6 +1,10 @@
+#include <ondrel/widgets/accessible_p.h>
+#include <ondrel/widgets/curveswidget.h>
+#include <ondrel/widgets/gradientwidget.h>
+#include <ondrel/widgets/histogramwidget.h>
 #include <ondrel/widgets/precisionrangeslider.h>
 #include <ondrel/widgets/precisionslider.h>
-#include <ondrel/widgets/slideraccessible_p.h>
+#include <ondrel/widgets/radialcolorpickerwidget.h>
 #include <ondrel/widgets/sliderscale_p.h>
 
 #include <QAccessible>
@@ -66,18 +70,40 @@ public:
     }
 };
 
+// A control whose value is a text, which the control keeps as its description.
+class DescribedAccessible : public QAccessibleWidget
+{
+public:
+    DescribedAccessible(QWidget* widget, QAccessible::Role role)
+        : QAccessibleWidget(widget, role)
+    {
+    }
+    QString text(QAccessible::Text kind) const override
+    {
+        return QAccessibleWidget::text(kind == QAccessible::Value ? QAccessible::Description : kind);
+    }
+};
+
 QAccessibleInterface* makeInterface(const QString&, QObject* object)
 {
     if (auto* slider = qobject_cast<PrecisionSlider*>(object))
         return new PrecisionSliderAccessible(slider); // the cache of QAccessible owns it
     if (auto* slider = qobject_cast<PrecisionRangeSlider*>(object))
         return new PrecisionRangeSliderAccessible(slider);
+    if (auto* picker = qobject_cast<RadialColorPickerWidget*>(object))
+        return new DescribedAccessible(picker, QAccessible::ColorChooser);
+    if (auto* curves = qobject_cast<CurvesWidget*>(object))
+        return new DescribedAccessible(curves, QAccessible::Canvas);
+    if (auto* histogram = qobject_cast<HistogramWidget*>(object))
+        return new DescribedAccessible(histogram, QAccessible::Chart);
+    if (auto* gradient = qobject_cast<GradientWidget*>(object))
+        return new DescribedAccessible(gradient, QAccessible::Graphic);
     return nullptr;
 }
 
 } // namespace
 
-void installSliderAccessibility()
+void installAccessibility()
 {
     static const bool installed = [] {
         QAccessible::installFactory(makeInterface);
