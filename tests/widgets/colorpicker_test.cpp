@@ -1,13 +1,21 @@
 #include "widgetevents.h"
 
+#include <ondrel/color/colormanager.h>
+#include <ondrel/color/colorprofiles.h>
 #include <ondrel/widgets/colorpickerwidget.h>
 #include <ondrel/widgets/precisionslider.h>
 #include <ondrel/widgets/radialcolorpickerwidget.h>
+
+#include <lcms2.h>
 
 #include <QComboBox>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStackedWidget>
+
+#include <array>
+#include <cmath>
+#include <memory>
 
 using namespace Ondrel;
 using namespace OndrelTest;
@@ -162,4 +170,64 @@ TEST(ColorPickerWidget, letsGoOfTheGrabsWhenItIsDeleted)
     picker.reset();
     EXPECT_EQ(QWidget::mouseGrabber(), nullptr);
     key(other);
+}
+
+// The nearest 16-bit samples of the standard formula, which has its halves rounded up.
+TEST(ColorPickerWidget, roundsTheColorsOfHslToSamples)
+{
+    Picker picker;
+    picker.slider("hueSlider").setValue(QStringLiteral("30"));
+    picker.slider("saturationSlider").setValue(QStringLiteral("0.25"));
+    picker.slider("lightnessSlider").setValue(QStringLiteral("0.3"));
+    // chroma 0.15, second 0.075, base 0.225
+    EXPECT_EQ(picker.number("redSlider"), std::round(0.375 * 65535));
+    EXPECT_EQ(picker.number("greenSlider"), std::round(0.3 * 65535));
+    EXPECT_EQ(picker.number("blueSlider"), std::round(0.225 * 65535));
+    picker.slider("hueSlider").setValue(QStringLiteral("400")); // no such sector: the base alone
+    for (const char* name : {"redSlider", "greenSlider", "blueSlider"})
+        EXPECT_EQ(picker.number(name), std::round(0.225 * 65535)) << name;
+}
+
+TEST(ColorPickerWidget, survivesNumbersBeyondAllSamples)
+{
+    Picker picker;
+    for (const char* text : {"1e300", "-1e300", "nan", "9e9"}) {
+        picker.slider("saturationSlider").setValue(QLatin1String(text));
+        picker.slider("lightnessSlider").setValue(QLatin1String(text));
+        picker.slider("hueSlider").setValue(QLatin1String(text));
+    }
+    picker.setColor(Color(1, 2, 3, 4));
+    EXPECT_EQ(picker.number("redSlider"), 1);
+}
+
+TEST(ColorPickerWidget, movesTheLabPageAsLittleCmsConverts)
+{
+    const auto close = [](cmsHPROFILE profile) { cmsCloseProfile(profile); };
+    using Profile = std::unique_ptr<void, decltype(close)>;
+    std::vector<unsigned char> display;
+    ColorManager::displayProfileAsICCProfile(display);
+    const Profile lab(CreateLabColorProfile(), close);
+    const Profile rgb(display.empty() ? Create_sRGBColorProfile()
+                                      : cmsOpenProfileFromMem(display.data(), cmsUInt32Number(display.size())),
+                      close);
+    const auto transform = [&](cmsHPROFILE from, cmsUInt32Number in, cmsHPROFILE to, cmsUInt32Number out,
+                               const std::array<cmsUInt16Number, 3>& pixel) {
+        std::array<cmsUInt16Number, 3> result = {};
+        const auto handle =
+            cmsCreateTransform(from, in, to, out, ColorManager::getDisplayRenderingIntent(), cmsFLAGS_NOCACHE);
+        cmsDoTransform(handle, pixel.data(), result.data(), 1);
+        cmsDeleteTransform(handle);
+        return result;
+    };
+    Picker picker(1000, 40000, 60000);
+    const auto there = transform(rgb.get(), TYPE_RGB_16, lab.get(), TYPE_Lab_16, {1000, 40000, 60000});
+    EXPECT_EQ(picker.number("labLSlider"), there[0]);
+    EXPECT_EQ(picker.number("labASlider"), there[1]);
+    EXPECT_EQ(picker.number("labBSlider"), there[2]);
+
+    picker.slider("labLSlider").setValue(QStringLiteral("45000"));
+    const auto back = transform(lab.get(), TYPE_Lab_16, rgb.get(), TYPE_RGB_16, {45000, there[1], there[2]});
+    EXPECT_EQ(picker.number("redSlider"), back[0]);
+    EXPECT_EQ(picker.number("greenSlider"), back[1]);
+    EXPECT_EQ(picker.number("blueSlider"), back[2]);
 }

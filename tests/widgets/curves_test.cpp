@@ -195,3 +195,62 @@ TEST(CurvesWidget, survivesCurvesAndSizesOfAnyKind)
         }
     }
 }
+
+TEST(CurvesWidget, fillsTheSelectedKnotWhereTheKeysGo)
+{
+    Shown widget;
+    showActive(widget);
+    widget.setCurves(withMiddle());
+    widget.setFocus(Qt::OtherFocusReason);
+    ASSERT_TRUE(widget.hasFocus());
+    press(widget, {100, 10}); // a new knot, off the diagonal
+    release(widget, {100, 10});
+    // Of an outline of 6 pixels the middle shows what is below.
+    const QColor filled = widget.grab().toImage().pixelColor(100, 10);
+    EXPECT_EQ(filled, QColor(Qt::white));
+    widget.clearFocus();
+    EXPECT_NE(widget.grab().toImage().pixelColor(100, 10), filled);
+}
+
+TEST(CurvesWidget, hidesItsKnotsWhenItIsDisabled)
+{
+    Shown widget;
+    const QImage enabled = widget.grab().toImage();
+    widget.setEnabled(false);
+    const QImage disabled = widget.grab().toImage();
+    EXPECT_GT(enabled.pixelColor(2, 319).blue(), 150); // the rim of the first knot, beside the curve
+    EXPECT_LT(disabled.pixelColor(2, 319).blue(), 100);
+}
+
+TEST(CurvesWidget, drawsTheOtherCurvesUnlessToldNotTo)
+{
+    Shown widget;
+    Curves curves = diagonals();
+    curves.green = {{0, 40000}, {65535, 40000}};
+    widget.setCurves(curves);
+    const int y = 320 - int(40000 / 65535.0f * 320); // where the flat curve lies
+    const auto greenAt = [&](const QImage& image) {
+        return std::max(image.pixelColor(10, y).green(), image.pixelColor(10, y - 1).green());
+    };
+    EXPECT_GT(greenAt(widget.grab().toImage()), 100);
+    widget.showAllChannelCurves(false);
+    EXPECT_LE(greenAt(widget.grab().toImage()), 56);
+    widget.setChannel(CurvesWidget::Green);
+    EXPECT_GT(greenAt(widget.grab().toImage()), 100); // the current one is always there
+}
+
+TEST(CurvesWidget, paintsTheHistogramOfItsChannelAsTallAsItsHighestBin)
+{
+    Shown widget;
+    QImage picture(16, 16, QImage::Format_ARGB32);
+    picture.fill(QColor(0, 255, 0));
+    widget.setImage(Image(picture));
+    widget.setChannel(CurvesWidget::Green);
+    // All counts are in the last bin, so the shape is a ramp within the last 320 / 255 pixels.
+    const QColor below(28, 28, 28);
+    EXPECT_EQ(widget.grab().toImage().pixelColor(316, 90), below);
+    EXPECT_NE(widget.grab().toImage().pixelColor(319, 300), below);
+    widget.setChannel(CurvesWidget::Red); // all in the first
+    EXPECT_NE(widget.grab().toImage().pixelColor(0, 300), below);
+    EXPECT_EQ(widget.grab().toImage().pixelColor(4, 90), below);
+}

@@ -81,3 +81,40 @@ TEST(GradientWidget, rendersAgainAfterEachChange)
     widget.resize(1, 1);
     widget.grab();
 }
+
+namespace
+{
+
+struct CountsPaints : GradientWidget {
+    CountsPaints()
+        : GradientWidget(nullptr)
+    {
+    }
+    int paints = 0;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        ++paints;
+        GradientWidget::paintEvent(event);
+    }
+};
+
+} // namespace
+
+TEST(GradientWidget, paintsAgainOnlyForAnotherDirectionOrInterpolation)
+{
+    CountsPaints widget;
+    widget.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&widget));
+    QCoreApplication::processEvents();
+    const int before = widget.paints;
+    widget.setDirection(GradientWidget::LeftToRight);
+    widget.setColorInterpolation(GradientColorInterpolationRGB);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(widget.paints, before);
+    widget.setDirection(GradientWidget::BottomToTop);
+    QTRY_COMPARE(widget.paints, before + 1);
+    widget.setColorInterpolation(GradientColorInterpolationLCH);
+    QTRY_COMPARE(widget.paints, before + 2);
+}

@@ -89,3 +89,38 @@ TEST(HistogramWidget, countsTheRunningAndTheLastOfSeveralImages)
     widget.setChannel(HistogramWidget::Red);
     EXPECT_NE(widget.grab().toImage().pixelColor(98, 45), background);
 }
+
+namespace
+{
+
+// The height of the shape in one column of a count of 300 pixels of 100 and one pixel of 200, of 256.
+int heightAt(const HistogramWidget& widget, int x)
+{
+    const QImage image = const_cast<HistogramWidget&>(widget).grab().toImage();
+    for (int y = 0; y < image.height(); ++y) {
+        if (image.pixelColor(x, y) != background)
+            return image.height() - y;
+    }
+    return 0;
+}
+
+} // namespace
+
+TEST(HistogramWidget, drawsASinglePixelAtTheBottomOfALogarithmicScale)
+{
+    HistogramWidget widget(nullptr);
+    widget.resize(256, 100);
+    QImage picture(301, 1, QImage::Format_ARGB32);
+    picture.fill(QColor(100, 100, 100));
+    picture.setPixelColor(7, 0, QColor(200, 200, 200));
+    QSignalSpy built(&widget, SIGNAL(histogramBuilt()));
+    widget.update(std::make_shared<Image>(picture));
+    ASSERT_TRUE(built.wait()); // the count runs on another thread
+    widget.setChannel(HistogramWidget::Red);
+    EXPECT_GE(heightAt(widget, 100), 98);
+    EXPECT_LE(heightAt(widget, 200), 1); // log2(1) is 0
+    EXPECT_LE(heightAt(widget, 150), 1);
+    widget.setScale(HistogramWidget::Linear);
+    EXPECT_GE(heightAt(widget, 100), 98);
+    EXPECT_LE(heightAt(widget, 200), 2);
+}
