@@ -3,6 +3,7 @@
 #include <ondrel/resources/jpegboundary_p.h>
 #include <ondrel/resources/jpegicc.h>
 #include <ondrel/resources/resourceengine.h>
+#include <ondrel/resources/rowbands_p.h>
 #include <ondrel/resources/samples_p.h>
 
 #include <utility>
@@ -58,15 +59,18 @@ bool writeProfile(JpegWriter& writer, const std::vector<unsigned char>& icc)
 bool writeRows(JpegWriter& writer, const Image& image, ExportProgress& progress)
 {
     const std::size_t samples = std::size_t(image.width) * 4;
-    std::vector<std::uint8_t> row(samples);
-    for (unsigned int y = 0; y < image.height; ++y) {
-        bytesRounded(image.data + y * samples, samples, row.data());
-        if (!jpegStep(writer.errors,
-                      [&writer, bytes = row.data()]() mutable { jpeg_write_scanlines(&writer.jpeg, &bytes, 1); }))
-            return false;
-        if (!progress.rowWritten(y))
-            return true;
-    }
+    const std::size_t bandRows = rowsOfBand(samples, image.height);
+    std::vector<std::uint8_t> bands(samples * bandRows * 2);
+    const auto fill = [&](std::size_t y, unsigned char* row) { bytesRounded(image.data + y * samples, samples, row); };
+    const auto take = [&](std::size_t y, unsigned char* row) {
+        if (!jpegStep(writer.errors, [&writer, row]() mutable { jpeg_write_scanlines(&writer.jpeg, &row, 1); }))
+            return RowsTaken::Failed;
+        return progress.rowWritten(unsigned(y)) ? RowsTaken::All : RowsTaken::Stopped;
+    };
+    const RowsTaken taken =
+        takeRows({bands.data(), bands.data() + samples * bandRows, samples, bandRows}, image.height, fill, take);
+    if (taken != RowsTaken::All)
+        return taken == RowsTaken::Stopped;
     return jpegStep(writer.errors, [&writer] { jpeg_finish_compress(&writer.jpeg); });
 }
 

@@ -1,8 +1,8 @@
 #include <ondrel/color/colormanager.h>
-#include <ondrel/core/parallel_p.h>
 #include <ondrel/resources/decodelimits_p.h>
 #include <ondrel/resources/exportfile_p.h>
 #include <ondrel/resources/resourceengine.h>
+#include <ondrel/resources/rowbands_p.h>
 #include <ondrel/resources/samples_p.h>
 #include <ondrel/resources/tiffmemory_p.h>
 
@@ -84,9 +84,6 @@ bool setTags(TIFF* tiff, const TiffPicture& picture, unsigned int compression, c
     return keptArrays(tiff) && set;
 }
 
-// Rows are converted in bands that stay in the cache until libtiff takes them.
-constexpr std::size_t kBandBytes = std::size_t{1} << 19;
-
 struct FreeBand {
     void operator()(unsigned char* band) const noexcept { _TIFFfree(band); }
 };
@@ -97,54 +94,24 @@ Band makeBand(std::size_t size)
     return Band(static_cast<unsigned char*>(_TIFFmalloc(tmsize_t(size))));
 }
 
-enum class Written { All, Stopped, Failed };
-
-// libtiff swaps the bytes of the band in place, so it is good for one time only.
-Written writeRows(TIFF* tiff, unsigned char* band, std::size_t rowSize, std::size_t first, std::size_t rows,
-                  ExportProgress& progress)
-{
-    for (std::size_t i = 0; i < rows; ++i) {
-        const auto y = static_cast<unsigned int>(first + i);
-        if (TIFFWriteEncodedStrip(tiff, y, band + i * rowSize, tmsize_t(rowSize)) == -1)
-            return Written::Failed;
-        if (!progress.rowWritten(y))
-            return Written::Stopped;
-    }
-    return Written::All;
-}
-
-// Writes the rows that `fill(y, row)` puts into the row buffer, on any thread, then the directory. While libtiff writes
-// one band, the next is filled. False on failure; a stopped export is none, and has no directory.
+// Writes the rows that `fill(y, row)` puts into the row buffer, on any thread, then the directory. libtiff swaps the
+// bytes of a row in place. False on failure; a stopped export is none, and has no directory.
 template <class Fill>
 bool writePicture(TIFF* tiff, const TiffPicture& picture, ExportProgress& progress, Fill fill)
 {
     const std::size_t rowSize = std::size_t(picture.width) * picture.channels * (picture.bits / 8u);
-    const std::size_t bandRows = std::clamp<std::size_t>(kBandBytes / rowSize, 1, picture.height);
-    Band current = makeBand(rowSize * bandRows), next = makeBand(rowSize * bandRows);
-    if (!current || !next)
+    const std::size_t bandRows = rowsOfBand(rowSize, picture.height);
+    const Band first = makeBand(rowSize * bandRows), second = makeBand(rowSize * bandRows);
+    if (!first || !second)
         return false;
-    const auto rowsFrom = [&](std::size_t first) { return std::min(bandRows, picture.height - first); };
-    const auto fillBand = [&](std::size_t first, unsigned char* band) {
-        parallelRanges(rowsFrom(first), 2, [&](std::size_t begin, std::size_t end) {
-            for (std::size_t i = begin; i < end; ++i)
-                fill(first + i, band + i * rowSize);
-        });
-    };
-
-    fillBand(0, current.get());
-    for (std::size_t first = 0; first < picture.height; first += bandRows) {
-        Written written = Written::Failed;
-        runBeside(
-            [&] {
-                if (first + bandRows < picture.height)
-                    fillBand(first + bandRows, next.get());
-            },
-            [&] { written = writeRows(tiff, current.get(), rowSize, first, rowsFrom(first), progress); });
-        if (written != Written::All)
-            return written == Written::Stopped;
-        std::swap(current, next);
-    }
-    return TIFFWriteDirectory(tiff) == 1;
+    const RowsTaken taken = takeRows({first.get(), second.get(), rowSize, bandRows}, picture.height, fill,
+                                     [&](std::size_t y, unsigned char* row) {
+                                         const auto strip = static_cast<unsigned int>(y);
+                                         if (TIFFWriteEncodedStrip(tiff, strip, row, tmsize_t(rowSize)) == -1)
+                                             return RowsTaken::Failed;
+                                         return progress.rowWritten(strip) ? RowsTaken::All : RowsTaken::Stopped;
+                                     });
+    return taken == RowsTaken::All ? TIFFWriteDirectory(tiff) == 1 : taken == RowsTaken::Stopped;
 }
 
 // The colours of a row in 8 bits, without its alpha.
