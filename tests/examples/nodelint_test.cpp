@@ -371,8 +371,10 @@ TEST_F(Nodelint, LooksIntoEntities)
     expect({{withEntity(254), {"2:29: error: elements are nested deeper than 256", "three levels are enough"}},
             {withEntity(253),
              {"2:28: warning: element \"b\" inside of an entry is passed over", "an entry holds text alone"}},
+            {"<!DOCTYPE node [<!ENTITY e 'x'>]>\n<node><input>&other;</input><output/></node>",
+             {"2:21: error: not well-formed: Entity 'other' not declared.", hint}},
             {"<!DOCTYPE node>\n<node><input>&other;</input><output/></node>",
-             {"2:21: error: not well-formed: Entity 'other' not declared.", hint}}});
+             {"2:14: warning: text becomes an input without a name", "put it into an entry, or leave it out"}}});
 }
 
 TEST_F(Nodelint, CountsCharactersAndLines)
