@@ -2,6 +2,7 @@
 #include <ondrel/nodes/nodecolors_p.h>
 #include <ondrel/nodes/nodefont_p.h>
 
+#include <QLinearGradient>
 #include <QPainter>
 #include <QPen>
 #include <QStyleOptionGraphicsItem>
@@ -37,8 +38,12 @@ void Node::paintHeader(QPainter& painter) const
     const int y = int(rect().y());
     const int width = int(rect().width());
 
+    // A gradient although it has one colour: a plain brush blends its soft edges to slightly other values.
+    QLinearGradient gradient(x, y, x, y + height);
+    gradient.setColorAt(0.0, NodeColors::header());
+    gradient.setColorAt(1.0, NodeColors::header());
     // The rectangle squares the lower corners.
-    painter.setBrush(highlighted ? NodeColors::selection() : NodeColors::header());
+    painter.setBrush(highlighted ? QBrush(NodeColors::selection()) : QBrush(gradient));
     painter.drawRoundedRect(QRectF(x, y, width, height - 1), kCornerRadius, kCornerRadius);
     painter.drawRect(x, int(y + height * 0.5), width, int(height * 0.5));
 
