@@ -389,9 +389,9 @@ bool PrecisionRangeSlider::focusBackward()
     }
     if (m_currentEdit == m_leftEdit) {
         focusOutLeft();
+        // The field stays the current one: the key comes once more, from the field's parent, and is to get out too.
         m_leftEdit->clearFocus();
         clearFocus();
-        m_currentEdit = nullptr;
         return false;
     }
     if (m_keyboardArrow == 0) {
@@ -414,6 +414,8 @@ void PrecisionRangeSlider::focusInEvent(QFocusEvent* event)
 {
     bool stays = true;
     if (event->reason() == Qt::TabFocusReason) {
+        if (m_currentEdit && m_currentEdit->isHidden()) // it was left backwards
+            m_currentEdit = nullptr;
         stays = focusNextPrevChild(true);
     } else if (event->reason() == Qt::BacktabFocusReason) {
         stays = focusNextPrevChild(false);
