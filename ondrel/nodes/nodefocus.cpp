@@ -67,7 +67,7 @@ bool moveFocusInside(QGraphicsProxyWidget& proxy, bool next)
         return false;
     widget->setFocus(focusReason(next));
     const QWidget* after = widget->focusWidget();
-    return after && after != before && widget->isAncestorOf(after);
+    return after && after != before && after != widget && widget->isAncestorOf(after); // Qt's own ancestor is itself
 }
 
 } // namespace

@@ -189,11 +189,7 @@ TEST_F(NodeFocus, MovesInsideACompositeControlFirst)
     EXPECT_TRUE(go(false, field));
     EXPECT_EQ(composite->focusWidget(), composite->first);
 
-    // Behind its last part the control itself has its turn, and then the next one.
     composite->second->setFocus();
-    EXPECT_TRUE(go(true, field));
-    EXPECT_EQ(composite->focusWidget(), composite);
-    EXPECT_EQ(graph.scene.focusItem(), field->proxy);
     EXPECT_TRUE(go(true, field));
     EXPECT_EQ(graph.scene.focusItem(), last->proxy);
     EXPECT_TRUE(composite->linkCut);
@@ -210,6 +206,16 @@ TEST_F(NodeFocus, GoesIntoACompositeControlThatHadNoFocusInside)
     ASSERT_EQ(composite->focusWidget(), nullptr);
     EXPECT_TRUE(go(true, field));
     EXPECT_EQ(composite->focusWidget(), composite->first);
+}
+
+TEST_F(NodeFocus, DoesNotStayInAControlThatHasNoPartsToGoTo)
+{
+    WidgetField* const first = add(new QLineEdit);
+    WidgetField* const second = add(new QLineEdit);
+    show();
+    ASSERT_EQ(first->widget->focusWidget(), nullptr) << "it never had the focus";
+    EXPECT_TRUE(go(true, first));
+    EXPECT_EQ(graph.scene.focusItem(), second->proxy);
 }
 
 TEST_F(NodeFocus, FiltersNothingButFocusInEvents)
