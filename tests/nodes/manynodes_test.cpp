@@ -63,6 +63,22 @@ TEST_F(ManyNodes, LiveInOneScene)
         ASSERT_EQ(node->log.take().size(), node == nodes[123] ? 3 : 0);
     EXPECT_EQ(nodes[122]->inputValue(2), QVariant(QString("0")));
     EXPECT_EQ(nodes[124]->inputValue(9), QVariant(QString("One")));
+
+    // The host finds the closest anchor among all.
+    const QPoint target = nodes[321]->inputFields[0]->anchor()->sceneBoundingRect().center().toPoint();
+    TestXml* best = nullptr;
+    float least = 10000;
+    for (TestXml* node : nodes) {
+        Ondrel::Anchor* anchor = nullptr;
+        float distance = 0;
+        node->findClosestAnchor(target, Ondrel::Anchor::Input, nullptr, &anchor, distance);
+        if (anchor && distance < least) {
+            least = distance;
+            best = node;
+        }
+    }
+    EXPECT_EQ(best, nodes[321]);
+    EXPECT_LT(least, 1);
 }
 
 TEST_F(ManyNodes, ShowTheirPreviewsAndMoveTogether)
@@ -105,24 +121,6 @@ TEST_F(ManyNodes, ShowTheirPreviewsAndMoveTogether)
         ASSERT_EQ(nodes[static_cast<std::size_t>(i)]->log.take(), QStringList());
     }
     probe.view.setScene(&probe.scene);
-}
-
-TEST_F(ManyNodes, FindTheClosestAnchorAmongThem)
-{
-    const QPoint target = nodes[321]->inputFields[0]->anchor()->sceneBoundingRect().center().toPoint();
-    TestXml* best = nullptr;
-    float least = 10000;
-    for (TestXml* node : nodes) {
-        Ondrel::Anchor* anchor = nullptr;
-        float distance = 0;
-        node->findClosestAnchor(target, Ondrel::Anchor::Input, nullptr, &anchor, distance);
-        if (anchor && distance < least) {
-            least = distance;
-            best = node;
-        }
-    }
-    EXPECT_EQ(best, nodes[321]);
-    EXPECT_LT(least, 1);
 }
 
 } // namespace
