@@ -33,14 +33,28 @@ QImage expected(const Look& look)
             painter.setBrush(kBody);
             painter.drawRoundedRect(r, 8, 8);
             painter.setFont(headerFont());
-            painter.setBrush(yellow ? kSelection : kDark);
             const int x = static_cast<int>(r.x()), y = static_cast<int>(r.y()), width = static_cast<int>(r.width());
+            const auto overHeader = [&](const QColor& color, std::initializer_list<double> stops) {
+                QLinearGradient gradient(0, r.y(), 0, r.y() + headerHeight);
+                for (const double stop : stops)
+                    gradient.setColorAt(stop, color);
+                return gradient;
+            };
+            if (yellow) {
+                painter.setBrush(kSelection);
+            } else {
+                painter.setPen(QPen(overHeader(QColor(138, 138, 138, 0), {0.0, 0.36, 1.0}), 1, Qt::SolidLine,
+                                    Qt::SquareCap, Qt::BevelJoin));
+                painter.setBrush(overHeader(kDark, {0.0, 1.0}));
+            }
             painter.drawRoundedRect(x, y, width, headerHeight - 1, 8, 8);
             painter.drawRect(x, static_cast<int>(r.y() + headerHeight * 0.5), width,
                              static_cast<int>(headerHeight * 0.5));
             painter.setPen(yellow ? kDark : kLight);
             painter.drawText(QRectF(r.x() + 6, r.y(), r.width() - 12, headerHeight), Qt::AlignVCenter | Qt::AlignLeft,
                              look.header);
+            painter.setPen(QColor(0, 0, 0, 0));
+            painter.drawLine(QPointF(r.x(), r.y() + headerHeight), QPointF(r.right(), r.y() + headerHeight));
             if (look.selected && look.drawSelection) {
                 painter.setBrush(Qt::NoBrush);
                 painter.setPen(QPen(kSelection, 3, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
@@ -80,8 +94,10 @@ void compare(const Look& look)
 
 TEST(NodePaint, LooksTheSameInEveryState)
 {
-    for (int states = 0; states < 16; ++states) {
+    for (int states = 0; states < 32; ++states) {
         Look look;
+        if (states & 16)
+            look.rect = {0, 0, 187.5, 90.5};
         look.firstSelected = states & 1;
         look.drawSelection = states & 2;
         look.selected = states & 4;
