@@ -147,6 +147,8 @@ TEST_F(IconField, FitsItsButtonInBothDirections)
     field->setSize(40.75F, 30.5F, 80);
     EXPECT_EQ(widgetOf<IconPushButton>(*field)->minimumSize(), QSize(40, 30));
     EXPECT_EQ(widgetOf<IconPushButton>(*field)->maximumSize(), QSize(40, 30));
+    EXPECT_EQ(widgetOf<IconPushButton>(*field)->size(), QSize(40, 30));
+    EXPECT_EQ(proxyOf(*field)->size(), QSizeF(40, 30));
     EXPECT_EQ(proxyOf(*field)->pos(), QPointF(0, 0));
 }
 

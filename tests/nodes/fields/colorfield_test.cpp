@@ -64,6 +64,8 @@ TEST(ColorField, FitsItsButtonBehindTheLabelColumn)
     field->setSize(301.75F, 24, 81);
     EXPECT_EQ(proxyOf(*field)->pos(), QPointF(85, 0));
     EXPECT_EQ(button->minimumWidth(), 216) << "216.75 is cut";
+    EXPECT_EQ(button->width(), 216);
+    EXPECT_EQ(proxyOf(*field)->size().width(), 216);
     EXPECT_EQ(button->maximumWidth(), 216);
 }
 

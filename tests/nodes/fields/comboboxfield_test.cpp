@@ -64,6 +64,8 @@ TEST(ComboBoxInputField, FitsItsBoxBehindTheLabelColumn)
     EXPECT_EQ(proxyOf(*shown.field)->pos(), QPointF(84, 0));
     EXPECT_EQ(shown.box->minimumWidth(), 216);
     EXPECT_EQ(shown.box->maximumWidth(), 216);
+    EXPECT_EQ(shown.box->width(), 216);
+    EXPECT_EQ(proxyOf(*shown.field)->size().width(), 216);
 }
 
 TEST(ComboBoxInputField, ListsItsChoicesWithSeparators)

@@ -77,6 +77,11 @@ TEST(SliderInputField, FitsItsSliderInBothDirections)
     shown.field->setSize(210.75F, 33.5F, 90);
     EXPECT_EQ(shown.widget->minimumSize(), QSize(210, 33));
     EXPECT_EQ(shown.widget->maximumSize(), QSize(210, 33));
+    EXPECT_EQ(shown.widget->size(), QSize(210, 33));
+    EXPECT_EQ(proxyOf(*shown.field)->size(), QSizeF(210, 33));
+    shown.field->setSize(180, 28, 90);
+    EXPECT_EQ(shown.widget->size(), QSize(180, 28)) << "it shrinks as well";
+    EXPECT_EQ(proxyOf(*shown.field)->size(), QSizeF(180, 28));
     EXPECT_EQ(proxyOf(*shown.field)->pos(), QPointF(0, 0));
 }
 
@@ -149,6 +154,11 @@ TEST(RangeSliderInputField, FitsItsSliderInBothDirections)
     shown.field->setSize(210.75F, 53.5F, 90);
     EXPECT_EQ(shown.widget->minimumSize(), QSize(210, 53));
     EXPECT_EQ(shown.widget->maximumSize(), QSize(210, 53));
+    EXPECT_EQ(shown.widget->size(), QSize(210, 53));
+    EXPECT_EQ(proxyOf(*shown.field)->size(), QSizeF(210, 53));
+    shown.field->setSize(180, 48, 90);
+    EXPECT_EQ(shown.widget->size(), QSize(180, 48)) << "it shrinks as well";
+    EXPECT_EQ(proxyOf(*shown.field)->size(), QSizeF(180, 48));
 }
 
 TEST(RangeSliderInputField, RaisesOneSignalForEachChange)
