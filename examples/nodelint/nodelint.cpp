@@ -25,7 +25,7 @@ const char* const kHelp =
 QString decoded(Report& report, const QByteArray& bytes)
 {
     const int end = bytes.indexOf('\0');
-    const QString text = QString::fromUtf8(bytes.constData(), end < 0 ? bytes.size() : end);
+    QString text = QString::fromUtf8(bytes.constData(), end < 0 ? bytes.size() : end);
     if (end >= 0)
         addWarning(report, SourceMap(text).positionAt(text.size()), "nothing is read from the zero byte on",
                    "is this a text file?");

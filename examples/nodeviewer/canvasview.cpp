@@ -18,9 +18,10 @@ constexpr int kFineGrid = 20, kCoarseGrid = 100;
 void drawGrid(QPainter& painter, const QRectF& rect, int step, const QColor& color)
 {
     painter.setPen(QPen(color, 0));
-    for (qreal x = std::floor(rect.left() / step) * step; x < rect.right(); x += step)
+    const auto first = [step](qreal edge) { return int(std::floor(edge / step)); };
+    for (int x = first(rect.left()) * step; x < rect.right(); x += step)
         painter.drawLine(QPointF(x, rect.top()), QPointF(x, rect.bottom()));
-    for (qreal y = std::floor(rect.top() / step) * step; y < rect.bottom(); y += step)
+    for (int y = first(rect.top()) * step; y < rect.bottom(); y += step)
         painter.drawLine(QPointF(rect.left(), y), QPointF(rect.right(), y));
 }
 

@@ -20,7 +20,7 @@ QString profileName(const QByteArray& bytes)
     std::copy(bytes.begin(), bytes.end(), hash.begin());
     const auto* const profiles = Ondrel::ColorManager::beginUsingColorProfileMap();
     const auto found = profiles->find(hash);
-    const QString name = found == profiles->end() ? QStringLiteral("unknown profile") : found->second.name;
+    QString name = found == profiles->end() ? QStringLiteral("unknown profile") : found->second.name;
     Ondrel::ColorManager::endUsingColorProfileMap();
     return name;
 }

@@ -102,6 +102,7 @@ void ComboBoxInputField::setRequestedThumbnail(unsigned int index, const std::sh
 std::vector<QVariant> ComboBoxInputField::values() const
 {
     std::vector<QVariant> texts;
+    texts.reserve(std::size_t(m_widget->count()));
     for (int i = 0; i < m_widget->count(); ++i)
         texts.emplace_back(m_widget->itemText(i));
     return texts;

@@ -21,7 +21,8 @@ constexpr unsigned int kLongerSide = 182;
 
 unsigned int scaledSide(unsigned int side, float scale)
 {
-    return std::min(kLongerSide, static_cast<unsigned int>(float(side) * scale + 0.5f));
+    const float rounded = float(side) * scale + 0.5f;
+    return std::min(kLongerSide, static_cast<unsigned int>(rounded));
 }
 
 QImage thumbnailOf(const Image* image, bool noColorManagement, FilterMethod filter)
@@ -98,7 +99,8 @@ void ImagePreviewField::paint(QPainter* painter, const QStyleOptionGraphicsItem*
         m_picture = overCheckerboard(m_image);
     const int width = m_image.width(), height = m_image.height();
     const auto rounded = [](qreal length) { return int(std::lround(length)); };
-    painter->translate((rounded(rect().width()) - width) / 2 + rounded(rect().x()), rounded(rect().y()));
+    const int x = (rounded(rect().width()) - width) / 2 + rounded(rect().x());
+    painter->translate(x, rounded(rect().y()));
     painter->drawImage(QRectF(0, 0, width, height), m_picture);
 
     QPen frame(NodeColors::header());
