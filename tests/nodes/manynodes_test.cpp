@@ -37,6 +37,8 @@ protected:
             node->setHeader(QString("Node %1").arg(i));
             node->setPos(i % kColumns * 250, i / kColumns * 450);
             scene.addItem(node);
+            QApplication::processEvents(); // as in a host; else events pile up by the ten thousand
+            EXPECT_EQ(node->log.take().count("moved"), 2) << "entering, and being polished";
             nodes.push_back(node);
         }
     }
@@ -51,7 +53,7 @@ TEST_F(ManyNodes, LiveInOneScene)
     for (TestXml* node : nodes) {
         ASSERT_EQ(node->inputFieldCount(), 10U);
         ASSERT_EQ(node->rect(), size) << "all are laid out alike";
-        ASSERT_EQ(node->log.take(), QStringList({"moved"}));
+        ASSERT_EQ(node->log.take(), QStringList());
         for (int i = 0; i < 6; ++i)
             ASSERT_EQ(node->inputValue(2 + i), QVariant(QString::number(i)));
         ASSERT_EQ(node->inputValue(8), QVariant(QString("One")));
