@@ -15,6 +15,7 @@ import platform
 import re
 import subprocess
 import sys
+import tempfile
 
 # What Google Benchmark appends to a name by itself.
 SUFFIXES = re.compile(r"/(real_time|process_time|manual_time|iterations:\d+|min_time:[\d.]+|repeats:\d+|threads:\d+)(?=/|$)")
@@ -25,16 +26,19 @@ def run(program, name_filter, repetitions, min_time):
     """Medians of one program: {name: milliseconds}, and the counters {name: {counter: value}}."""
     command = [str(program), f"--benchmark_filter={name_filter}", f"--benchmark_repetitions={repetitions}", f"--benchmark_min_time={min_time}",
                "--benchmark_report_aggregates_only=true", "--benchmark_enable_random_interleaving=true",
-               "--benchmark_format=json"]
+               "--benchmark_out_format=json"]
     print("running", program.name, file=sys.stderr)
-    result = subprocess.run(command, stdout=subprocess.PIPE, env={**os.environ, "QT_QPA_PLATFORM": "offscreen"})
-    text = result.stdout.decode(errors="replace")
-    if result.returncode != 0:
-        sys.exit(f"{program.name} failed with status {result.returncode}")
-    if "{" not in text:
+    with tempfile.TemporaryDirectory() as folder:
+        out = pathlib.Path(folder) / "out.json"  # what the library says goes to the standard output
+        result = subprocess.run(command + [f"--benchmark_out={out}"], stdout=subprocess.DEVNULL,
+                                env={**os.environ, "QT_QPA_PLATFORM": "offscreen"})
+        if result.returncode != 0:
+            sys.exit(f"{program.name} failed with status {result.returncode}")
+        text = out.read_text() if out.exists() else ""
+    if not text.strip():
         return {}  # nothing matches the filter
     found = {}
-    for entry in json.loads(text[text.index("{"):])["benchmarks"]:
+    for entry in json.loads(text)["benchmarks"]:
         if entry.get("aggregate_name") == "median":
             found[SUFFIXES.sub("", entry["run_name"])] = {
                 "ms": entry["real_time"] * UNITS[entry["time_unit"]],

@@ -113,15 +113,15 @@ const bool added = [] {
 } // namespace
 
 BENCHMARK_CAPTURE(resize, quarter, kWidth, kHeight, cv::Size(1500, 1000), cv::INTER_AREA)
-    ->Name("Scale/to 1500x1000/OpenCV area, no alpha")
+    ->Name("Scale/bilinear to 1500x1000/OpenCV area, no alpha")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(resize, thumbnail, kWidth, kHeight, cv::Size(182, 121), cv::INTER_AREA)
-    ->Name("Scale/to 182x121/OpenCV area, no alpha")
+    ->Name("Scale/bilinear to 182x121/OpenCV area, no alpha")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(resize, enlarged, 2000, 1333, cv::Size(3000, 2000), cv::INTER_CUBIC)
-    ->Name("Scale/2000x1333 to 3000x2000/OpenCV cubic, no alpha")
+    ->Name("Scale/bicubic 2000x1333 to 3000x2000/OpenCV cubic, no alpha")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(rotate, clockwise, cv::ROTATE_90_CLOCKWISE)

@@ -121,19 +121,19 @@ BENCHMARK_CAPTURE(gradient, radial, kRadial)
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(smoothScale, quarter, kWidth, kHeight, 1500, 1000)
-    ->Name("Scale/to 1500x1000/Qt smooth")
+    ->Name("Scale/bilinear to 1500x1000/Qt smooth")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(smoothScale, thumbnail, kWidth, kHeight, 182, 121)
-    ->Name("Scale/to 182x121/Qt smooth")
+    ->Name("Scale/bilinear to 182x121/Qt smooth")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(smoothScale, half, kWidth, kHeight, 3000, 2000)
-    ->Name("Scale/to 3000x2000/Qt smooth")
+    ->Name("Scale/bicubic to 3000x2000/Qt smooth")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(smoothScale, enlarged, 2000, 1333, 3000, 2000)
-    ->Name("Scale/2000x1333 to 3000x2000/Qt smooth")
+    ->Name("Scale/bicubic 2000x1333 to 3000x2000/Qt smooth")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(quarterTurn)->Name("Rotate270/Qt")->UseRealTime()->Unit(benchmark::kMillisecond);

@@ -67,14 +67,14 @@ void reduce(benchmark::State& state, unsigned int width, unsigned int height, un
 } // namespace
 
 BENCHMARK_CAPTURE(reduce, quarter, kWidth, kHeight, 1500, 1000, VIPS_KERNEL_LINEAR)
-    ->Name("Scale/to 1500x1000/libvips linear")
+    ->Name("Scale/bilinear to 1500x1000/libvips linear")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(reduce, thumbnail, kWidth, kHeight, 182, 121, VIPS_KERNEL_LINEAR)
-    ->Name("Scale/to 182x121/libvips linear")
+    ->Name("Scale/bilinear to 182x121/libvips linear")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(reduce, half, kWidth, kHeight, 3000, 2000, VIPS_KERNEL_CUBIC)
-    ->Name("Scale/to 3000x2000/libvips cubic")
+    ->Name("Scale/bicubic to 3000x2000/libvips cubic")
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
