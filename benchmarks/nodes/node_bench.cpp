@@ -1,5 +1,7 @@
 // The time to make a node from its text, to lay one out, and to paint one.
 
+#include "benchmarks/nodes/usualnode.h"
+
 #include <ondrel/nodes/xmlnode.h>
 
 #include <benchmark/benchmark.h>
@@ -14,17 +16,6 @@
 namespace
 {
 
-// A preview, six sliders and two combo boxes.
-QString usualNode()
-{
-    QString inputs = "<i name='source'/><i type='preview'/>";
-    for (int i = 0; i < 6; ++i)
-        inputs += QString("<i name='s%1' type='slider' min='0' max='100' value='%1'>Slider %1</i>").arg(i);
-    for (int i = 0; i < 2; ++i)
-        inputs += QString("<i name='c%1' type='combobox' choices='Normal,Multiply,Screen'>Choice %1</i>").arg(i);
-    return "<node><input>" + inputs + "</input><output><o name='image'>Image</o></output></node>";
-}
-
 // Twenty fields: ten anchored inputs and ten with a control.
 QString tallNode()
 {
@@ -36,7 +27,7 @@ QString tallNode()
 
 void createNode(benchmark::State& state)
 {
-    const QString xml = usualNode();
+    const QString xml = OndrelBench::usualNode();
     for (auto _ : state) {
         const std::unique_ptr<Ondrel::XmlNode> node(Ondrel::XmlNode::create(xml));
         benchmark::DoNotOptimize(node.get());
@@ -45,7 +36,7 @@ void createNode(benchmark::State& state)
 
 void createNodeInScene(benchmark::State& state)
 {
-    const QString xml = usualNode();
+    const QString xml = OndrelBench::usualNode();
     QGraphicsScene scene;
     for (auto _ : state) {
         const std::unique_ptr<Ondrel::XmlNode> node(Ondrel::XmlNode::create(xml));

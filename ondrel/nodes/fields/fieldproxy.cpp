@@ -20,6 +20,8 @@ void embed(QGraphicsProxyWidget*& proxy, QWidget* widget, QGraphicsItem& field, 
         return;
     proxy = field.scene()->addWidget(widget);
     proxy->setParentItem(&field);
+    // A frame of hundreds of nodes would render thousands of widgets anew.
+    proxy->setCacheMode(QGraphicsItem::DeviceCoordinateCache);
     proxy->setPos(position);
 }
 
