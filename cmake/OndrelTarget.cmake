@@ -6,6 +6,10 @@ function(ondrel_configure_target target)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   # Contracted multiply-adds round once instead of twice and would change results between processors.
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -ffp-contract=off)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Where GCC 12 puts two neighbouring doubles into one vector, it drops their rounding to float and back.
+    target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize)
+  endif()
   target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
   if(ONDREL_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
