@@ -10,7 +10,9 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <ostream>
 #include <random>
+#include <vector>
 
 namespace
 {
@@ -286,12 +288,15 @@ TEST(TransformSeries, TheThirdCoordinateIsCarriedOn)
 
 TEST(TransformSeries, ThirdCoordinatesCancelExactly)
 {
-    // 1 / w is not a binary fraction, so that dividing early would leave a trace that truncation shows.
-    const Route route{node(matrix(1, 0, 0, 0, 1, 0, 0, 0, 3)), node(matrix(1, 0, 0, 0, 1, 0, 0, 0, 1.0 / 4)),
-                      node(matrix(3, 0, 0, 0, 3, 0, 0, 0, 4))};
-    const TransformSeries thirds = series({route});
-    for (int i = 0; i < 2000; ++i) {
-        ASSERT_EQ(toChild(thirds, QPoint(i, -i)), Points{QPoint(i, -i)});
+    // The second node undoes the first. Between them w is 1 - 2y, by which few coordinates divide without a rest, so
+    // that a division there would leave a trace in the result.
+    const TransformSeries tilted =
+        series({{node(matrix(1, 0, 0, 0, 1, 0, 0, -2, 1)), node(matrix(1, 0, 0, 0, 1, 0, 0, 2, 1))}});
+    for (int x = 1; x <= 60; ++x) {
+        for (int y = 1; y <= 60; ++y) {
+            ASSERT_EQ(toChild(tilted, QPoint(x, y)), Points{QPoint(x, y)});
+            ASSERT_EQ(toBase(tilted, QPointF(x, y)), at(x, y));
+        }
     }
 }
 
@@ -323,6 +328,32 @@ TEST(TransformSeries, ARouteWithoutNodesLeavesPointsWhereTheyAre)
     QTransform transform(2, 0, 0, 2, 0, 0);
     EXPECT_TRUE(none.transformFromBaseToChild(0, transform));
     EXPECT_EQ(transform, QTransform());
+}
+
+TEST(TransformSeries, ARouteWithoutNodesHasNoBaseAndNoArea)
+{
+    const TransformSeries none = series({{}});
+    EXPECT_FALSE(none.empty());
+    EXPECT_EQ(none.baseSize(), QSize(-1, -1));
+    EXPECT_EQ(none.baseInputSizeHint(), QSize(-1, -1));
+    std::vector<QPolygon> polygons;
+    none.calculatePathPolygons(polygons);
+    EXPECT_EQ(polygons, std::vector<QPolygon>{QPolygon()});
+}
+
+TEST(TransformSeries, APointMayBeItsOwnResult)
+{
+    const TransformSeries both = series({{node(moved(1, 0))}, {node(moved(0, 5))}});
+    Points points{QPoint(7, 7)};
+    EXPECT_TRUE(both.mapFromBaseToChild(points.front(), points));
+    EXPECT_EQ(points, (Points{QPoint(8, 7), QPoint(7, 12)}));
+
+    QPointF point(8, 7);
+    EXPECT_TRUE(both.mapFromChildToBase(point, point, nullptr));
+    EXPECT_TRUE(both.mapFromBaseToChildNoClip(1, point, point));
+    EXPECT_TRUE(both.mapFromChildToBaseNoClip(0, point, point));
+    EXPECT_EQ(point.x(), 6);
+    EXPECT_EQ(point.y(), 12);
 }
 
 TEST(TransformSeries, AnIndexBeyondTheRoutesIsRefused)
