@@ -7,8 +7,8 @@
 namespace Ondrel
 {
 
-// The camera RAW decoder that the store calls. While a pointer is null, RAW files are refused: adding one and copying
-// the image of one are false.
+// The camera RAW decoder that the store calls; tests put their own in its place. While a pointer is null, RAW files are
+// refused: adding one and copying the image of one are false.
 struct RawDecoder {
     // As ResourceEngine::ValidatePNG, for a RAW file.
     bool (*validate)(const std::shared_ptr<ResourceEngine::ImageInfo>& info, void** profile);

@@ -180,7 +180,14 @@ public:
     static bool ValidateJPEG(const std::shared_ptr<ImageInfo>& info, void** profile);
     static bool ValidateTIFF(const std::shared_ptr<ImageInfo>& info, void** profile);
     static bool ValidateImage(const std::shared_ptr<ImageInfo>& info, void** profile);
+
+    // The same for a camera RAW file, with its whole description; the size is that after the camera's rotation.
+    // `profile` receives that of the camera, or null (see GetRawColorProfile).
     static bool ValidateRawImage(std::shared_ptr<ImageInfo> info, void** profile);
+
+    // The preview that a RAW file carries: a JPEG, turned upright and in sRGB, or a bitmap of three colours, as it is
+    // and without a profile. False if the file has no preview or one of another kind.
+    static bool ImportRawThumbnail(const QString& fileName, Ondrel::Image& image);
 
     // Decode a file without a resource. JPEG and TIFF come out in sRGB, PNG in its own profile.
     static bool ImportPNG(const QString& fileName, Ondrel::Image& image);
