@@ -1,0 +1,86 @@
+// ondrel-mode: one complete editing mode, a crop frame with eight handles over a picture that stands behind a rotation
+// and a perspective. Exit status: 0 all done, 1 a script could not be played to its end, 2 the command line made no
+// sense.
+
+#include "picture.h"
+#include "script.h"
+#include "window.h"
+
+#include <ondrel/core/platform.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFile>
+#include <QPalette>
+
+#include <cstdio>
+
+namespace
+{
+
+constexpr unsigned int kLongestSide = 1600;
+
+QPalette darkPalette()
+{
+    const QColor text(201, 198, 198);
+    QPalette palette(QColor(62, 61, 61), QColor(50, 49, 49));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(role, text);
+    palette.setColor(QPalette::Base, QColor(28, 28, 28));
+    palette.setColor(QPalette::Highlight, QColor(255, 204, 0));
+    palette.setColor(QPalette::HighlightedText, QColor(50, 47, 47));
+    return palette;
+}
+
+int playScript(Window& window, const QString& file, const QString& folder)
+{
+    QFile script(file);
+    if (!script.open(QIODevice::ReadOnly)) {
+        std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(script.errorString()));
+        return 1;
+    }
+    if (!QDir().mkpath(folder)) {
+        std::fprintf(stderr, "%s: the folder could not be made\n", qUtf8Printable(folder));
+        return 1;
+    }
+    window.setAttribute(Qt::WA_DontShowOnScreen);
+    window.show();
+    QApplication::processEvents();
+    Script player(window, QDir(folder));
+    if (player.run(QString::fromUtf8(script.readAll())))
+        return 0;
+    std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(player.error()));
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    PlatformPrivate::setup(argc, &argv);
+    QApplication application(argc, argv);
+    QCoreApplication::setOrganizationName("Ondrel");
+    QCoreApplication::setApplicationName("ondrel-mode");
+    QCoreApplication::setApplicationVersion("0.1.0");
+    QApplication::setPalette(darkPalette());
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Cuts a rectangle out of a picture that is shown turned and tilted.");
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument("picture", "PNG, JPEG or TIFF; a painted target if there is none.", "[PICTURE]");
+    parser.addOptions({{"script", "Play the events in a file, and stop.", "FILE"},
+                       {"out", "Where the script's pictures go (default: here).", "FOLDER", "."}});
+    if (!parser.parse(QCoreApplication::arguments()) || parser.positionalArguments().size() > 1) {
+        const QString reason = parser.errorText().isEmpty() ? "one picture at a time" : parser.errorText();
+        std::fprintf(stderr, "ondrel-mode: %s\n", qUtf8Printable(reason));
+        return 2;
+    }
+    parser.process(application); // for --help and --version
+    Window window(loadPicture(parser.positionalArguments().value(0), kLongestSide));
+    window.resize(1280, 860);
+    if (parser.isSet("script"))
+        return playScript(window, parser.value("script"), parser.value("out"));
+    window.show();
+    return QApplication::exec();
+}
