@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <ondrel/pixel/gaussianblur_opencl_p.h>
 #include <ondrel/pixel/gaussianblurkernel_p.h>
 
 namespace
@@ -22,6 +23,11 @@ int tapCount(float radius)
 Ondrel::Image GaussianBlur(Ondrel::Image const& image, float radiusX, float radiusY, GaussianEdge edge,
                            Ondrel::RunStatus const& status)
 {
+    if (radiusX == 0 && radiusY == 0)
+        return image;
+    Ondrel::Image result;
+    if (Ondrel::blurOnDevice(image, result, radiusX, radiusY, edge, status))
+        return result;
     return GaussianBlur_CPU(image, radiusX, radiusY, edge, status);
 }
 

@@ -33,9 +33,15 @@ enum class GaussianEdge : unsigned int { Clamp = 0, Blank = 1, Repeat = 2 };
 // a copy with all metadata. A radius above 524288 counts as 524288. An image without pixels, or whose block is smaller
 // than its sides say, is not read: the result is transparent black of its size or, if columns are filtered, empty.
 //
-// If the word of `status` is 1 when the call begins, the result is an empty image. A blur that has begun runs to its
-// end. The rows are shared among all cores. Calls on any number of threads may read the same image. std::bad_alloc
-// is thrown if memory is short.
+// If the word of `status` is 1 when the call begins, the result is an empty image. A blur that has begun on the
+// processor runs to its end. The rows are shared among all cores. Calls on any number of threads may read the same
+// image. std::bad_alloc is thrown if memory is short.
+//
+// GaussianBlur first tries the device of PixelOpenCL, waiting for it if it is in use, and falls back to the processor
+// if that is off or refuses a step. There the word of `status` is looked at after every 16384 pixels of a pass. The
+// device sums in single precision and truncates after each direction, so that its samples are up to 2 below or 1 above
+// those of the processor; and for Repeat it repeats the image once on each side, which suffices while N is not above
+// the size in that direction.
 ONDREL_EXPORT Ondrel::Image GaussianBlur(Ondrel::Image const& image, float radiusX, float radiusY, GaussianEdge edge,
                                          Ondrel::RunStatus const& status);
 

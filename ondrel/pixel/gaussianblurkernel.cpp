@@ -28,6 +28,33 @@ void trim(GaussianKernel& kernel)
     kernel.reach -= zeros;
 }
 
+// The lowered Gaussian, before it is divided by its sum.
+class Shape
+{
+public:
+    explicit Shape(float radiusToZero)
+    {
+        radiusToZero = std::min(radiusToZero, kGreatestRadiusToZero);
+        const double sigma = double(sigmaOf(radiusToZero));
+        reach = std::int64_t(gaussianReach(radiusToZero));
+        m_radius = double(radiusToZero);
+        m_twoVariances = 2 * sigma * sigma;
+        m_tail = std::exp(-m_radius * m_radius / m_twoVariances);
+    }
+
+    // The lower end is not tested: what lies below -R is negative, counts in the sum and is dropped afterwards.
+    double height(std::int64_t i) const
+    {
+        const double position = double(i);
+        return position <= m_radius ? std::exp(-position * position / m_twoVariances) - m_tail : 0;
+    }
+
+    std::int64_t reach;
+
+private:
+    double m_radius, m_twoVariances, m_tail;
+};
+
 } // namespace
 
 float gaussianReach(float radiusToZero)
@@ -37,20 +64,13 @@ float gaussianReach(float radiusToZero)
 
 GaussianKernel gaussianKernel(float radiusToZero)
 {
-    radiusToZero = std::min(radiusToZero, kGreatestRadiusToZero);
-    const double R = double(radiusToZero);
-    const double sigma = double(sigmaOf(radiusToZero));
-    const double twoVariances = 2 * sigma * sigma;
-    const double tail = std::exp(-R * R / twoVariances);
-
+    const Shape shape(radiusToZero);
     GaussianKernel kernel;
-    kernel.reach = std::int64_t(gaussianReach(radiusToZero));
+    kernel.reach = shape.reach;
     kernel.doubled.reserve(std::size_t(2 * kernel.reach + 1));
     double sum = 0;
     for (std::int64_t i = -kernel.reach; i <= kernel.reach; ++i) {
-        const double position = double(i);
-        // The lower end is not tested: what lies below -R is negative, counts in the sum and is dropped afterwards.
-        const double weight = position <= R ? std::exp(-position * position / twoVariances) - tail : 0;
+        const double weight = shape.height(i);
         sum += weight;
         kernel.doubled.push_back(weight);
     }
@@ -58,6 +78,22 @@ GaussianKernel gaussianKernel(float radiusToZero)
         weight = 2 * std::max(weight / sum, 0.0);
     trim(kernel);
     return kernel;
+}
+
+std::vector<float> gaussianWeights(float radiusToZero)
+{
+    const Shape shape(radiusToZero);
+    std::vector<float> weights;
+    weights.reserve(std::size_t(2 * shape.reach + 1));
+    float sum = 0;
+    for (std::int64_t i = -shape.reach; i <= shape.reach; ++i) {
+        const float weight = float(shape.height(i));
+        sum += weight;
+        weights.push_back(weight);
+    }
+    for (float& weight : weights)
+        weight = std::max(weight / sum, 0.0f);
+    return weights;
 }
 
 } // namespace Ondrel

@@ -21,4 +21,8 @@ struct GaussianKernel {
 // For R above 0. R is limited, so that a kernel never takes more than some megabytes.
 GaussianKernel gaussianKernel(float radiusToZero);
 
+// The weights of the positions -N to N in single precision, as devices use them: each difference of exponentials is
+// narrowed, and the sum and the division are done in floats. For R above 0; R is limited in the same way.
+std::vector<float> gaussianWeights(float radiusToZero);
+
 } // namespace Ondrel

@@ -14,16 +14,18 @@ enum class FilterMethod : unsigned int { NearestNeighbor = 0, Bilinear = 1, Bicu
 
 } // namespace Ondrel
 
-// Every function here runs on the calling thread, holds no lock and reads its source and writes its result alone, so
-// calls on different images may run on any number of threads. An image whose block is smaller than its sides say (see
-// Ondrel::Image) counts as one without pixels. No failure is reported but std::bad_alloc.
+// Every function here runs on the calling thread, holds no lock (but for Scale on a device) and reads its source and
+// writes its result alone, so calls on different images may run on any number of threads. An image whose block is
+// smaller than its sides say (see Ondrel::Image) counts as one without pixels. No failure is reported but
+// std::bad_alloc.
 
 // "Nearest Neighbor", "Bilinear" and "Bicubic", compared exactly; any other text gives NearestNeighbor.
 ONDREL_EXPORT Ondrel::FilterMethod InterpolationToFilter(QString const& name);
 
 // The source scaled to width x height pixels. The result carries the colour
 // profile hash of the source and no other metadata. A source of the asked size or without pixels is copied whole, with
-// all metadata; a side of 0 gives an image without pixels. See Scale_CPU for the values.
+// all metadata; a side of 0 gives an image without pixels. See Scale_CPU for the values. Bilinear runs on the device of
+// PixelOpenCL where there is one (see Scale_OpenCL), waiting for it if it is in use, and on the processor otherwise.
 ONDREL_EXPORT Ondrel::Image Scale(Ondrel::Image const& source, unsigned int width, unsigned int height,
                                   Ondrel::FilterMethod filter);
 
