@@ -1,6 +1,7 @@
 // ondrel-convert: the road of an image from a file through the store, a colour profile and some pixel operations to
 // the display and to a file again. Exit status: 0 all done, 1 some file failed, 2 the command line made no sense.
 
+#include "develop.h"
 #include "operations.h"
 #include "options.h"
 #include "profiles.h"
@@ -37,7 +38,13 @@ int listProfiles()
 class Resource
 {
 public:
-    explicit Resource(const QString& file) { ResourceEngine::Get().AddImage(file.toStdString(), m_id); }
+    // What no other reader takes is tried as camera RAW; with `onlyRaw` nothing else is.
+    Resource(const QString& file, bool onlyRaw)
+    {
+        const std::string name = file.toStdString();
+        if (onlyRaw || !ResourceEngine::Get().AddImage(name, m_id))
+            ResourceEngine::Get().AddRawImage(name, m_id);
+    }
     ~Resource()
     {
         if (*this)
@@ -52,11 +59,16 @@ private:
     Ondrel::ResourceId m_id;
 };
 
-int showInfo(const QStringList& files)
+const char* kinds(const Options& options)
+{
+    return options.raw ? "camera RAW" : "PNG, JPEG, TIFF or camera RAW";
+}
+
+int showInfo(const Options& options)
 {
     int status = 0;
-    for (const QString& file : files) {
-        const Resource resource(file);
+    for (const QString& file : options.inputs) {
+        const Resource resource(file, options.raw);
         Ondrel::ImageInfo info;
         std::shared_ptr<const Ondrel::Image> image;
         ResourceEngine::Format format;
@@ -66,13 +78,15 @@ int showInfo(const QStringList& files)
         if (!resource || !store.CopyImageInfo(resource.id(), info) ||
             !store.CopyData(resource.id(), format, data, name) ||
             !store.CopyImage(resource.id(), image, Ondrel::EmbeddedColorProfile, {})) {
-            std::fprintf(stderr, "%s: not a readable PNG, JPEG or TIFF file\n", qUtf8Printable(file));
+            std::fprintf(stderr, "%s: not a readable %s file\n", qUtf8Printable(file), kinds(options));
             status = 1;
             continue;
         }
-        static const char* const formats[] = {"PNG", "JPEG", "TIFF"};
+        static const char* const formats[] = {"PNG", "JPEG", "TIFF", "camera RAW"};
         std::printf("%s: %s, %u x %u, %zu bytes, profile %s\n", qUtf8Printable(file), formats[format], info.width,
                     info.height, data.size(), qUtf8Printable(profileName(image->colorProfile)));
+        if (image->rawHasInfo)
+            std::printf("  %s\n", qUtf8Printable(describeRaw(*image)));
     }
     return status;
 }
@@ -125,20 +139,52 @@ QString outputFor(const QString& input, const Options& options)
         .filePath(info.completeBaseName() + '.' + (options.format.isEmpty() ? info.suffix() : options.format));
 }
 
+// Decodes what the options ask for, in its own profile, which stays registered as long as the resource. Gives the
+// reason of a failure, or an empty text.
+QString decode(const Resource& resource, const Options& options, std::shared_ptr<const Ondrel::Image>& image)
+{
+    if (!ResourceEngine::Get().CopyImage(resource.id(), image, Ondrel::EmbeddedColorProfile, {}))
+        return "could not be decoded";
+    if (!options.develop)
+        return {};
+    auto developed = std::make_shared<Ondrel::Image>();
+    if (!developRaw(*image, *developed))
+        return "its mosaic is of a kind that is not developed here";
+    image = developed;
+    return {};
+}
+
+QString importPreview(const QString& input, std::shared_ptr<const Ondrel::Image>& image)
+{
+    auto preview = std::make_shared<Ondrel::Image>();
+    if (!ResourceEngine::ImportRawThumbnail(input, *preview))
+        return "carries no readable preview";
+    if (preview->colorProfile == Hash{}) // a bitmap does not say; most are meant for sRGB
+        preview->colorProfile = Ondrel::DefaultColorProfileHash;
+    image = preview;
+    return {};
+}
+
 // Gives the reason of a failure, or an empty text.
 QString convert(const QString& input, const QString& output, const Hash& profile, const Options& options,
                 Progress& progress)
 {
-    const Resource resource(input);
+    const Resource resource(input, options.raw);
     if (!resource)
-        return "not a readable PNG, JPEG or TIFF file";
+        return QString("not a readable %1 file").arg(kinds(options));
     progress.stage("into the store, validated, profile registered");
 
     std::shared_ptr<const Ondrel::Image> image;
-    if (!ResourceEngine::Get().CopyImage(resource.id(), image, Ondrel::EmbeddedColorProfile, {}))
-        return "could not be decoded";
-    progress.stage(
-        QString("decoded, %1 x %2, %3").arg(image->width).arg(image->height).arg(profileName(image->colorProfile)));
+    const QString reason = options.preview ? importPreview(input, image) : decode(resource, options, image);
+    if (!reason.isEmpty())
+        return reason;
+    progress.stage(QString("%1, %2 x %3, %4")
+                       .arg(options.preview   ? "preview read"
+                            : options.develop ? "decoded and developed"
+                                              : "decoded")
+                       .arg(image->width)
+                       .arg(image->height)
+                       .arg(profileName(image->colorProfile)));
 
     const bool converts = profile != Ondrel::EmbeddedColorProfile && profile != Ondrel::NoneColorProfile;
     if (converts && Ondrel::ColorManager::copyColorProfileDataByHash(image->colorProfile).empty())
@@ -245,7 +291,7 @@ int main(int argc, char** argv)
     case Options::Mode::ListProfiles:
         return listProfiles();
     case Options::Mode::Info:
-        return showInfo(options.inputs);
+        return showInfo(options);
     case Options::Mode::Convert:
         return convertAll(options);
     }

@@ -158,6 +158,10 @@ bool parseEncoding(const QCommandLineParser& parser, Options& options, QString& 
 
 bool parseFiles(const QCommandLineParser& parser, Options& options, QString& message)
 {
+    if (parser.isSet("develop") && parser.isSet("preview")) {
+        message = "--develop and --preview exclude each other";
+        return false;
+    }
     options.inputs = parser.positionalArguments();
     if (parser.isSet("info")) {
         options.mode = Options::Mode::Info;
@@ -183,7 +187,7 @@ void declare(QCommandLineParser& parser)
     parser.setApplicationDescription("Converts photographs between files, sizes and colour profiles.");
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addPositionalArgument("IN...", "PNG, JPEG or TIFF files");
+    parser.addPositionalArgument("IN...", "PNG, JPEG, TIFF or camera RAW files");
     parser.addPositionalArgument("OUT", "a .png, .jpg or .tif file, or a folder");
     parser.addOptions({
         {"profile", "Convert to this profile: a listed name, an ICC file, \"embedded\" (default) or \"none\".", "P"},
@@ -210,6 +214,9 @@ void declare(QCommandLineParser& parser)
         {"compression", "PNG: 0 to 9 (default 6). TIFF: none, deflate (default), lzw or packbits.", "C"},
         {"no-alpha", "Leave the alpha channel out."},
         {"format", "In a folder: png, jpeg or tiff instead of the input's own.", "F"},
+        {"raw", "Read camera RAW files only. Without it files that are nothing else are tried as RAW."},
+        {"develop", "Develop RAW files: as-shot white balance, mosaic interpolated. Implies --raw."},
+        {"preview", "Take the preview that a RAW file carries instead of its picture. Implies --raw."},
         {"display", "Also render for the display and save that as PNG.", "FILE"},
         {"list-profiles", "List the colour profiles and stop."},
         {"info", "Describe a file and stop.", "FILE"},
@@ -247,6 +254,9 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& messa
     options.alpha = !parser.isSet("no-alpha");
     options.timings = parser.isSet("timings");
     options.quiet = parser.isSet("quiet");
+    options.develop = parser.isSet("develop");
+    options.preview = parser.isSet("preview");
+    options.raw = parser.isSet("raw") || options.develop || options.preview;
     options.format = parser.value("format").toLower();
     options.gamutWarning = parser.isSet("gamut");
     unsigned int filter = unsigned(options.filter), format = 0, edge = 0, mode = RotateSizeBounding, mix = 0;

@@ -66,7 +66,10 @@ struct Options {
     int quality = 90;
     int pngLevel = 6;
     unsigned int tiffCompression = 1;
-    QString display; // where to save the rendering for the display
+    bool raw = false;     // inputs are camera RAW files
+    bool develop = false; // RAW files come out as pictures, not as the mosaic
+    bool preview = false; // RAW files give the preview that they carry
+    QString display;      // where to save the rendering for the display
     bool timings = false;
     bool quiet = false;
 };
