@@ -72,8 +72,8 @@ PixelOpenCL::~PixelOpenCL()
     context() = nullptr;
 }
 
-// A driver that was loaded after this object was made ends before it. The device is therefore given up by a handler
-// that is set after the driver has been loaded, and so runs before the driver's end.
+// A driver that was loaded after this object was made ends before it, and so do the compilers that drivers load for
+// their first program. The device is therefore given up by a handler that is set after a build, and so runs before.
 void PixelOpenCL::releaseAtExit()
 {
     static const int registered = std::atexit([] {
@@ -113,6 +113,7 @@ bool PixelOpenCL::setDevice(unsigned int platform, unsigned int number)
         return false;
     }
     build();
+    releaseAtExit();
     enabled = true;
     return true;
 }
@@ -125,7 +126,6 @@ bool PixelOpenCL::openDevice(unsigned int platform, unsigned int number)
     const std::vector<cl::Device> devices = devicesOf(platforms[platform]);
     if (number >= devices.size())
         return false;
-    releaseAtExit();
     device = devices[number];
     cl_int error = CL_SUCCESS;
     const cl_device_id handle = device();

@@ -63,7 +63,9 @@ public:
     // What a token calls when it is dropped; not to be called otherwise.
     static void endWork(void* token);
 
-    // Gives the device up and turns OpenCL off. The second form is for those who hold the mutex, that is a token.
+    // Gives the device up and turns OpenCL off. The second form is for those who hold the mutex, that is a token. A
+    // device that is still held when the process ends is released then; some drivers do not bear that, and a host does
+    // well to call disable() before it leaves main().
     void disable();
     void disableWhileHaveLock();
 
