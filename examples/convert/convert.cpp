@@ -2,6 +2,7 @@
 // the display and to a file again. Exit status: 0 all done, 1 some file failed, 2 the command line made no sense.
 
 #include "develop.h"
+#include "devices.h"
 #include "operations.h"
 #include "options.h"
 #include "profiles.h"
@@ -10,6 +11,7 @@
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colorprofiles.h>
 #include <ondrel/color/colortransformer.h>
+#include <ondrel/pixel/opencl.h>
 #include <ondrel/resources/resourceengine.h>
 #include <ondrel/work/backgroundworkqueue.h>
 
@@ -244,7 +246,8 @@ bool canProof(const Options& options)
 int convertAll(const Options& options)
 {
     Hash profile;
-    if (!knowsProfile(options.profile, profile) || !canProof(options))
+    if (!knowsProfile(options.profile, profile) || !canProof(options) ||
+        (options.opencl && !chooseDevice(options.device)))
         return 2;
     if (options.outputIsFolder && !QDir().mkpath(options.output)) {
         std::fprintf(stderr, "ondrel-convert: cannot make the folder %s\n", qUtf8Printable(options.output));
@@ -290,10 +293,14 @@ int main(int argc, char** argv)
         return 0;
     case Options::Mode::ListProfiles:
         return listProfiles();
+    case Options::Mode::ListDevices:
+        return listDevices();
     case Options::Mode::Info:
         return showInfo(options);
     case Options::Mode::Convert:
-        return convertAll(options);
+        const int status = convertAll(options);
+        PixelOpenCL::instance()->disable();
+        return status;
     }
     return 0;
 }

@@ -1,5 +1,7 @@
 #include "options.h"
 
+#include "devices.h"
+
 #include <ondrel/color/colorprofiles.h>
 
 #include <QCommandLineParser>
@@ -220,6 +222,8 @@ void declare(QCommandLineParser& parser)
         {"display", "Also render for the display and save that as PNG.", "FILE"},
         {"list-profiles", "List the colour profiles and stop."},
         {"info", "Describe a file and stop.", "FILE"},
+        {"opencl", "Blur and scale (bilinear) on OpenCL device P:D or, without it, on the first one.", "P:D"},
+        {"list-devices", "List the OpenCL devices and stop."},
         {"timings", "Print one line a stage with its time."},
         {"quiet", "Print errors only."},
     });
@@ -231,7 +235,7 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& messa
 {
     QCommandLineParser parser;
     declare(parser);
-    if (!parser.parse(arguments)) {
+    if (!parser.parse(withDeviceValue(arguments))) {
         message = parser.errorText();
         return false;
     }
@@ -249,6 +253,12 @@ bool parseOptions(const QStringList& arguments, Options& options, QString& messa
         options.mode = Options::Mode::ListProfiles;
         return true;
     }
+    if (parser.isSet("list-devices")) {
+        options.mode = Options::Mode::ListDevices;
+        return true;
+    }
+    options.opencl = parser.isSet("opencl");
+    options.device = parser.value("opencl");
     options.display = parser.value("display");
     options.profile = parser.value("profile");
     options.alpha = !parser.isSet("no-alpha");

@@ -46,7 +46,7 @@ struct ProofFor { // a profile as --profile names it
 using Operation = std::variant<ScaleTo, CropTo, RotateBy, BlurBy, MoveCorners, GradientOver, WhiteBalance, ProofFor>;
 
 struct Options {
-    enum class Mode { Convert, ListProfiles, Info, Help, Version };
+    enum class Mode { Convert, ListProfiles, ListDevices, Info, Help, Version };
     Mode mode = Mode::Convert;
     QStringList inputs;
     QString output; // a file, or a folder for several inputs
@@ -70,6 +70,8 @@ struct Options {
     bool develop = false; // RAW files come out as pictures, not as the mosaic
     bool preview = false; // RAW files give the preview that they carry
     QString display;      // where to save the rendering for the display
+    bool opencl = false;
+    QString device; // "P:D" for OpenCL, or empty for the first one
     bool timings = false;
     bool quiet = false;
 };
