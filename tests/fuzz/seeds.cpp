@@ -1,5 +1,7 @@
 // ondrel_fuzz_seeds DIR: writes small honest inputs of every kind into DIR/<target>/, for the fuzzer to start from.
 
+#include "tests/support/dngfile.h"
+
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colorprofiles.h>
 #include <ondrel/resources/imagebuffer.h>
@@ -109,6 +111,27 @@ void tiffSeeds(const QString& path)
         }
 }
 
+void rawSeeds(const QString& path)
+{
+    using OndrelTest::DngFile;
+    constexpr DngFile::Kind kinds[] = {DngFile::Kind::Bayer, DngFile::Kind::XTrans, DngFile::Kind::Monochrome,
+                                       DngFile::Kind::Linear};
+    for (const DngFile::Kind kind : kinds)
+        for (const int orientation : {1, 3, 6, 8}) {
+            DngFile file;
+            file.kind = kind;
+            file.width = 24; // LibRaw refuses sides below 22
+            file.height = 22;
+            file.orientation = static_cast<unsigned short>(orientation);
+            file.black = 256;
+            file.white = 4095;
+            file.samples.resize(24 * 22 * (kind == DngFile::Kind::Linear ? 3 : 1));
+            for (std::size_t i = 0; i < file.samples.size(); ++i)
+                file.samples[i] = static_cast<std::uint16_t>(i * 2654435761u >> 20 & 4095);
+            write(path + QString("/%1_%2.dng").arg(int(kind)).arg(orientation), file.bytes());
+        }
+}
+
 void iccSeeds(const QString& path)
 {
     void* const profiles[] = {Ondrel::Create_sRGBColorProfile(), Ondrel::CreateLinearProPhotoRGBColorProfile(),
@@ -170,6 +193,7 @@ int main(int argc, char** argv)
     pngSeeds(folder(root, "png"));
     jpegSeeds(folder(root, "jpeg"));
     tiffSeeds(folder(root, "tiff"));
+    rawSeeds(folder(root, "raw"));
     iccSeeds(folder(root, "icc"));
     textSeeds(folder(root, "color_text"), folder(root, "xml_text"));
     nodeSeeds(folder(root, "node_xml"), folder(root, "order_text"));
