@@ -12,3 +12,5 @@ find_package(hwy REQUIRED CONFIG)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(LCMS2 REQUIRED IMPORTED_TARGET GLOBAL lcms2>=2.9)
 pkg_check_modules(LIBRAW REQUIRED IMPORTED_TARGET GLOBAL libraw_r>=0.20)
+# OpenMP is LibRaw's own affair: by its flag clang would link a second runtime, which it may not have.
+set_property(TARGET PkgConfig::LIBRAW PROPERTY INTERFACE_LINK_OPTIONS "")
