@@ -1,0 +1,143 @@
+#include "editcommand.h"
+
+#include "document.h"
+#include "values.h"
+
+namespace Host
+{
+namespace
+{
+
+template <class Records, class Pairs>
+void findChanges(const Records& before, const Records& after, Pairs& pairs)
+{
+    for (const auto& [id, record] : before) {
+        const auto now = after.find(id);
+        if (now == after.end())
+            pairs[id] = {record, std::nullopt};
+        else if (!(now->second == record))
+            pairs[id] = {record, now->second};
+    }
+    for (const auto& [id, record] : after) {
+        if (before.count(id) == 0)
+            pairs[id] = {std::nullopt, record};
+    }
+}
+
+template <class Pairs, class Records>
+void applyPairs(const Pairs& pairs, Records& records, bool forwards)
+{
+    for (const auto& [id, pair] : pairs) {
+        const auto& wanted = forwards ? pair.after : pair.before;
+        if (wanted)
+            records[id] = *wanted;
+        else
+            records.erase(id);
+    }
+}
+
+template <class Pairs>
+void appendPairs(Pairs& pairs, const Pairs& later)
+{
+    for (const auto& [id, pair] : later) {
+        const auto [known, isNew] = pairs.try_emplace(id, pair);
+        if (!isNew)
+            known->second.after = pair.after;
+    }
+}
+
+std::size_t bytesOf(const std::optional<NodeRecord>& record)
+{
+    return record ? sizeof(NodeRecord) + valueToJson(QVariant(record->values)).dump().size() : 0;
+}
+
+} // namespace
+
+GraphChange GraphChange::between(const Graph& before, const Graph& after)
+{
+    GraphChange change;
+    findChanges(before.nodes, after.nodes, change.nodes);
+    findChanges(before.frames, after.frames, change.frames);
+    if (before.connections != after.connections)
+        change.connections = {before.connections, after.connections};
+    return change;
+}
+
+bool GraphChange::empty() const
+{
+    return nodes.empty() && frames.empty() && !connections;
+}
+
+void GraphChange::apply(Graph& graph, bool forwards) const
+{
+    applyPairs(nodes, graph.nodes, forwards);
+    applyPairs(frames, graph.frames, forwards);
+    if (connections)
+        graph.connections = forwards ? connections->second : connections->first;
+}
+
+void GraphChange::append(const GraphChange& later)
+{
+    appendPairs(nodes, later.nodes);
+    appendPairs(frames, later.frames);
+    if (later.connections)
+        connections = {connections ? connections->first : later.connections->first, later.connections->second};
+}
+
+std::size_t GraphChange::bytes() const
+{
+    std::size_t sum = sizeof(*this) + frames.size() * 2 * sizeof(FrameRecord);
+    for (const auto& [id, pair] : nodes)
+        sum += bytesOf(pair.before) + bytesOf(pair.after);
+    if (connections)
+        sum += (connections->first.size() + connections->second.size()) * sizeof(Connection);
+    return sum;
+}
+
+EditCommand::EditCommand(Document& document, const QString& text, const GraphChange& change, const QString& mergeKey)
+    : MemoryAwareUndoCommand(text)
+    , m_document(&document)
+    , m_change(change)
+    , m_mergeKey(mergeKey)
+{
+}
+
+int EditCommand::id() const
+{
+    return m_mergeKey.isEmpty() ? -1 : 1;
+}
+
+bool EditCommand::mergeWith(const Ondrel::MemoryAwareUndoCommand* other)
+{
+    const auto* const later = qobject_cast<const EditCommand*>(other);
+    if (!later || later->m_mergeKey != m_mergeKey)
+        return false;
+    m_change.append(later->m_change);
+    return true;
+}
+
+std::size_t EditCommand::memoryUsage() const
+{
+    return sizeof(*this) + m_change.bytes();
+}
+
+void EditCommand::performUndo()
+{
+    apply(false);
+}
+
+void EditCommand::performRedo()
+{
+    apply(true);
+}
+
+void EditCommand::apply(bool forwards)
+{
+    if (!m_document)
+        return;
+    Graph graph = m_document->graph();
+    m_change.apply(graph, forwards);
+    m_document->transition(graph);
+}
+
+} // namespace Host

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "graph.h"
+
+#include <ondrel/core/runstatus.h>
+
+#include <ondrel/nodes/transformgraph.h>
+
+#include <functional>
+#include <memory>
+
+namespace Host
+{
+
+class ResultCache;
+
+// What is wanted of a graph. With an empty output, the node's first output; for a node without outputs, such as a
+// histogram, its first input.
+struct Target {
+    NodeId node = 0;
+    QString output;
+    double scale = 1;
+};
+
+struct Outcome {
+    Picture picture;
+    QHash<NodeId, QString> errors; // of all nodes on the way that could not do their work
+    bool cancelled = false;
+};
+
+// Called from worker threads, several at once, when a node begins and ends to be computed. Not called for results from
+// the cache.
+struct Progress {
+    std::function<void(NodeId)> begin;
+    std::function<void(NodeId)> end;
+};
+
+// Computes a target on the calling thread and TBB's workers, independent nodes beside each other. Results are kept
+// under a key of all that they depend on (kinds, values, resources, scale), so that only what has changed is computed
+// again, and what is equal in two places of a graph is computed once. A bypassed node hands the picture of its first
+// input to its outputs. The same graph gives the same bytes at any number of threads.
+//
+// Blocks; not for the user-interface thread (asserted in debug builds). Any number of threads may evaluate at once with
+// one cache.
+Outcome evaluate(const Graph& graph, const NodeTypes& types, const Target& target, ResultCache& cache,
+                 const Ondrel::RunStatus& status, const Progress& progress = {});
+
+// The size of a node's picture at full size, without computing it; empty if that is unknown.
+QSize fullSize(const Graph& graph, const NodeTypes& types, const Target& target);
+
+// The relations between the nodes' pictures, for modes.
+TransformGraph transformGraph(const Graph& graph, const NodeTypes& types);
+
+} // namespace Host

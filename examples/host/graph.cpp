@@ -1,0 +1,153 @@
+#include "graph.h"
+
+#include "values.h"
+
+#include <algorithm>
+#include <set>
+
+namespace Host
+{
+namespace
+{
+
+bool sameValues(const QVariantMap& a, const QVariantMap& b)
+{
+    if (a.keys() != b.keys())
+        return false;
+    for (auto entry = a.begin(); entry != a.end(); ++entry) {
+        if (!sameValue(entry.value(), b.value(entry.key())))
+            return false;
+    }
+    return true;
+}
+
+QString displayOf(const QString& dataType)
+{
+    return dataType.isEmpty() ? QString("nothing") : QString("a %1").arg(dataType);
+}
+
+} // namespace
+
+bool NodeRecord::operator==(const NodeRecord& other) const
+{
+    return id == other.id && type == other.type && name == other.name && position == other.position &&
+           bypassed == other.bypassed && unread == other.unread && sameValues(values, other.values);
+}
+
+bool Connection::operator==(const Connection& other) const
+{
+    return from == other.from && output == other.output && to == other.to && input == other.input;
+}
+
+bool FrameRecord::operator==(const FrameRecord& other) const
+{
+    return id == other.id && title == other.title && area == other.area;
+}
+
+const NodeRecord* Graph::node(NodeId id) const
+{
+    const auto found = nodes.find(id);
+    return found == nodes.end() ? nullptr : &found->second;
+}
+
+const NodeRecord* Graph::nodeByName(const QString& name) const
+{
+    for (const auto& [id, record] : nodes) {
+        if (record.name == name)
+            return &record;
+    }
+    return nullptr;
+}
+
+const Connection* Graph::into(NodeId id, const QString& input) const
+{
+    for (const Connection& connection : connections) {
+        if (connection.to == id && connection.input == input)
+            return &connection;
+    }
+    return nullptr;
+}
+
+std::vector<Connection> Graph::touching(NodeId id) const
+{
+    std::vector<Connection> result;
+    for (const Connection& connection : connections) {
+        if (connection.from == id || connection.to == id)
+            result.push_back(connection);
+    }
+    return result;
+}
+
+bool Graph::operator==(const Graph& other) const
+{
+    return nodes == other.nodes && connections == other.connections && frames == other.frames;
+}
+
+QVariantMap completeValues(const NodeRecord& node, const NodeType& type)
+{
+    QVariantMap values = type.defaults();
+    for (auto entry = node.values.begin(); entry != node.values.end(); ++entry)
+        values.insert(entry.key(), entry.value());
+    return values;
+}
+
+QString whyNotConnect(const Graph& graph, const NodeTypes& types, const Connection& connection)
+{
+    const NodeRecord* const from = graph.node(connection.from);
+    const NodeRecord* const to = graph.node(connection.to);
+    if (!from || !to)
+        return "One of the nodes does not exist.";
+    const NodeType* const fromType = types.find(from->type);
+    const NodeType* const toType = types.find(to->type);
+    if (!fromType || !toType)
+        return QString("The kind of \"%1\" is not known here.").arg(fromType ? to->name : from->name);
+    const OutputInfo* const output = fromType->output(connection.output);
+    const InputInfo* const input = toType->input(connection.input);
+    if (!output)
+        return QString("\"%1\" has no output \"%2\".").arg(from->name, connection.output);
+    if (!input || input->dataType.isEmpty())
+        return QString("\"%1\" has no input \"%2\" to connect to.").arg(to->name, connection.input);
+    if (input->dataType != output->dataType)
+        return QString("\"%1\" of \"%2\" takes %3, and \"%4\" gives %5.")
+            .arg(input->label, to->name, displayOf(input->dataType), from->name, displayOf(output->dataType));
+    const std::vector<NodeId> behind = dependencies(graph, connection.from);
+    if (std::find(behind.begin(), behind.end(), connection.to) != behind.end())
+        return QString("\"%1\" would depend on itself.").arg(to->name);
+    return QString();
+}
+
+std::vector<NodeId> dependencies(const Graph& graph, NodeId node)
+{
+    // A stack of its own: a chain may be longer than the thread's stack is deep.
+    struct Step {
+        NodeId node;
+        bool leaving;
+    };
+    std::set<NodeId> seen;
+    std::vector<NodeId> order;
+    std::vector<Step> stack{{node, false}};
+    while (!stack.empty()) {
+        const Step step = stack.back();
+        stack.pop_back();
+        if (step.leaving) {
+            order.push_back(step.node);
+        } else if (seen.insert(step.node).second) {
+            stack.push_back({step.node, true});
+            for (const Connection& connection : graph.connections) {
+                if (connection.to == step.node)
+                    stack.push_back({connection.from, false});
+            }
+        }
+    }
+    return order;
+}
+
+QString uniqueName(const Graph& graph, const QString& wanted)
+{
+    QString name = wanted;
+    for (int number = 2; graph.nodeByName(name); ++number)
+        name = QString("%1 %2").arg(wanted).arg(number);
+    return name;
+}
+
+} // namespace Host

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QVariant>
+
+#include <nlohmann/json.hpp>
+
+namespace Host
+{
+
+// The values of inputs as JSON, in one form for each type, with numbers of 64 bits as text and binary floating point as
+// the shortest decimal that reads back the same:
+//
+//   null; true; "text"; {"int": "-5"}; {"uint": "5"}; {"double": "0.25"}; {"color": "65535,0,0,65535"};
+//   {"range": ["20", "80"]}; {"bytes": "00ff"}; {"resource": "7"}; {"point": ["1.5", "2"]};
+//   {"list": [...]}; {"map": {...}}
+//
+// A resource is written as the handle that it has in this process; a project replaces it.
+nlohmann::ordered_json valueToJson(const QVariant& value);
+
+// False if the JSON has no such form, or a number does not fit. `value` is then unchanged.
+bool valueFromJson(const nlohmann::ordered_json& json, QVariant& value);
+
+// Whether two values are the same, for every form above. QVariant itself compares the library's types by address.
+bool sameValue(const QVariant& a, const QVariant& b);
+
+// Reads a value as a person types it, for an input that has a value of the given kind ("slider", "color" and so on);
+// false if the text makes no sense for it. A number needs to be one, but not within its limits.
+bool valueFromText(const QString& text, const QString& kind, const QStringList& choices, QVariant& value);
+
+} // namespace Host
