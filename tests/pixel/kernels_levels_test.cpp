@@ -105,17 +105,22 @@ TEST_F(KernelsLevels, BlackBelowTheValueIsZeroAndWhiteIsLimited)
     EXPECT_EQ(out[7], 0);
 }
 
-// Colours that are not numbers (the power of what is negative) are undefined; the rest of the pixel and its neighbours
-// are not.
-TEST_F(KernelsLevels, NegativeBasesLeaveAlphaAndOtherChannelsAlone)
+// What is negative has no power, and what is no number is black, as is what ends below 0.
+TEST_F(KernelsLevels, ColoursBelowZeroAndWithoutAPowerAreBlack)
 {
-    Levels l;
-    l.channelOffset[0] = -2;
     const Samples in = randomSamples(33 * 29 * 4, 8);
-    const Samples out = onDevice(l, in);
-    for (std::size_t i = 0; i < in.size(); ++i) {
-        if (i % 4 != 0) {
-            ASSERT_NEAR(out[i], in[i], i % 4 == 3 ? 0 : 1);
+    for (const bool early : {true, false}) {
+        Levels l;
+        (early ? l.channelOffset[0] : l.offset) = -2;
+        const Samples out = onDevice(l, in);
+        for (std::size_t i = 0; i < in.size(); ++i) {
+            if (i % 4 == 3) {
+                ASSERT_EQ(out[i], in[i]);
+            } else if (i % 4 == 0 || !early) {
+                ASSERT_EQ(out[i], 0);
+            } else {
+                ASSERT_NEAR(out[i], in[i], 1);
+            }
         }
     }
 }

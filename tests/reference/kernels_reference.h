@@ -35,7 +35,7 @@ struct Levels {
     float gamma = 1, channelGamma[3] = {1, 1, 1};
 };
 
-// For results that are numbers and not below 0: nothing else is defined.
+// Results below 0 are 0, and so are those that are no number, as the power of what is negative.
 void levels(const Levels& levels, unsigned int pixelCount, const Sample* in, Sample* out);
 
 // a3 to j3 for the radii 1 to 10; any radius here.

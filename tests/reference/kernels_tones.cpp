@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace OndrelReference
 {
@@ -17,6 +18,12 @@ int softThreshold(int d, int threshold)
     return d < 0 ? std::min(d + threshold, 0) : 0;
 }
 
+// The power of a number that is not negative; what is negative has none.
+float power(float base, float exponent)
+{
+    return base < 0.0f ? std::numeric_limits<float>::quiet_NaN() : std::pow(base, exponent);
+}
+
 } // namespace
 
 void levels(const Levels& levels, unsigned int pixelCount, const Sample* in, Sample* out)
@@ -26,13 +33,13 @@ void levels(const Levels& levels, unsigned int pixelCount, const Sample* in, Sam
             float v = float(in[c]) * (1.0f / 65535.0f);
             v = std::max(0.0f, v - levels.black[c]);
             v *= levels.inputGain[c];
-            v = std::pow(v, levels.channelGamma[c]);
+            v = power(v, levels.channelGamma[c]);
             v *= levels.channelGain[c];
             v += levels.channelOffset[c];
-            v = std::pow(v, levels.gamma);
+            v = power(v, levels.gamma);
             v *= levels.gain;
             v += levels.offset;
-            out[c] = Sample(std::min(v * 65535.0f, 65535.0f));
+            out[c] = v > 0.0f ? Sample(std::min(v * 65535.0f, 65535.0f)) : Sample(0);
         }
         out[3] = in[3];
     }
