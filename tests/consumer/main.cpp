@@ -5,6 +5,7 @@
 #include <ondrel/core/image.h>
 #include <ondrel/core/platform.h>
 #include <ondrel/core/xml.h>
+#include <ondrel/pixel/opencl.h>
 #include <ondrel/pixel/scale.h>
 #include <ondrel/resources/resourceengine.h>
 #include <ondrel/widgets/precisionslider.h>
@@ -32,7 +33,12 @@ int main(int argc, char** argv)
     Ondrel::ResourceId id;
     const bool stored = ResourceEngine::Get().AddImageBuffer(half, id);
     const BackgroundWorkQueue queue(nullptr);
-    const bool ok = stored && data && slider.valueAsInt64() == 5 && shown.width() == 20 &&
+    // The bindings in the header call the OpenCL loader themselves.
+    cl::Context context;
+    cl::Program program;
+    cl::Device device;
+    const bool openclIsOff = !PixelOpenCL::beginWork(context, program, device) && !context();
+    const bool ok = openclIsOff && stored && data && slider.valueAsInt64() == 5 && shown.width() == 20 &&
                     shown.pixel(3, 3) == 0xFFFF0000u && !queue.isWorking() &&
                     Ondrel::AttributeAsGradient(QDomNode(), "none").isEmpty() &&
                     !Ondrel::ColorManager::copyColorProfileDataByHash(image.colorProfile).empty();
