@@ -38,7 +38,7 @@ cl::Program makeProgram(cl::Context const& context)
         lengths[i] = sources[i].size();
     }
     cl_int error = CL_SUCCESS;
-    const cl_program program =
+    cl_program program =
         clCreateProgramWithSource(context(), static_cast<cl_uint>(texts.size()), texts.data(), lengths.data(), &error);
     return cl::Program(error == CL_SUCCESS ? program : nullptr);
 }
@@ -128,8 +128,8 @@ bool PixelOpenCL::openDevice(unsigned int platform, unsigned int number)
         return false;
     device = devices[number];
     cl_int error = CL_SUCCESS;
-    const cl_device_id handle = device();
-    const cl_context made = clCreateContext(nullptr, 1, &handle, nullptr, nullptr, &error);
+    cl_device_id handle = device();
+    cl_context made = clCreateContext(nullptr, 1, &handle, nullptr, nullptr, &error);
     context = cl::Context(error == CL_SUCCESS ? made : nullptr);
     if (!context())
         return false;
@@ -139,7 +139,7 @@ bool PixelOpenCL::openDevice(unsigned int platform, unsigned int number)
 
 void PixelOpenCL::build()
 {
-    const cl_device_id handle = device();
+    cl_device_id handle = device();
     // A program that did not build has no kernels, which is what the operations look at.
     clBuildProgram(program(), 1, &handle, "-cl-mad-enable", nullptr, nullptr);
     const std::string log = buildLog(program(), handle);

@@ -6,14 +6,14 @@ namespace Ondrel
 cl::Kernel openCLKernel(OpenCLWork const& work, const char* name)
 {
     cl_int error = CL_SUCCESS;
-    const cl_kernel kernel = clCreateKernel(work.program(), name, &error);
+    cl_kernel kernel = clCreateKernel(work.program(), name, &error);
     return cl::Kernel(error == CL_SUCCESS ? kernel : nullptr);
 }
 
 cl::Buffer openCLBuffer(OpenCLWork const& work, cl_mem_flags flags, std::size_t bytes, void* host)
 {
     cl_int error = CL_SUCCESS;
-    const cl_mem buffer = clCreateBuffer(work.context(), flags, bytes, host, &error);
+    cl_mem buffer = clCreateBuffer(work.context(), flags, bytes, host, &error);
     return cl::Buffer(error == CL_SUCCESS ? buffer : nullptr);
 }
 
