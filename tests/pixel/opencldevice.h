@@ -114,10 +114,10 @@ class DeviceWork
 {
 public:
     DeviceWork()
-        : token_(PixelOpenCL::beginWork(context_, program_, device_))
-        , queue_(context_, device_)
     {
+        token_ = PixelOpenCL::beginWork(context_, program_, device_);
         EXPECT_TRUE(token_) << kNoDevice;
+        queue_ = cl::CommandQueue(context_, device_);
     }
 
     cl::CommandQueue& queue() { return queue_; }
@@ -169,10 +169,10 @@ private:
         EXPECT_EQ(kernel.setArg(index, value), CL_SUCCESS) << "argument " << index;
     }
 
+    std::unique_ptr<void, void (*)(void*)> token_{nullptr, [](void*) {}};
     cl::Context context_;
     cl::Program program_;
     cl::Device device_;
-    std::unique_ptr<void, void (*)(void*)> token_;
     cl::CommandQueue queue_;
 };
 
