@@ -19,11 +19,11 @@
 #include <memory>
 #include <vector>
 
-class Node;
 namespace Ondrel
 {
 class ModeInterface;
-}
+class Node;
+} // namespace Ondrel
 
 namespace Host
 {
@@ -104,7 +104,7 @@ public:
 
     // The scene item, which the caller owns; null for the usual one, an Ondrel::XmlNode of the node file.
     // User-interface thread only.
-    virtual Node* createItem(const QString& nodeFileText) const
+    virtual Ondrel::Node* createItem(const QString& nodeFileText) const
     {
         Q_UNUSED(nodeFileText)
         return nullptr;
