@@ -1,0 +1,28 @@
+#pragma once
+
+#include "../../host/plugininterface.h"
+
+// The nodes of the plug-in, one function each.
+namespace Essentials
+{
+
+template <class Behaviour>
+Host::NodeEntry entryOf(const QString& nodeName)
+{
+    Host::NodeEntry entry;
+    entry.nodeName = nodeName;
+    entry.behaviour = std::make_shared<const Behaviour>();
+    return entry;
+}
+
+Host::NodeEntry colourProfileNode();
+Host::NodeEntry cropNode();
+Host::NodeEntry gaussianBlurNode();
+Host::NodeEntry imageNode();
+Host::NodeEntry mergeNode();
+Host::NodeEntry mirrorNode();
+Host::NodeEntry outputNode();
+Host::NodeEntry resizeNode();
+Host::NodeEntry rotateNode();
+
+} // namespace Essentials
