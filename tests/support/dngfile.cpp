@@ -59,14 +59,18 @@ public:
         m_entries.back().count /= 2;
     }
 
-    // Everything but the strip, whose place goes into the entry of StripOffsets.
-    Bytes bytes() const
+    std::size_t size() const
     {
-        const std::size_t fixed = 8 + 2 + m_entries.size() * 12 + 4;
-        std::size_t end = fixed;
+        std::size_t size = fixedSize();
         for (const Entry& entry : m_entries)
-            end += extra(entry);
-        Bytes head = {'I', 'I', 42, 0, 8, 0, 0, 0}, tail;
+            size += extra(entry);
+        return size;
+    }
+
+    // Everything but the strip: the directory stands at `place`, its strip at `strip`, the next directory at `next`.
+    Bytes bytes(std::size_t place, std::size_t strip, std::size_t next) const
+    {
+        Bytes head, tail;
         put(head, std::uint32_t(m_entries.size()), 2);
         for (const Entry& entry : m_entries) {
             put(head, entry.tag, 2);
@@ -74,16 +78,16 @@ public:
             put(head, entry.count, 4);
             Bytes data = entry.data;
             if (entry.tag == kStripOffsets)
-                put(data = {}, std::uint32_t(end), 4);
+                put(data = {}, std::uint32_t(strip), 4);
             data.resize(std::max<std::size_t>(4, (data.size() + 1) & ~std::size_t(1)));
             if (data.size() > 4) {
-                put(head, std::uint32_t(fixed + tail.size()), 4);
+                put(head, std::uint32_t(place + fixedSize() + tail.size()), 4);
                 tail.insert(tail.end(), data.begin(), data.end());
             } else {
                 head.insert(head.end(), data.begin(), data.end());
             }
         }
-        put(head, 0, 4);
+        put(head, std::uint32_t(next), 4);
         head.insert(head.end(), tail.begin(), tail.end());
         return head;
     }
@@ -97,6 +101,8 @@ private:
         std::uint32_t count;
         Bytes data;
     };
+
+    std::size_t fixedSize() const { return 2 + m_entries.size() * 12 + 4; }
 
     static std::size_t extra(const Entry& entry)
     {
@@ -117,6 +123,68 @@ void addPattern(const DngFile& file, Directory& directory)
     directory.add(33422, Byte, pattern);       // CFAPattern
 }
 
+Directory previewDirectory(const DngFile& file)
+{
+    const bool isJpeg = file.preview == DngFile::Preview::Jpeg;
+    Directory directory;
+    directory.add(254, Long, {1});
+    directory.add(256, Long, {file.previewWidth});
+    directory.add(257, Long, {file.previewHeight});
+    directory.add(258, Short, std::vector<std::uint32_t>(file.previewChannels, 8));
+    directory.add(259, Short, {isJpeg ? 7u : 1u});
+    directory.add(262, Short, {isJpeg ? 6u : file.previewChannels == 1 ? 1u : 2u});
+    directory.add(Directory::kStripOffsets, Long, {0});
+    directory.add(277, Short, {file.previewChannels});
+    directory.add(278, Long, {file.previewHeight});
+    directory.add(279, Long, {std::uint32_t(file.previewData.size())});
+    directory.add(284, Short, {1});
+    return directory;
+}
+
+Directory mainDirectory(const DngFile& file)
+{
+    using Kind = DngFile::Kind;
+    const bool isMosaic = file.kind == Kind::Bayer || file.kind == Kind::XTrans;
+    const std::uint32_t channels = file.kind == Kind::Linear ? 3 : 1;
+    Directory directory;
+    directory.add(254, Long, {0});
+    directory.add(256, Long, {file.width});
+    directory.add(257, Long, {file.height});
+    directory.add(258, Short, std::vector<std::uint32_t>(channels, 16));
+    directory.add(259, Short, {1});
+    directory.add(262, Short, {isMosaic ? 32803u : 34892u});
+    directory.addText(271, "Testcam");
+    directory.addText(272, "Synthetic");
+    directory.add(Directory::kStripOffsets, Long, {0});
+    directory.add(274, Short, {file.orientation});
+    directory.add(277, Short, {channels});
+    directory.add(278, Long, {file.height});
+    directory.add(279, Long, {std::uint32_t(file.samples.size() * 2)});
+    directory.add(284, Short, {1});
+    if (isMosaic)
+        addPattern(file, directory);
+    directory.add(50706, Byte, {1, 4, 0, 0});
+    directory.add(50707, Byte, {1, 1, 0, 0});
+    directory.addText(50708, "Testcam Synthetic");
+    if (isMosaic) {
+        directory.add(50710, Byte, {0, 1, 2});
+        directory.add(50711, Short, {1});
+    }
+    if (!file.table.empty())
+        directory.add(50712, Short, {file.table.begin(), file.table.end()});
+    if (!file.blacks.empty())
+        directory.add(50713, Short, {2, 2});
+    directory.add(50714, Long, file.blacks.empty() ? std::vector<std::uint32_t>(channels, file.black) : file.blacks);
+    directory.add(50717, Long, std::vector<std::uint32_t>(channels, file.white));
+    if (file.kind != Kind::Monochrome) {
+        if (file.hasMatrix)
+            directory.addNumbers(50721, SignedRational, file.matrix);
+        directory.addNumbers(50728, Rational, file.neutral);
+    }
+    directory.add(50778, Short, {21});
+    return directory;
+}
+
 } // namespace
 
 unsigned int DngFile::colorAt(std::uint32_t x, std::uint32_t y) const
@@ -130,45 +198,21 @@ unsigned int DngFile::colorAt(std::uint32_t x, std::uint32_t y) const
 
 std::vector<unsigned char> DngFile::bytes() const
 {
-    const bool isMosaic = kind == Kind::Bayer || kind == Kind::XTrans;
-    const std::uint32_t channels = kind == Kind::Linear ? 3 : 1;
-    Directory directory;
-    directory.add(254, Long, {0});
-    directory.add(256, Long, {width});
-    directory.add(257, Long, {height});
-    directory.add(258, Short, std::vector<std::uint32_t>(channels, 16));
-    directory.add(259, Short, {1});
-    directory.add(262, Short, {isMosaic ? 32803u : 34892u});
-    directory.addText(271, "Testcam");
-    directory.addText(272, "Synthetic");
-    directory.add(Directory::kStripOffsets, Long, {0});
-    directory.add(274, Short, {orientation});
-    directory.add(277, Short, {channels});
-    directory.add(278, Long, {height});
-    directory.add(279, Long, {std::uint32_t(samples.size() * 2)});
-    directory.add(284, Short, {1});
-    if (isMosaic)
-        addPattern(*this, directory);
-    directory.add(50706, Byte, {1, 4, 0, 0});
-    directory.add(50707, Byte, {1, 1, 0, 0});
-    directory.addText(50708, "Testcam Synthetic");
-    if (isMosaic) {
-        directory.add(50710, Byte, {0, 1, 2});
-        directory.add(50711, Short, {1});
-    }
-    if (!table.empty())
-        directory.add(50712, Short, {table.begin(), table.end()});
-    directory.add(50714, Long, std::vector<std::uint32_t>(channels, black));
-    directory.add(50717, Long, std::vector<std::uint32_t>(channels, white));
-    if (kind != Kind::Monochrome) {
-        directory.addNumbers(50721, SignedRational, matrix);
-        directory.addNumbers(50728, Rational, neutral);
-    }
-    directory.add(50778, Short, {21});
-    Bytes file = directory.bytes();
-    file.reserve(file.size() + samples.size() * 2);
+    constexpr std::size_t kHeader = 8;
+    const Directory first = mainDirectory(*this), second = previewDirectory(*this);
+    const bool hasPreview = preview != Preview::None;
+    const std::size_t previewPlace = kHeader + first.size();
+    const std::size_t strip = previewPlace + (hasPreview ? second.size() : 0);
+    const std::size_t previewStrip = strip + samples.size() * 2;
+    Bytes file = {'I', 'I', 42, 0, 8, 0, 0, 0};
+    const auto append = [&file](const Bytes& more) { file.insert(file.end(), more.begin(), more.end()); };
+    append(first.bytes(kHeader, strip, hasPreview ? previewPlace : 0));
+    if (hasPreview)
+        append(second.bytes(previewPlace, previewStrip, 0));
+    file.reserve(previewStrip + previewData.size());
     for (const std::uint16_t sample : samples)
         put(file, sample, 2);
+    append(previewData);
     return file;
 }
 
