@@ -6,12 +6,12 @@
 
 #include "evaluation.h"
 
+#include "blocking.h"
 #include "resultcache.h"
 #include "values.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
-#include <QThread>
 
 #include <deque>
 #include <exception>
@@ -21,12 +21,6 @@ namespace Host
 {
 namespace
 {
-
-void assertWorkerThread()
-{
-    Q_ASSERT_X(!qApp || !qApp->inherits("QApplication") || QThread::currentThread() != qApp->thread(), "evaluate",
-               "blocks, so it may not run on the user-interface thread");
-}
 
 bool isCancelled(const Ondrel::RunStatus& status)
 {
@@ -330,7 +324,7 @@ std::vector<NodeId> allInOrder(const Graph& graph)
 Outcome evaluate(const Graph& graph, const NodeTypes& types, const Target& target, ResultCache& cache,
                  const Ondrel::RunStatus& status, const Progress& progress)
 {
-    assertWorkerThread();
+    assertMayBlock("evaluate");
     const auto [node, output] = resolved(graph, types, target);
     return Evaluation(graph, types, target.scale, cache, status, progress).run(node, output);
 }
