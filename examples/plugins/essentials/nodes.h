@@ -17,12 +17,24 @@ Host::NodeEntry entryOf(const QString& nodeName)
 
 Host::NodeEntry colourProfileNode();
 Host::NodeEntry cropNode();
+Host::NodeEntry curvesNode();
+Host::NodeEntry erodeDilateNode();
 Host::NodeEntry gaussianBlurNode();
+Host::NodeEntry gradientNode();
+Host::NodeEntry histogramNode();
 Host::NodeEntry imageNode();
+Host::NodeEntry levelsNode();
+Host::NodeEntry medianNode();
 Host::NodeEntry mergeNode();
 Host::NodeEntry mirrorNode();
 Host::NodeEntry outputNode();
+Host::NodeEntry paintNode();
+Host::NodeEntry perspectiveNode();
 Host::NodeEntry resizeNode();
 Host::NodeEntry rotateNode();
+Host::NodeEntry softProofNode();
+Host::NodeEntry splitChannelsNode();
+Host::NodeEntry translateNode();
+Host::NodeEntry unsharpMaskNode();
 
 } // namespace Essentials
