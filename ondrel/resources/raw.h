@@ -40,9 +40,9 @@ ONDREL_EXPORT Ondrel::Image ProcessRaw(Ondrel::ResourceId id, const Ondrel::RunS
 // Takes the RAW description of an opened file from LibRaw, in the terms of the members of Ondrel::Image. The
 // multipliers are three floats each, red, green and blue. In `filters`, the pattern word of LibRaw, two bits a
 // photosite, the second green (3) has become the first (1). `cameraMultipliers` are those of the shot if all are above
-// 0, else the same as `preMultipliers`; three zeros become 2, 1, 1.5. `toneCurve` is null unless the strictly rising
-// start of LibRaw's curve, which says the same of any two neighbours, has points and differs from the identity; its
-// knots are turned by 180 degrees.
+// 0, else the same as `preMultipliers`; three zeros become 2, 1, 1.5. `toneCurve` holds the strictly rising
+// start of LibRaw's curve without its last entry, turned by 180 degrees. It is null if that start is a single entry,
+// and if all entries are their own indices, up to and with the one that ends the start.
 ONDREL_EXPORT void GetRawInfo(const LibRaw& raw, bool& isMosaic, unsigned int& filters, bool& hasInfo,
                               float* preMultipliers, float* cameraMultipliers, bool& identityMatrix,
                               std::shared_ptr<const std::vector<Ondrel::CubicBezierSpline::Point>>& toneCurve);
