@@ -23,7 +23,7 @@ struct RawInfo {
 
 RawInfo rawInfo(const LibRaw& raw);
 
-// Rows of the linear RGB profile's matrix as Little CMS makes it; the caller closes it. Null for a singular matrix.
+// The linear profile of a camera, which the caller closes. Null for a singular matrix.
 void* rawColorProfile(const LibRaw& raw);
 void* rawColorProfile(const double (&colorMatrix)[3][3]); // XYZ to camera
 

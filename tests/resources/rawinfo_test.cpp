@@ -306,6 +306,7 @@ TEST_F(RawProfile, PrimariesAreTheRowsOfTheInverseOfTheTransposedMatrix)
                  1.0572252f},
                 {});
     const Bytes bytes = profile();
+    ASSERT_FALSE(bytes.empty());
     const Profile handle(cmsOpenProfileFromMem(bytes.data(), cmsUInt32Number(bytes.size())));
     const Profile sRGB(cmsCreate_sRGBProfile());
     for (const cmsTagSignature tag : {cmsSigRedColorantTag, cmsSigGreenColorantTag, cmsSigBlueColorantTag}) {

@@ -74,7 +74,10 @@ TEST_F(RawSamples, SyntheticFilesAreWhatTheirNumbersGive)
         SCOPED_TRACE(name.toStdString());
         const Bytes file = readFile(folder.filePath(name));
         const auto image = check(file);
-        const Image wanted = OndrelReference::DngNumbers(file).decoded();
+        const OndrelReference::DngNumbers numbers(file);
+        const Image wanted = numbers.decoded();
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_FLOAT_EQ(image->rawCameraMultipliers[i], float(1 / numbers.neutral[i]));
         EXPECT_TRUE(samePixels(*image, wanted));
         EXPECT_EQ(image->rawFilters, wanted.rawFilters);
         EXPECT_EQ(image->rawRotation, wanted.rawRotation);
