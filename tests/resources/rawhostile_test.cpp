@@ -94,7 +94,7 @@ TEST_F(RawHostile, GarbageOfEverySmallLengthIsRefused)
 TEST_F(RawHostile, FilesThatLibRawDoesNotSurviveAreRefusedBeforeIt)
 {
     for (const char* const text : {"RIFF", "DSC-Image"})
-        for (const std::size_t size : {4, 9, 10, 64, 157, 192, 4096})
+        for (const std::size_t size : {4u, 9u, 10u, 64u, 157u, 192u, 4096u})
             if (size >= std::strlen(text)) {
                 SCOPED_TRACE(text + std::to_string(size));
                 expectRefused(beginningWith(text, size));
@@ -144,7 +144,7 @@ TEST_F(RawHostile, CutAtEveryBoundaryOfATag)
     const std::size_t entries = whole[8] + whole[9] * 256u;
     std::vector<std::size_t> cuts = {1, 2, 4, 8, 9};
     for (std::size_t i = 0; i <= entries; ++i)
-        for (const std::size_t part : {0, 2, 4, 8})
+        for (const std::size_t part : {0u, 2u, 4u, 8u})
             cuts.push_back(10 + 12 * i + part);
     for (std::size_t end = 10 + 12 * entries + 4; end < whole.size(); end += 61)
         cuts.push_back(end);
@@ -210,7 +210,7 @@ TEST_F(RawHostile, ResourceThatOpensButDoesNotUnpackIsDecodedWithoutALine)
 {
     const Bytes whole = randomDng(Kind::Bayer, 40, 40).bytes();
     const StoredRaw stored(whole);
-    for (const std::size_t missing : {1, 1000, 3000, 3199, 3200}) {
+    for (const std::size_t missing : {1u, 1000u, 3000u, 3199u, 3200u}) {
         SCOPED_TRACE(missing);
         const Bytes file(whole.begin(), whole.end() - std::ptrdiff_t(missing));
         stored.exchange(file);

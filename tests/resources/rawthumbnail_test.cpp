@@ -141,7 +141,7 @@ TEST_F(RawThumbnail, DamagedPreviewsAreRefusedOrComeBackWhole)
     cut.resize(100); // in the middle of the tables
     EXPECT_FALSE(import(withPreview(Preview::Jpeg, 20, 13, cut).bytes(), image));
     // Fewer samples than the size asks for.
-    for (const std::size_t size : {0, 1, 2, 3, 100, 809, 810}) {
+    for (const std::size_t size : {0u, 1u, 2u, 3u, 100u, 809u, 810u}) {
         SCOPED_TRACE(size);
         const Bytes data = randomBytes(size, 1);
         if (!import(withPreview(Preview::Bitmap, 30, 9, data).bytes(), image))
