@@ -83,8 +83,9 @@ void Document::endStep()
 void Document::edit(const QString& text, const Graph& next, const QString& mergeKey)
 {
     const Graph before = m_graph;
+    ++m_depth; // edits by those who are told belong to this step
     transition(next);
-    if (m_depth == 0)
+    if (--m_depth == 0)
         finishStep(text, before, mergeKey);
 }
 

@@ -1,0 +1,78 @@
+#include "clipboardgraph.h"
+
+#include "values.h"
+
+using Json = nlohmann::ordered_json;
+
+namespace Host
+{
+namespace
+{
+
+QString textIn(const Json& object, const char* key)
+{
+    const auto found = object.find(key);
+    return found != object.end() && found->is_string() ? QString::fromStdString(found->get<std::string>()) : QString();
+}
+
+std::optional<NodeRecord> readNode(const Json& json)
+{
+    NodeRecord record;
+    QVariant position, values;
+    if (!json.is_object() || !json.contains("values") || !json.contains("position") ||
+        !valueFromJson(json["values"], values) || !valueFromJson(json["position"], position))
+        return std::nullopt;
+    record.id = textIn(json, "id").toULongLong();
+    record.type = textIn(json, "type");
+    record.name = textIn(json, "name");
+    record.position = position.toPointF();
+    record.values = values.toMap();
+    record.bypassed = json.value("bypassed", false);
+    return record.id != 0 && !record.type.isEmpty() ? std::optional(record) : std::nullopt;
+}
+
+} // namespace
+
+QByteArray graphToText(const Graph& graph)
+{
+    Json nodes = Json::array(), connections = Json::array();
+    for (const auto& [id, record] : graph.nodes)
+        nodes.push_back({{"id", std::to_string(id)},
+                         {"type", record.type.toStdString()},
+                         {"name", record.name.toStdString()},
+                         {"position", valueToJson(record.position)},
+                         {"values", valueToJson(record.values)},
+                         {"bypassed", record.bypassed}});
+    for (const Connection& c : graph.connections)
+        connections.push_back({{"from", std::to_string(c.from)},
+                               {"output", c.output.toStdString()},
+                               {"to", std::to_string(c.to)},
+                               {"input", c.input.toStdString()}});
+    return QByteArray::fromStdString(Json{{"ondrel nodes", 1}, {"nodes", nodes}, {"connections", connections}}.dump(1));
+}
+
+std::optional<Graph> graphFromText(const QByteArray& text)
+{
+    const Json json = Json::parse(text.begin(), text.end(), nullptr, false);
+    if (!json.is_object() || !json.contains("ondrel nodes") || !json.contains("nodes") || !json["nodes"].is_array())
+        return std::nullopt;
+    Graph graph;
+    for (const Json& each : json["nodes"]) {
+        const std::optional<NodeRecord> record = readNode(each);
+        if (!record)
+            return std::nullopt;
+        graph.nodes[record->id] = *record;
+    }
+    const auto connections = json.find("connections");
+    if (connections == json.end() || !connections->is_array())
+        return std::nullopt;
+    for (const Json& each : *connections) {
+        if (!each.is_object())
+            return std::nullopt;
+        graph.connections.push_back({textIn(each, "from").toULongLong(), textIn(each, "output"),
+                                     textIn(each, "to").toULongLong(), textIn(each, "input")});
+    }
+    return graph;
+}
+
+} // namespace Host

@@ -1,0 +1,435 @@
+#include "editorwindow.h"
+
+#include "clipboardgraph.h"
+#include "imagepane.h"
+#include "nodesearch.h"
+#include "project.h"
+#include "scene.h"
+#include "sceneview.h"
+
+#include <ondrel/resources/resourceengine.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSplitter>
+#include <QStatusBar>
+
+#include <algorithm>
+
+namespace Host
+{
+namespace
+{
+
+constexpr std::size_t kCacheBytes = std::size_t(1) << 30;
+constexpr int kMessageTime = 8000;
+constexpr int kPrimarySlot = -1;
+constexpr int kThumbnailWidth = 182;
+const char* const kClipboardType = "application/x-ondrel-nodes+json";
+
+} // namespace
+
+EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
+    : QMainWindow(parent)
+    , m_types(types)
+    , m_document(types)
+    , m_evaluator(types, kCacheBytes)
+    , m_scene(new Scene(m_document, this))
+    , m_sceneView(new SceneView(*m_scene))
+    , m_imagePane(new ImagePane)
+{
+    auto* splitter = new QSplitter(Qt::Vertical, this);
+    splitter->addWidget(m_imagePane);
+    splitter->addWidget(m_sceneView);
+    splitter->setSizes({500, 400});
+    setCentralWidget(splitter);
+    statusBar();
+    addActions();
+
+    m_requestTimer.setSingleShot(true);
+    m_requestTimer.setInterval(0); // one request for all that an edit changes
+    connect(&m_requestTimer, SIGNAL(timeout()), this, SLOT(requestPictures()));
+    connect(&m_document, SIGNAL(changed()), &m_requestTimer, SLOT(start()));
+    connect(m_scene, SIGNAL(shownNodesChanged()), &m_requestTimer, SLOT(start()));
+    connect(m_imagePane, SIGNAL(zoomChanged()), &m_requestTimer, SLOT(start()));
+    connect(m_scene, &Scene::refused, this,
+            [this](const QString& reason) { statusBar()->showMessage(reason, kMessageTime); });
+    // The search runs an event loop, which is not to run inside of the mouse event that drops the wire.
+    connect(m_scene, &Scene::wireDropped, this, &EditorWindow::addWiredNode, Qt::QueuedConnection);
+    connect(m_sceneView, SIGNAL(searchWanted(QPointF)), this, SLOT(searchNode(QPointF)), Qt::QueuedConnection);
+    connect(&m_evaluator, &Evaluator::pictureReady, this, &EditorWindow::takePicture);
+    connect(&m_evaluator, &Evaluator::errorsFound, m_scene, &Scene::setErrors);
+    connect(&m_evaluator, &Evaluator::nodeBusy, m_scene, &Scene::setBusy);
+    connect(&m_document.undoStack(), SIGNAL(cleanChanged(bool)), this, SLOT(updateTitle()));
+    updateTitle();
+}
+
+EditorWindow::~EditorWindow()
+{
+    m_evaluator.cancel();
+    m_document.disconnect(this);
+    m_document.undoStack().disconnect(this); // it tells of its end when the title is gone
+    delete m_sceneView;
+    delete m_scene; // before the document that it speaks to
+}
+
+QAction* EditorWindow::addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, const char* slot)
+{
+    QAction* const action = menu->addAction(text, this, slot, shortcut);
+    return action;
+}
+
+void EditorWindow::addActions()
+{
+    QMenu* const file = menuBar()->addMenu(tr("&File"));
+    addAction(file, tr("&Open..."), QKeySequence::Open, SLOT(open()));
+    addAction(file, tr("&Save"), QKeySequence::Save, SLOT(save()));
+    addAction(file, tr("Save &as..."), QKeySequence::SaveAs, SLOT(saveAs()));
+    file->addSeparator();
+    addAction(file, tr("&Import images..."), QKeySequence("Ctrl+I"), SLOT(importImages()));
+    file->addSeparator();
+    addAction(file, tr("&Quit"), QKeySequence::Quit, SLOT(close()));
+
+    QMenu* const edit = menuBar()->addMenu(tr("&Edit"));
+    QAction* const undo = m_document.undoStack().createUndoAction(this);
+    undo->setShortcut(QKeySequence::Undo);
+    QAction* const redo = m_document.undoStack().createRedoAction(this);
+    redo->setShortcuts({QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")});
+    edit->addActions({undo, redo});
+    edit->addSeparator();
+    addAction(edit, tr("Cu&t"), QKeySequence::Cut, SLOT(cutSelected()));
+    addAction(edit, tr("&Copy"), QKeySequence::Copy, SLOT(copySelected()));
+    addAction(edit, tr("&Paste"), QKeySequence::Paste, SLOT(paste()));
+    addAction(edit, tr("D&uplicate"), QKeySequence("Ctrl+D"), SLOT(duplicateSelected()));
+    addAction(edit, tr("De&lete"), QKeySequence::Delete, SLOT(deleteSelected()));
+    edit->addSeparator();
+    addAction(edit, tr("&Bypass"), QKeySequence("D"), SLOT(bypassSelected()));
+
+    QMenu* const view = menuBar()->addMenu(tr("&View"));
+    addAction(view, tr("&Show node"), QKeySequence("1"), SLOT(showSelected()));
+    addAction(view, tr("Fit &all nodes"), QKeySequence("A"), SLOT(fitAll()));
+    addAction(view, tr("Fit &selected nodes"), QKeySequence("F"), SLOT(fitSelected()));
+    QAction* const fit = view->addAction(tr("Fit &picture"), m_imagePane, SLOT(fit()), QKeySequence("Ctrl+0"));
+    fit->setObjectName("fitPicture");
+}
+
+void EditorWindow::updateTitle()
+{
+    const QString name = m_file.isEmpty() ? tr("Untitled") : QFileInfo(m_file).fileName();
+    setWindowTitle(QString("%1%2 - Ondrel").arg(m_document.undoStack().isClean() ? "" : "*", name));
+}
+
+// ---- Files
+
+bool EditorWindow::mayLeave()
+{
+    if (m_document.undoStack().isClean())
+        return true;
+    const auto answer = QMessageBox::question(this, tr("Unsaved changes"), tr("Save the project first?"),
+                                              QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    if (answer == QMessageBox::Save)
+        save(); // in the background: leaving is tried again afterwards
+    return answer == QMessageBox::Discard;
+}
+
+void EditorWindow::closeEvent(QCloseEvent* event)
+{
+    event->setAccepted(mayLeave());
+}
+
+void EditorWindow::open()
+{
+    if (!mayLeave())
+        return;
+    const QString file = QFileDialog::getOpenFileName(this, tr("Open project"), QString(), tr("Projects (*.ondrel)"));
+    if (!file.isEmpty())
+        openProject(file);
+}
+
+void EditorWindow::openProject(const QString& file)
+{
+    setEnabled(false);
+    m_worker.run([this, file]() -> std::function<void()> {
+        const ProjectReading reading = loadProject(file, m_types);
+        return [this, file, reading] { takeProject(file, reading); };
+    });
+}
+
+void EditorWindow::takeProject(const QString& file, const ProjectReading& reading)
+{
+    setEnabled(true);
+    if (!reading.project) {
+        statusBar()->showMessage(reading.error, kMessageTime);
+        return;
+    }
+    m_document.load(reading.project->graph);
+    m_embedded = reading.project->embedded;
+    m_file = file;
+    const std::string shown = reading.project->view.value("primary", std::string());
+    m_scene->show(QString::fromStdString(shown).toULongLong(), PreviewNode::EmblemPrimary);
+    fitAll();
+    updateTitle();
+    if (!reading.notes.isEmpty())
+        statusBar()->showMessage(reading.notes.join("  "), kMessageTime);
+}
+
+void EditorWindow::saveProject(const QString& file)
+{
+    Project project;
+    project.graph = m_document.graph();
+    project.embedded = m_embedded;
+    project.view["primary"] = std::to_string(m_scene->primary());
+    setEnabled(false);
+    m_worker.run([this, file, project]() -> std::function<void()> {
+        const QString reason = Host::saveProject(project, file);
+        return [this, file, reason] {
+            setEnabled(true);
+            if (!reason.isEmpty()) {
+                statusBar()->showMessage(reason, kMessageTime);
+                return;
+            }
+            m_file = file;
+            m_document.undoStack().setClean();
+            updateTitle();
+        };
+    });
+}
+
+void EditorWindow::save()
+{
+    if (m_file.isEmpty())
+        saveAs();
+    else
+        saveProject(m_file);
+}
+
+void EditorWindow::saveAs()
+{
+    const QString file = QFileDialog::getSaveFileName(this, tr("Save project"), m_file, tr("Projects (*.ondrel)"));
+    if (!file.isEmpty())
+        saveProject(file);
+}
+
+void EditorWindow::importImages()
+{
+    importFiles(QFileDialog::getOpenFileNames(this, tr("Import images")), m_sceneView->pointerInScene());
+}
+
+void EditorWindow::importFiles(const QStringList& files, QPointF at)
+{
+    for (const QString& file : files) {
+        m_worker.run([this, file, at]() -> std::function<void()> {
+            Ondrel::ResourceId id;
+            const bool added = ResourceEngine::Get().AddImage(file.toStdString(), id);
+            return [this, file, id, added, at] {
+                if (added)
+                    addImage(file, id, at);
+                else
+                    statusBar()->showMessage(tr("%1 is no image that can be read.").arg(file), kMessageTime);
+            };
+        });
+        at += QPointF(40, 40);
+    }
+}
+
+void EditorWindow::addImage(const QString& file, Ondrel::ResourceId id, QPointF at)
+{
+    m_document.beginStep(tr("Import image"));
+    const NodeId node = addNode("essentials/image", at);
+    m_document.setValue(node, "image", QVariant::fromValue(id));
+    m_document.renameNode(node, uniqueName(m_document.graph(), QFileInfo(file).completeBaseName()));
+    m_document.endStep();
+    if (m_scene->primary() == 0)
+        m_scene->show(node, PreviewNode::EmblemPrimary);
+}
+
+// ---- Nodes
+
+NodeId EditorWindow::addNode(const QString& type, QPointF at)
+{
+    const NodeId id = m_document.addNode(type, at);
+    if (id != 0)
+        m_scene->selectNodes({id});
+    return id;
+}
+
+QString EditorWindow::chooseType(const QString& dataType, bool wantsInput, QPointF at)
+{
+    NodeSearch search(m_types, dataType, wantsInput, this);
+    search.move(m_sceneView->viewport()->mapToGlobal(m_sceneView->mapFromScene(at)));
+    return search.exec() == QDialog::Accepted ? search.chosenType() : QString();
+}
+
+void EditorWindow::searchNode(QPointF at)
+{
+    const QString type = chooseType(QString(), true, at);
+    if (!type.isEmpty())
+        addNode(type, at);
+}
+
+void EditorWindow::addWiredNode(NodeId node, const QString& field, bool fromOutput, QPointF at)
+{
+    const NodeRecord* const record = m_document.graph().node(node);
+    const NodeType* const known = record ? m_types.find(record->type) : nullptr;
+    if (!known)
+        return;
+    const OutputInfo* const output = fromOutput ? known->output(field) : nullptr;
+    const InputInfo* const input = fromOutput ? nullptr : known->input(field);
+    const QString dataType = output ? output->dataType : input ? input->dataType : QString();
+    const QString type = chooseType(dataType, fromOutput, at);
+    if (type.isEmpty())
+        return;
+    m_document.beginStep(tr("Add connected node"));
+    connectTo(addNode(type, at), node, field, fromOutput);
+    m_document.endStep();
+}
+
+// By the first field that fits.
+void EditorWindow::connectTo(NodeId made, NodeId node, const QString& field, bool fromOutput)
+{
+    PreviewNode* const item = m_scene->item(made);
+    if (!item)
+        return;
+    const unsigned long count = fromOutput ? item->inputFieldCount() : item->outputFieldCount();
+    for (unsigned long i = 0; i < count; ++i) {
+        const QString other = fromOutput ? item->inputNameOfFieldByIndex(i) : item->outputNameOfFieldByIndex(i);
+        const Connection connection =
+            fromOutput ? Connection{node, field, made, other} : Connection{made, other, node, field};
+        if (m_document.addConnection(connection).isEmpty())
+            return;
+    }
+}
+
+void EditorWindow::deleteSelected()
+{
+    const std::vector<NodeId> ids = m_scene->selectedNodes();
+    if (!ids.empty())
+        m_document.removeNodes(ids);
+}
+
+void EditorWindow::bypassSelected()
+{
+    m_document.beginStep(tr("Bypass"));
+    for (const NodeId id : m_scene->selectedNodes())
+        m_document.setBypassed(id, !m_document.graph().node(id)->bypassed);
+    m_document.endStep();
+}
+
+Graph EditorWindow::selectedGraph() const
+{
+    Graph graph;
+    for (const NodeId id : m_scene->selectedNodes())
+        graph.nodes[id] = *m_document.graph().node(id);
+    for (const Connection& connection : m_document.graph().connections) {
+        if (graph.node(connection.from) && graph.node(connection.to))
+            graph.connections.push_back(connection);
+    }
+    return graph;
+}
+
+void EditorWindow::copySelected()
+{
+    const Graph graph = selectedGraph();
+    if (graph.nodes.empty())
+        return;
+    auto* data = new QMimeData; // the clipboard's
+    const QByteArray text = graphToText(graph);
+    data->setData(kClipboardType, text);
+    data->setText(QString::fromUtf8(text));
+    QApplication::clipboard()->setMimeData(data);
+}
+
+void EditorWindow::cutSelected()
+{
+    copySelected();
+    deleteSelected();
+}
+
+void EditorWindow::paste()
+{
+    const QMimeData* const data = QApplication::clipboard()->mimeData();
+    const QByteArray text = data->hasFormat(kClipboardType) ? data->data(kClipboardType) : data->text().toUtf8();
+    const std::optional<Graph> graph = graphFromText(text);
+    if (!graph) {
+        statusBar()->showMessage(tr("There are no nodes on the clipboard."), kMessageTime);
+        return;
+    }
+    std::vector<NodeId> made;
+    for (const auto& [from, to] : m_document.insert(*graph, QPointF(40, 40)))
+        made.push_back(to);
+    m_scene->selectNodes(made);
+}
+
+void EditorWindow::duplicateSelected()
+{
+    std::vector<NodeId> made;
+    for (const auto& [from, to] : m_document.insert(selectedGraph(), QPointF(40, 40)))
+        made.push_back(to);
+    m_scene->selectNodes(made);
+}
+
+void EditorWindow::showSelected()
+{
+    const std::vector<NodeId> ids = m_scene->selectedNodes();
+    if (ids.size() == 1)
+        m_scene->show(ids.front(), PreviewNode::EmblemPrimary);
+}
+
+void EditorWindow::fitAll()
+{
+    m_sceneView->fit(m_scene->nodesRect({}));
+}
+
+void EditorWindow::fitSelected()
+{
+    m_sceneView->fit(m_scene->nodesRect(m_scene->selectedNodes()));
+}
+
+// ---- Pictures
+
+bool EditorWindow::isSettled() const
+{
+    return !m_requestTimer.isActive() && !m_evaluator.isBusy() && !m_worker.isBusy();
+}
+
+void EditorWindow::requestPictures()
+{
+    const Graph& graph = m_document.graph();
+    std::vector<Evaluator::Wish> wishes;
+    if (m_scene->primary() != 0) {
+        const QSize size = fullSize(graph, m_types, {m_scene->primary(), QString(), 1});
+        wishes.push_back({kPrimarySlot, {m_scene->primary(), QString(), m_imagePane->scaleFor(size)}, true});
+    } else {
+        m_imagePane->setPicture(Picture());
+    }
+    m_previewNodes.clear();
+    for (const auto& [id, record] : graph.nodes) {
+        const PreviewNode* const item = m_scene->item(id);
+        if (!item || item->inputIndexOfFieldByName("preview") < 0)
+            continue;
+        const QSize size = fullSize(graph, m_types, {id, QString(), 1});
+        const double scale = size.isEmpty() ? 1.0 / 8 : std::min(1.0, double(kThumbnailWidth) / size.width());
+        wishes.push_back({int(m_previewNodes.size()), {id, QString(), scale}, false});
+        m_previewNodes.push_back(id);
+    }
+    m_evaluator.request(graph, wishes);
+}
+
+void EditorWindow::takePicture(int slot, const Picture& picture, double)
+{
+    if (slot == kPrimarySlot)
+        m_imagePane->setPicture(picture);
+    else if (std::size_t(slot) < m_previewNodes.size()) {
+        if (PreviewNode* const item = m_scene->item(m_previewNodes[std::size_t(slot)]))
+            item->setPreviewImage(picture.image);
+    }
+}
+
+} // namespace Host

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "document.h"
+#include "evaluator.h"
+#include "project.h"
+#include "worker.h"
+
+#include <QMainWindow>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+namespace Host
+{
+
+class ImagePane;
+class Scene;
+class SceneView;
+
+// The window: the canvas of nodes, the picture of the node that carries the primary emblem, and what is done to both.
+class EditorWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    explicit EditorWindow(const NodeTypes& types, QWidget* parent = nullptr);
+    ~EditorWindow() override;
+
+    Document& document() { return m_document; }
+    Scene& scene() { return *m_scene; }
+    SceneView& sceneView() { return *m_sceneView; }
+    ImagePane& imagePane() { return *m_imagePane; }
+    Evaluator& evaluator() { return m_evaluator; }
+
+    // Files are read and written in the background; the window cannot be edited meanwhile. A failure is shown, and the
+    // document stays.
+    void openProject(const QString& file);
+    void saveProject(const QString& file);
+    void importFiles(const QStringList& files, QPointF at);
+    NodeId addNode(const QString& type, QPointF at);
+    bool isSettled() const; // no picture and no file is waited for
+
+public Q_SLOTS:
+    void searchNode(QPointF at);
+    void deleteSelected();
+    void bypassSelected();
+    void copySelected();
+    void cutSelected();
+    void paste();
+    void duplicateSelected();
+    void showSelected();
+    void fitAll();
+    void fitSelected();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private Q_SLOTS:
+    void open();
+    void save();
+    void saveAs();
+    void importImages();
+    void addWiredNode(Host::NodeId node, const QString& field, bool fromOutput, QPointF at);
+    void requestPictures();
+    void takePicture(int slot, const Host::Picture& picture, double scale);
+    void updateTitle();
+
+private:
+    void addActions();
+    QAction* addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, const char* slot);
+    bool mayLeave();
+    QString chooseType(const QString& dataType, bool wantsInput, QPointF at);
+    void takeProject(const QString& file, const ProjectReading& reading);
+    void addImage(const QString& file, Ondrel::ResourceId id, QPointF at);
+    void connectTo(NodeId made, NodeId node, const QString& field, bool fromOutput);
+    Graph selectedGraph() const;
+
+    const NodeTypes& m_types;
+    Document m_document;
+    Evaluator m_evaluator;
+    Scene* m_scene;
+    SceneView* m_sceneView;
+    ImagePane* m_imagePane;
+    Worker m_worker;
+    QTimer m_requestTimer;
+    std::vector<NodeId> m_previewNodes; // by slot
+    QString m_file;
+    std::set<std::uint32_t> m_embedded; // resources that are saved with their bytes
+};
+
+} // namespace Host

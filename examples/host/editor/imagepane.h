@@ -1,0 +1,60 @@
+#pragma once
+
+#include "evaluation.h"
+
+#include <QGraphicsScene>
+#include <QWidget>
+
+class CanvasItem;
+class CanvasView;
+class QLabel;
+
+namespace Host
+{
+
+// A view of a picture: rendered for the display, zoomed by the wheel at the mouse, moved by the middle button, with the
+// colour under the mouse below it, in the picture's own space and in Lab.
+class ImagePane : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit ImagePane(QWidget* parent = nullptr);
+
+    // The newest picture, small or at full size; a null image clears the view.
+    void setPicture(const Picture& picture);
+    const Picture& picture() const { return m_picture; }
+    CanvasView& view() { return *m_view; }
+    CanvasItem& canvas() { return *m_canvas; }
+    double zoom() const { return m_zoom; } // screen pixels a pixel of full size
+
+    // The scale that suffices for a picture of this full size as it is shown now.
+    double scaleFor(QSize fullSize) const;
+
+public Q_SLOTS:
+    void fit();
+    void setZoom(double zoom, QPoint anchor);
+
+Q_SIGNALS:
+    void zoomChanged();
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+private Q_SLOTS:
+    void placeScene();
+
+private:
+    double fittingZoom(QSize fullSize) const;
+    void showColour(QPointF position);
+
+    QGraphicsScene m_scene;
+    CanvasItem* m_canvas; // the scene's
+    CanvasView* m_view;
+    QLabel* m_readOut;
+    Picture m_picture;
+    QPoint m_lastPosition;
+    double m_zoom = 1;
+    bool m_fitting = true;
+};
+
+} // namespace Host

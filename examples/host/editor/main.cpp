@@ -1,0 +1,99 @@
+// ondrel-editor: an editor of node graphs. Exit status: 0 all done, 1 a script could not be played to its end, 2 the
+// command line made no sense.
+
+#include "editorwindow.h"
+#include "script.h"
+
+#include <ondrel/core/platform.h>
+#include <ondrel/pixel/opencl.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QDir>
+#include <QFile>
+#include <QPalette>
+
+#include <cstdio>
+
+namespace
+{
+
+QPalette darkPalette()
+{
+    const QColor text(201, 198, 198);
+    QPalette palette(QColor(62, 61, 61), QColor(50, 49, 49));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(role, text);
+    palette.setColor(QPalette::Base, QColor(28, 28, 28));
+    palette.setColor(QPalette::Highlight, QColor(255, 204, 0));
+    palette.setColor(QPalette::HighlightedText, QColor(50, 47, 47));
+    return palette;
+}
+
+int playScript(Host::EditorWindow& window, const QString& file, const QString& folder)
+{
+    QFile script(file);
+    if (!script.open(QIODevice::ReadOnly)) {
+        std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(script.errorString()));
+        return 1;
+    }
+    if (!QDir().mkpath(folder)) {
+        std::fprintf(stderr, "%s: the folder could not be made\n", qUtf8Printable(folder));
+        return 1;
+    }
+    window.setAttribute(Qt::WA_DontShowOnScreen);
+    window.show();
+    QApplication::processEvents();
+    Host::Script player(window, QDir(folder));
+    if (player.run(QString::fromUtf8(script.readAll())))
+        return 0;
+    std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(player.error()));
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    PlatformPrivate::setup(argc, &argv);
+    QApplication application(argc, argv);
+    QCoreApplication::setOrganizationName("Ondrel");
+    QCoreApplication::setApplicationName("ondrel-editor");
+    QCoreApplication::setApplicationVersion("0.1.0");
+    QApplication::setPalette(darkPalette());
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Edits pictures by graphs of nodes.");
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument("project", "A project file.", "[PROJECT]");
+    parser.addOptions({{"plugins", "The folder of plug-ins (default: beside the program).", "FOLDER",
+                        QDir(QCoreApplication::applicationDirPath()).filePath("plugins")},
+                       {"script", "Play what is in a file, and stop.", "FILE"},
+                       {"out", "Where the script's pictures go (default: here).", "FOLDER", "."}});
+    if (!parser.parse(QCoreApplication::arguments()) || parser.positionalArguments().size() > 1) {
+        const QString reason = parser.errorText().isEmpty() ? "one project at a time" : parser.errorText();
+        std::fprintf(stderr, "ondrel-editor: %s\n", qUtf8Printable(reason));
+        return 2;
+    }
+    parser.process(application); // for --help and --version
+
+    Host::NodeTypes types;
+    for (const QString& problem : Host::loadPlugins(parser.value("plugins"), types))
+        std::fprintf(stderr, "%s\n", qUtf8Printable(problem));
+    int status = 0;
+    {
+        Host::EditorWindow window(types);
+        window.resize(1400, 900);
+        if (!parser.positionalArguments().isEmpty())
+            window.openProject(parser.positionalArguments().front());
+        if (parser.isSet("script")) {
+            status = playScript(window, parser.value("script"), parser.value("out"));
+        } else {
+            window.show();
+            status = QApplication::exec();
+        }
+    }
+    PixelOpenCL::instance()->disable();
+    return status;
+}

@@ -1,0 +1,118 @@
+#include "sceneview.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Host
+{
+namespace
+{
+
+constexpr int kGrid = 100;
+constexpr double kSmallest = 0.1, kLargest = 4;
+
+} // namespace
+
+SceneView::SceneView(Scene& scene)
+    : QGraphicsView(&scene)
+    , m_scene(scene)
+{
+    setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    setFrameShape(QFrame::NoFrame);
+    setDragMode(QGraphicsView::RubberBandDrag);
+    setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
+    setViewportUpdateMode(QGraphicsView::SmartViewportUpdate);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setSceneRect(-20000, -20000, 40000, 40000);
+    setAccessibleName(tr("Nodes"));
+}
+
+void SceneView::fit(const QRectF& area)
+{
+    if (area.isEmpty())
+        return;
+    fitInView(area.adjusted(-40, -40, 40, 40), Qt::KeepAspectRatio);
+    const double zoom = transform().m11();
+    const double wanted = std::clamp(zoom, kSmallest, 1.0);
+    scale(wanted / zoom, wanted / zoom);
+    centerOn(area.center());
+}
+
+QPointF SceneView::pointerInScene() const
+{
+    const QPoint position = viewport()->mapFromGlobal(QCursor::pos());
+    return mapToScene(viewport()->rect().contains(position) ? position : viewport()->rect().center());
+}
+
+void SceneView::drawBackground(QPainter* painter, const QRectF& rect)
+{
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing, false);
+    painter->fillRect(rect, QColor(32, 32, 32));
+    painter->setPen(QPen(QColor(42, 42, 42), 0));
+    const auto first = [](qreal edge) { return int(std::floor(edge / kGrid)) * kGrid; };
+    for (int x = first(rect.left()); x < rect.right(); x += kGrid)
+        painter->drawLine(QPointF(x, rect.top()), QPointF(x, rect.bottom()));
+    for (int y = first(rect.top()); y < rect.bottom(); y += kGrid)
+        painter->drawLine(QPointF(rect.left(), y), QPointF(rect.right(), y));
+    painter->restore();
+}
+
+bool SceneView::focusNextPrevChild(bool next)
+{
+    if (!m_scene.moveFocus(next) && next)
+        Q_EMIT searchWanted(pointerInScene());
+    return true;
+}
+
+void SceneView::wheelEvent(QWheelEvent* event)
+{
+    const qreal wanted = transform().m11() * std::pow(1.0015, event->angleDelta().y());
+    const qreal factor = std::clamp(wanted, kSmallest, kLargest) / transform().m11();
+    scale(factor, factor);
+    event->accept();
+}
+
+void SceneView::mousePressEvent(QMouseEvent* event)
+{
+    m_lastPosition = event->pos();
+    if (event->button() == Qt::MiddleButton)
+        event->accept();
+    else
+        QGraphicsView::mousePressEvent(event);
+}
+
+void SceneView::mouseMoveEvent(QMouseEvent* event)
+{
+    if (event->buttons().testFlag(Qt::MiddleButton)) {
+        const QPoint moved = event->pos() - m_lastPosition;
+        horizontalScrollBar()->setValue(horizontalScrollBar()->value() - moved.x());
+        verticalScrollBar()->setValue(verticalScrollBar()->value() - moved.y());
+    }
+    m_lastPosition = event->pos();
+    QGraphicsView::mouseMoveEvent(event);
+}
+
+void SceneView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton && !itemAt(event->pos()))
+        Q_EMIT searchWanted(mapToScene(event->pos()));
+    else
+        QGraphicsView::mouseDoubleClickEvent(event);
+}
+
+// The scroll area would scroll by the arrows and eat them.
+void SceneView::keyPressEvent(QKeyEvent* event)
+{
+    event->ignore();
+    if (scene()->focusItem())
+        QGraphicsView::keyPressEvent(event);
+}
+
+} // namespace Host
