@@ -1,7 +1,7 @@
 // ondrel-demosaic: makes a picture of the mosaic of a camera RAW file, or of one that it paints, by the library's
 // OpenCL kernels or, where there is no device, on the processor; prints which of them it was.
 
-#include "mosaic.h"
+#include "source.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/pixel/opencl.h>
@@ -27,7 +27,7 @@ void chooseFirstDevice()
         }
 }
 
-Ondrel::Image develop(const Mosaic& mosaic)
+Ondrel::Image develop(const Examples::Mosaic& mosaic)
 {
     Ondrel::Image picture(mosaic.image.width, mosaic.image.height);
     picture.Fill(0, 0, 0, 65535); // the border that no interpolation reaches
@@ -50,7 +50,7 @@ int main(int argc, char** argv)
         std::fputs("usage: ondrel-demosaic [--processor] [RAW] OUT.png\n", stderr);
         return 2;
     }
-    Mosaic mosaic;
+    Examples::Mosaic mosaic;
     if (arguments.size() == 1) {
         mosaic = paintMosaic();
         mosaic.image.colorProfile = Ondrel::DefaultColorProfileHash;

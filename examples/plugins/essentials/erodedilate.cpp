@@ -1,6 +1,7 @@
+#include "../../common/rows.h"
+
 #include "device.h"
 #include "nodes.h"
-#include "rows.h"
 #include "values.h"
 
 #include <algorithm>
@@ -62,7 +63,7 @@ void onProcessor(const Image& image, const Element& element, Image& result, cons
 {
     const int side = 2 * element.radius + 1;
     const std::size_t samples = std::size_t(image.width) * 4;
-    forRows(image.height, status, [&](unsigned int y) {
+    Examples::forRows(0, image.height, status, [&](unsigned int y) {
         std::uint16_t* const out = result.data + y * samples;
         for (int j = 0; j < side; ++j) {
             const std::vector<std::uint16_t> line = widened(image, int(y) + j - element.radius, element.radius);

@@ -6,11 +6,6 @@
 namespace Essentials
 {
 
-bool isCancelled(const Ondrel::RunStatus& status)
-{
-    return status.state && *const_cast<const volatile int*>(status.state) == 1;
-}
-
 QSize scaledSize(const QSize& fullSize, double scale)
 {
     const auto side = [scale](int length) { return std::max(1, int(std::lround(double(length) * scale))); };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../../common/cancel.h"
 #include "../../host/plugininterface.h"
 
 #include <QCoreApplication>
@@ -9,6 +10,7 @@
 namespace Essentials
 {
 
+using Examples::isCancelled;
 using Ondrel::Image;
 using ImagePtr = std::shared_ptr<const Image>;
 
@@ -31,8 +33,6 @@ public:
 private:
     QString m_sentence;
 };
-
-bool isCancelled(const Ondrel::RunStatus& status);
 
 // The size of a picture of this full size at a scale: rounded, no side below 1. Pictures that went through a rotation
 // may differ by a pixel.

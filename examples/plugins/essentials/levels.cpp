@@ -1,6 +1,7 @@
+#include "../../common/rows.h"
+
 #include "device.h"
 #include "nodes.h"
-#include "rows.h"
 #include "values.h"
 
 #include <algorithm>
@@ -79,7 +80,7 @@ void levelOnProcessor(const Image& image, const Levels& levels, Image& result, c
 {
     const std::vector<std::uint16_t> tables[] = {
         tableOf(levels, levels.channels[0]), tableOf(levels, levels.channels[1]), tableOf(levels, levels.channels[2])};
-    forRows(image.height, status, [&](unsigned int y) {
+    Examples::forRows(0, image.height, status, [&](unsigned int y) {
         const std::size_t first = std::size_t(y) * image.width * 4, end = first + std::size_t(image.width) * 4;
         for (std::size_t i = first; i < end; i += 4) {
             for (std::size_t c = 0; c < 3; ++c)

@@ -1,6 +1,7 @@
+#include "../../common/rows.h"
+
 #include "device.h"
 #include "nodes.h"
-#include "rows.h"
 #include "values.h"
 
 #include <algorithm>
@@ -99,7 +100,7 @@ private:
 void medianOnProcessor(const Image& image, int radius, Image& result, const Ondrel::RunStatus& status)
 {
     tbb::enumerable_thread_specific<Counts> counts;
-    forRows(image.height, status, [&](unsigned int y) {
+    Examples::forRows(0, image.height, status, [&](unsigned int y) {
         const MedianRow row(image, radius, int(y), counts.local());
         for (std::size_t channel = 0; channel < 4; ++channel)
             row.run(channel, result.data + std::size_t(y) * image.width * 4);

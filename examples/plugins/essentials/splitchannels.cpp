@@ -1,5 +1,7 @@
+#include "../../common/rows.h"
+
+#include "filter.h"
 #include "nodes.h"
-#include "rows.h"
 
 namespace Essentials
 {
@@ -40,7 +42,7 @@ private:
     static ImagePtr greyOf(const Image& image, std::size_t channel, const Ondrel::RunStatus& status)
     {
         Image grey(image.width, image.height);
-        forRows(image.height, status, [&](unsigned int y) {
+        Examples::forRows(0, image.height, status, [&](unsigned int y) {
             const std::size_t first = std::size_t(y) * image.width * 4, end = first + std::size_t(image.width) * 4;
             for (std::size_t i = first; i < end; i += 4) {
                 grey.data[i] = grey.data[i + 1] = grey.data[i + 2] = image.data[i + channel];

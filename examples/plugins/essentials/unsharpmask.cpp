@@ -1,6 +1,7 @@
+#include "../../common/rows.h"
+
 #include "device.h"
 #include "nodes.h"
-#include "rows.h"
 #include "values.h"
 
 #include <ondrel/pixel/gaussianblur.h>
@@ -54,7 +55,7 @@ std::uint16_t sharpened(int sharp, int soft, const Sharpening& sharpening)
 void sharpenOnProcessor(const Image& image, const Image& blurred, const Sharpening& sharpening, Image& result,
                         const Ondrel::RunStatus& status)
 {
-    forRows(image.height, status, [&](unsigned int y) {
+    Examples::forRows(0, image.height, status, [&](unsigned int y) {
         const std::size_t first = std::size_t(y) * image.width * 4, end = first + std::size_t(image.width) * 4;
         for (std::size_t i = first; i < end; i += 4) {
             for (std::size_t c = i; c < i + 3; ++c)

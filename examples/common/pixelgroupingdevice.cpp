@@ -1,25 +1,26 @@
-#include "mosaic.h"
+#include "pixelgrouping.h"
 
 #include <ondrel/pixel/opencl.h>
 
+namespace Examples
+{
 namespace
 {
 
 bool run(cl::CommandQueue& queue, cl::Program& program, const char* name, const Mosaic& mosaic, cl::Buffer& in,
-         cl::Buffer& out)
+         cl::Buffer& out, const Ondrel::RunStatus& status)
 {
     cl_int error = CL_SUCCESS;
     cl::Kernel kernel(program, name, &error);
     const cl_uint width = mosaic.image.width, height = mosaic.image.height, filters = mosaic.filters;
     return error == CL_SUCCESS && kernel.setArg(0, width) == CL_SUCCESS && kernel.setArg(1, height) == CL_SUCCESS &&
            kernel.setArg(2, filters) == CL_SUCCESS && kernel.setArg(3, in) == CL_SUCCESS &&
-           kernel.setArg(4, out) == CL_SUCCESS &&
-           RunIncrementalKernel(queue, kernel, width * height * 4, Ondrel::RunStatus());
+           kernel.setArg(4, out) == CL_SUCCESS && RunIncrementalKernel(queue, kernel, width * height * 4, status);
 }
 
 } // namespace
 
-bool demosaicOnDevice(const Mosaic& mosaic, Ondrel::Image& picture)
+bool demosaicOnDevice(const Mosaic& mosaic, Ondrel::Image& picture, const Ondrel::RunStatus& status)
 {
     cl::Context context;
     cl::Program program;
@@ -36,7 +37,9 @@ bool demosaicOnDevice(const Mosaic& mosaic, Ondrel::Image& picture)
     if (error != CL_SUCCESS)
         return false;
     cl::CommandQueue queue(context, device, 0, &error);
-    return error == CL_SUCCESS && run(queue, program, "c0", mosaic, in, out) &&
-           run(queue, program, "d0", mosaic, in, out) &&
+    return error == CL_SUCCESS && run(queue, program, "c0", mosaic, in, out, status) &&
+           run(queue, program, "d0", mosaic, in, out, status) &&
            queue.enqueueReadBuffer(out, CL_TRUE, 0, bytes, picture.data) == CL_SUCCESS;
 }
+
+} // namespace Examples

@@ -1,11 +1,15 @@
 // Patterned Pixel Grouping, as the kernels c0 and d0 have it.
 
-#include "mosaic.h"
+#include "rows.h"
+
+#include "pixelgrouping.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
+namespace Examples
+{
 namespace
 {
 
@@ -90,23 +94,29 @@ void setRedAndBlue(const Place& sensor, const Place& picture, unsigned int filte
 }
 
 template <typename Body>
-void forInnerPixels(const Ondrel::Image& picture, Body body)
+void forInnerPixels(const Ondrel::Image& picture, const Ondrel::RunStatus& status, Body body)
 {
-    for (int y = 2; y + 2 < int(picture.height); ++y)
+    if (picture.width < 5 || picture.height < 5)
+        return;
+    forRows(2, picture.height - 2, status, [&](unsigned int row) {
+        const int y = int(row);
         for (int x = 2; x + 2 < int(picture.width); ++x)
             body(x, y, picture.data + (std::size_t(y) * picture.width + std::size_t(x)) * 4);
+    });
 }
 
 } // namespace
 
-void demosaicOnProcessor(const Mosaic& mosaic, Ondrel::Image& picture)
+void demosaicOnProcessor(const Mosaic& mosaic, Ondrel::Image& picture, const Ondrel::RunStatus& status)
 {
-    forInnerPixels(picture, [&](int x, int y, std::uint16_t* pixel) {
+    forInnerPixels(picture, status, [&](int x, int y, std::uint16_t* pixel) {
         const unsigned int color = colorAt(mosaic.filters, unsigned(y), unsigned(x));
         pixel[1] = std::uint16_t(greenAt({mosaic.image, x, y}, color));
         pixel[3] = 65535;
     });
-    forInnerPixels(picture, [&](int x, int y, std::uint16_t* pixel) {
+    forInnerPixels(picture, status, [&](int x, int y, std::uint16_t* pixel) {
         setRedAndBlue({mosaic.image, x, y}, {picture, x, y}, mosaic.filters, pixel);
     });
 }
+
+} // namespace Examples
