@@ -30,6 +30,7 @@ Host::NodeEntry mirrorNode();
 Host::NodeEntry outputNode();
 Host::NodeEntry paintNode();
 Host::NodeEntry perspectiveNode();
+Host::NodeEntry rawImageNode();
 Host::NodeEntry resizeNode();
 Host::NodeEntry rotateNode();
 Host::NodeEntry softProofNode();
