@@ -259,11 +259,10 @@ bool valueFromText(const QString& text, const QString& kind, const QStringList& 
         ok = hash.size() == 32;
         if (ok)
             value = hash;
-    } else if (kind == "hidden" || kind.isEmpty()) {
+    } else { // hidden, or an input of a plug-in's own: as projects have it
         const Json json = Json::parse(text.toStdString(), nullptr, false);
         ok = !json.is_discarded() && valueFromJson(json, value);
-    } else
-        ok = false;
+    }
     return ok;
 }
 

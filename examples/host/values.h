@@ -24,7 +24,8 @@ bool valueFromJson(const nlohmann::ordered_json& json, QVariant& value);
 bool sameValue(const QVariant& a, const QVariant& b);
 
 // Reads a value as a person types it, for an input that has a value of the given kind ("slider", "color" and so on);
-// false if the text makes no sense for it. A number needs to be one, but not within its limits.
+// false if the text makes no sense for it. A number needs to be one, but not within its limits. For kinds without a
+// form of their own, such as "hidden", the text is the JSON above.
 bool valueFromText(const QString& text, const QString& kind, const QStringList& choices, QVariant& value);
 
 } // namespace Host

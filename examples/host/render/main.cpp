@@ -1,0 +1,97 @@
+// Renders a project without a window.
+
+#include "options.h"
+#include "plan.h"
+#include "project.h"
+#include "renderer.h"
+#include "report.h"
+
+#include <ondrel/core/platform.h>
+
+#include <QCoreApplication>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <type_traits>
+
+namespace
+{
+
+constexpr int kFailed = 1, kUsage = 2, kInterrupted = 130;
+
+volatile std::sig_atomic_t stopWord = 0; // read by the library as an int
+
+extern "C" void onSignal(int)
+{
+    stopWord = 1;
+}
+
+void listenToSignals()
+{
+    struct sigaction action {
+    };
+    action.sa_handler = onSignal;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
+
+int complain(const QString& sentence)
+{
+    std::fprintf(stderr, "ondrel-render: %s\n", sentence.toUtf8().constData());
+    return kUsage;
+}
+
+void warn(const QStringList& sentences)
+{
+    for (const QString& sentence : sentences)
+        std::fprintf(stderr, "%s\n", sentence.toUtf8().constData());
+}
+
+int run(const Options& options)
+{
+    Host::NodeTypes types;
+    warn(Host::loadPlugins(options.plugins.isEmpty() ? Ondrel::Platform::PluginsDirectory() : options.plugins, types));
+    const Host::ProjectReading reading = Host::loadProject(options.project, types);
+    if (!reading.project)
+        return complain(options.project + ": " + reading.error);
+    const Plan plan = makePlan(*reading.project, types, options);
+    if (!plan.error.isEmpty())
+        return complain(plan.error);
+    warn(reading.notes);
+    Report report(options.json, plan.jobs.size());
+    if (options.dryRun) {
+        for (const Job& job : plan.jobs)
+            report.planned(job);
+        return 0;
+    }
+    listenToSignals();
+    static_assert(std::is_same_v<std::sig_atomic_t, int>);
+    render(plan, types, options, *const_cast<const int*>(&stopWord), report);
+    if (stopWord == 1) {
+        report.interrupted();
+        return kInterrupted;
+    }
+    report.summary();
+    return report.failures() == 0 ? 0 : kFailed;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    PlatformPrivate::setup(argc, &argv);
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setOrganizationName("Ondrel");
+    QCoreApplication::setApplicationName("ondrel-render");
+    Options options;
+    int status = 0;
+    if (!readOptions(argc, argv, options, status))
+        return status;
+    try {
+        return run(options);
+    } catch (const std::exception& exception) {
+        std::fprintf(stderr, "ondrel-render: %s\n", exception.what());
+        return kFailed;
+    }
+}
