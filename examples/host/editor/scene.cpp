@@ -348,13 +348,13 @@ void Scene::addWire(const Connection& connection)
 {
     Anchor* const output = anchorOf(connection.from, connection.output, true);
     Anchor* const input = anchorOf(connection.to, connection.input, false);
+    m_rewired.insert(connection.to); // also where the item has no such input: it is made anew then
     if (!output || !input)
         return;
     m_wires.push_back({connection, std::make_unique<Viewer::WireItem>()});
     addItem(m_wires.back().item.get());
     telling(*item(connection.from), *output, true, item(connection.to)->inputDisplayNameOfFieldByAnchor(input));
     telling(*item(connection.to), *input, true, item(connection.from)->outputDisplayNameOfFieldByAnchor(output));
-    m_rewired.insert(connection.to);
     item(connection.to)->layout();
     placeWires(connection.to);
 }

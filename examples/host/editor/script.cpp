@@ -73,7 +73,7 @@ bool Script::runLine(const QStringList& words)
     const QString& command = words[0];
     if (command == "open" || command == "save" || command == "import")
         return runFile(words);
-    if (command == "wire" || command == "unwire" || command == "drop")
+    if (command == "wire" || command == "unwire" || command == "replug" || command == "drop")
         return runWire(words);
     if (command == "expect")
         return expect(words);
@@ -138,13 +138,13 @@ bool Script::runWire(const QStringList& words)
     PreviewNode* const item = from ? m_window.scene().item(from->id) : nullptr;
     if (!item)
         return fail("there is no such node");
-    const bool takesOff = words[0] == "unwire";
+    const bool takesOff = words[0] == "unwire" || words[0] == "replug";
     Anchor* const start =
         takesOff ? item->inputAnchorOfFieldByName(words.value(2)) : item->outputAnchorOfFieldByName(words.value(2));
     if (!start)
         return fail("there is no such field");
     const QPointF begin = start->sceneBoundingRect().center();
-    if (words[0] == "wire") {
+    if (words[0] == "wire" || words[0] == "replug") {
         const NodeRecord* const to = graph.nodeByName(words.value(3));
         PreviewNode* const other = to ? m_window.scene().item(to->id) : nullptr;
         Anchor* const end = other ? other->inputAnchorOfFieldByName(words.value(4)) : nullptr;

@@ -17,6 +17,7 @@ class EditorWindow;
 //   add TYPE X Y NAME                a node of that kind, as the search makes it
 //   wire NODE OUTPUT NODE INPUT      drawn with the mouse from anchor to anchor
 //   unwire NODE INPUT                drawn off with the mouse, and let go beside
+//   replug NODE INPUT NODE INPUT     the end of a wire carried to another input
 //   drop NODE OUTPUT X Y             a wire let go over the canvas, where the search opens; "type" answers it
 //   type TEXT                        into the search that is open, and Return
 //   set NODE FIELD TEXT              a value, as it is typed

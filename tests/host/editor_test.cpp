@@ -1,0 +1,444 @@
+#include "clipboardgraph.h"
+#include "editorwindow.h"
+#include "imagepane.h"
+#include "nodesearch.h"
+#include "scene.h"
+#include "sceneview.h"
+#include "script.h"
+#include "values.h"
+
+#include <ondrel/resources/resourceengine.h>
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QStatusBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <cstring>
+#include <functional>
+#include <future>
+#include <thread>
+
+using namespace Host;
+
+namespace
+{
+
+const NodeTypes& nodeTypes()
+{
+    static const NodeTypes types = [] {
+        NodeTypes loaded;
+        const QStringList problems = loadPlugins(ONDREL_TEST_PLUGINS, loaded);
+        EXPECT_TRUE(problems.isEmpty()) << qPrintable(problems.join('\n'));
+        return loaded;
+    }();
+    return types;
+}
+
+// A window with a picture, and what a user does to it.
+class Editor : public ::testing::Test
+{
+protected:
+    Editor()
+        : window(nodeTypes())
+        , script(window, QDir(folder.path()))
+    {
+        window.setAttribute(Qt::WA_DontShowOnScreen);
+        window.resize(1200, 900);
+        window.show();
+        QImage picture(90, 60, QImage::Format_RGB888);
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x)
+                picture.setPixelColor(x, y, QColor(x * 2, y * 4, (x * 7 + y * 13) % 256));
+        }
+        EXPECT_TRUE(picture.save(path("photo.png")));
+        play("import " + path("photo.png") + " 0 0");
+    }
+
+    QString path(const QString& name) const { return folder.filePath(name); }
+
+    void play(const QString& lines) { EXPECT_TRUE(script.run(lines)) << qPrintable(script.error()); }
+
+    // The picture, a blur, a levels node, in a row, without wires.
+    void addThree()
+    {
+        play("add essentials/gaussianblur 260 0 Blur\n"
+             "add essentials/levels 520 0 Levels\n"
+             "key A\n");
+    }
+
+    void addChain()
+    {
+        addThree();
+        play("wire photo image Blur image\n"
+             "wire Blur image Levels image\n"
+             "expect wires 2\n");
+    }
+
+    const Graph& graph() { return window.document().graph(); }
+    NodeId id(const QString& name) { return graph().nodeByName(name) ? graph().nodeByName(name)->id : 0; }
+    QString status() { return window.statusBar()->currentMessage(); }
+    QVariant value(const QString& node, const QString& field)
+    {
+        const NodeRecord& record = *graph().nodeByName(node);
+        return completeValues(record, *nodeTypes().find(record.type)).value(field);
+    }
+
+    // Once the search is open, which runs an event loop of its own.
+    void inSearch(const std::function<void(NodeSearch&)>& then)
+    {
+        QTimer::singleShot(1, &window, [this, then] {
+            if (auto* const search = window.findChild<NodeSearch*>())
+                then(*search);
+            else
+                inSearch(then);
+        });
+    }
+
+    void settle() { play("wait"); }
+
+    // What the view shows, computed anew without the editor.
+    Picture freshPicture(NodeId node)
+    {
+        ResultCache cache(1 << 20);
+        return std::async(std::launch::async,
+                          [&] {
+                              return evaluate(graph(), nodeTypes(), {node, QString(), 1}, cache, Ondrel::RunStatus());
+                          })
+            .get()
+            .picture;
+    }
+
+    QTemporaryDir folder;
+    EditorWindow window;
+    Script script;
+};
+
+bool equalPictures(const Picture& a, const Picture& b)
+{
+    return a.image && b.image && a.image->width == b.image->width && a.image->height == b.image->height &&
+           std::memcmp(a.image->data, b.image->data, std::size_t(a.image->width) * a.image->height * 8) == 0;
+}
+
+QStringList offered(const NodeSearch& search)
+{
+    QStringList ids;
+    const auto* const list = search.findChild<QListWidget*>();
+    for (int i = 0; i < list->count(); ++i)
+        ids.append(list->item(i)->data(Qt::UserRole).toString());
+    return ids;
+}
+
+} // namespace
+
+TEST_F(Editor, ImportAddsANodeThatTheViewShows)
+{
+    EXPECT_EQ(graph().nodes.size(), 1u);
+    EXPECT_EQ(window.scene().primary(), id("photo"));
+    ASSERT_TRUE(window.imagePane().picture().image);
+    EXPECT_EQ(window.imagePane().picture().fullSize, QSize(90, 60));
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("photo"))));
+}
+
+TEST_F(Editor, FileThatIsNoImageIsNamedInTheStatusLine)
+{
+    QFile file(path("text.png"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("not a picture");
+    file.close();
+    play("import " + file.fileName() + " 0 0");
+    EXPECT_EQ(graph().nodes.size(), 1u);
+    EXPECT_TRUE(status().contains("text.png")) << qPrintable(status());
+}
+
+TEST_F(Editor, WireIsDrawnFromAnOutputAndTakenOffAnInput)
+{
+    addThree();
+    play("wire photo image Blur image");
+    ASSERT_EQ(graph().connections.size(), 1u);
+    EXPECT_EQ(graph().connections[0], (Connection{id("photo"), "image", id("Blur"), "image"}));
+    play("unwire Blur image\nexpect wires 0\nkey Ctrl+Z\nexpect wires 1\nkey Ctrl+Z\nexpect wires 0\n"
+         "key Ctrl+Shift+Z\nexpect wires 1");
+}
+
+TEST_F(Editor, WireIsFoundWhereItIsDrawn)
+{
+    addThree();
+    play("wire photo image Blur image");
+    const auto center = [](const Anchor* anchor) { return anchor->sceneBoundingRect().center(); };
+    const QPointF from = center(window.scene().item(id("photo"))->outputAnchorOfFieldByName("image"));
+    const QPointF to = center(window.scene().item(id("Blur"))->inputAnchorOfFieldByName("image"));
+    EXPECT_EQ(window.scene().connectionAt((from + to) / 2), graph().connections[0]);
+    EXPECT_EQ(window.scene().connectionAt((from + to) / 2 + QPointF(0, 300)), std::nullopt);
+}
+
+TEST_F(Editor, EndOfAWireIsCarriedToAnotherInputInOneStep)
+{
+    addThree();
+    play("wire photo image Blur image\nreplug Blur image Levels image\nexpect wires 1");
+    EXPECT_EQ(graph().connections[0], (Connection{id("photo"), "image", id("Levels"), "image"}));
+    play("key Ctrl+Z\nexpect wires 1");
+    EXPECT_EQ(graph().connections[0], (Connection{id("photo"), "image", id("Blur"), "image"}));
+}
+
+TEST_F(Editor, SecondWireIntoAnInputReplacesTheFirst)
+{
+    addChain();
+    play("wire photo image Levels image\nexpect wires 2");
+    EXPECT_EQ(graph().into(id("Levels"), "image")->from, id("photo"));
+    play("key Ctrl+Z");
+    EXPECT_EQ(graph().into(id("Levels"), "image")->from, id("Blur"));
+}
+
+TEST_F(Editor, WireThatWouldCloseACycleIsRefusedWithAReason)
+{
+    addChain();
+    play("wire Levels image Blur image\nexpect wires 2");
+    const QString reason = whyNotConnect(graph(), nodeTypes(), {id("Levels"), "image", id("Blur"), "image"});
+    EXPECT_FALSE(reason.isEmpty());
+    EXPECT_EQ(status(), reason);
+    EXPECT_EQ(graph().into(id("Blur"), "image")->from, id("photo"));
+}
+
+TEST_F(Editor, TabOpensTheSearchAndReturnAddsTheMarkedNode)
+{
+    inSearch([](NodeSearch& search) {
+        auto* const line = search.findChild<QLineEdit*>();
+        QTest::keyClicks(line, "gauss");
+        EXPECT_EQ(offered(search).value(0), "essentials/gaussianblur");
+        QTest::keyClick(line, Qt::Key_Return);
+    });
+    window.sceneView().setFocus();
+    QTest::keyClick(&window.sceneView(), Qt::Key_Tab);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return graph().nodes.size() == 2; }));
+    EXPECT_NE(id("Gaussian Blur"), 0u);
+    play("key Ctrl+Z\nexpect nodes 1");
+}
+
+TEST_F(Editor, DoubleClickOpensTheSearchThereAndEscapeAddsNothing)
+{
+    bool opened = false;
+    inSearch([&](NodeSearch& search) {
+        opened = true;
+        QTest::keyClick(search.findChild<QLineEdit*>(), Qt::Key_Escape);
+    });
+    QTest::mouseDClick(window.sceneView().viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(20, 20));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return opened; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window.findChild<NodeSearch*>(); }));
+    EXPECT_EQ(graph().nodes.size(), 1u);
+}
+
+TEST_F(Editor, SearchFindsByCategoryAndKeyword)
+{
+    QStringList found;
+    for (const NodeType* type : findTypes(nodeTypes(), "keystone"))
+        found.append(type->id);
+    EXPECT_EQ(found, QStringList("essentials/perspective"));
+    found.clear();
+    for (const NodeType* type : findTypes(nodeTypes(), "Geometry"))
+        found.append(type->id);
+    EXPECT_TRUE(found.contains("essentials/crop"));
+    EXPECT_FALSE(found.contains("essentials/gaussianblur"));
+}
+
+TEST_F(Editor, DroppedWireOpensTheSearchAndConnectsWhatIsChosen)
+{
+    play("type levels\ndrop photo image 300 300");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return graph().nodes.size() == 2; }));
+    ASSERT_EQ(graph().connections.size(), 1u);
+    EXPECT_EQ(graph().connections[0].from, id("photo"));
+    EXPECT_EQ(graph().connections[0].to, id("Levels"));
+    play("key Ctrl+Z\nexpect nodes 1\nexpect wires 0\nkey Ctrl+Shift+Z\nexpect nodes 2\nexpect wires 1");
+}
+
+TEST_F(Editor, SearchForAWireLeavesOutTypesWithoutSuchAnInput)
+{
+    const NodeSearch forOutput(nodeTypes(), "image", true, &window);
+    const QStringList ids = offered(forOutput);
+    EXPECT_TRUE(ids.contains("essentials/merge"));
+    EXPECT_TRUE(ids.contains("essentials/histogram"));
+    EXPECT_FALSE(ids.contains("essentials/image"));
+    const NodeSearch forInput(nodeTypes(), "image", false, &window);
+    EXPECT_FALSE(offered(forInput).contains("essentials/histogram"));
+    EXPECT_TRUE(offered(forInput).contains("essentials/image"));
+}
+
+TEST_F(Editor, CopyAndPasteKeepValuesAndInnerWires)
+{
+    addChain();
+    play("set Blur radiusx 12.5\nselect Blur Levels\nkey Ctrl+C\nkey Ctrl+V\nexpect nodes 5\nexpect wires 3");
+    EXPECT_EQ(value("Blur 2", "radiusx"), value("Blur", "radiusx"));
+    EXPECT_EQ(graph().into(id("Levels 2"), "image")->from, id("Blur 2"));
+    EXPECT_EQ(graph().into(id("Blur 2"), "image"), nullptr);
+    EXPECT_EQ(window.scene().selectedNodes(), (std::vector<NodeId>{id("Blur 2"), id("Levels 2")}));
+    EXPECT_TRUE(graphFromText(QApplication::clipboard()->text().toUtf8()));
+    play("key Ctrl+Z\nexpect nodes 3\nexpect wires 2");
+}
+
+TEST_F(Editor, CutIsOneStepAndPasteBringsBack)
+{
+    addChain();
+    play("select Blur Levels\nkey Ctrl+X\nexpect nodes 1\nexpect wires 0\nkey Ctrl+V\nexpect nodes 3\nexpect wires 1\n"
+         "key Ctrl+Z\nkey Ctrl+Z\nexpect nodes 3\nexpect wires 2");
+}
+
+TEST_F(Editor, DuplicateLeavesTheClipboardAlone)
+{
+    addChain();
+    QApplication::clipboard()->setText("mine");
+    play("select Blur Levels\nkey Ctrl+D\nexpect nodes 5\nexpect wires 3\nkey Ctrl+Z\nexpect nodes 3");
+    EXPECT_EQ(QApplication::clipboard()->text(), "mine");
+}
+
+TEST_F(Editor, PasteOfOtherTextIsRefused)
+{
+    QApplication::clipboard()->setText("{\"ondrel nodes\": 1, \"nodes\": [7]}");
+    play("key Ctrl+V\nexpect nodes 1");
+    EXPECT_FALSE(status().isEmpty());
+}
+
+TEST_F(Editor, DeleteTakesTheWiresAndUndoBringsThemBack)
+{
+    addChain();
+    play("select Blur\nkey Delete\nexpect nodes 2\nexpect wires 0\nkey Ctrl+Z\nexpect nodes 3\nexpect wires 2");
+    EXPECT_TRUE(window.scene().item(id("Blur"))->inputAnchorOfFieldByName("image")->connected());
+}
+
+TEST_F(Editor, VariableNodeGoesThroughUndoAndRedo)
+{
+    addThree();
+    play("add essentials/merge 780 0 Merge\nkey A\n"
+         "wire photo image Merge layer0\nexpect wires 1\nwire Blur image Merge layer1\nexpect wires 2");
+    const Graph full = graph();
+    play("key Ctrl+Z\nexpect wires 1\nkey Ctrl+Z\nexpect wires 0\nkey Ctrl+Shift+Z\nkey Ctrl+Shift+Z\nexpect wires 2");
+    EXPECT_TRUE(graph() == full);
+    for (const Connection& connection : graph().connections) {
+        const Anchor* const input = window.scene().item(id("Merge"))->inputAnchorOfFieldByName(connection.input);
+        ASSERT_TRUE(input) << qPrintable(connection.input);
+        EXPECT_TRUE(input->connected());
+    }
+    play("unwire Merge layer0\nexpect wires 1\nkey Ctrl+Z\nexpect wires 2");
+    EXPECT_TRUE(graph() == full);
+}
+
+TEST_F(Editor, BypassHandsThePictureThrough)
+{
+    addChain();
+    play("show Blur\nwait\nselect Blur");
+    EXPECT_FALSE(equalPictures(window.imagePane().picture(), freshPicture(id("photo"))));
+    play("key D\nwait");
+    EXPECT_TRUE(graph().node(id("Blur"))->bypassed);
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("photo"))));
+    EXPECT_LT(window.scene().item(id("Blur"))->opacity(), 1);
+    play("key Ctrl+Z\nwait");
+    EXPECT_FALSE(graph().node(id("Blur"))->bypassed);
+    EXPECT_FALSE(equalPictures(window.imagePane().picture(), freshPicture(id("photo"))));
+}
+
+TEST_F(Editor, GroupMovesTogetherInOneStep)
+{
+    addChain();
+    const QPointF blur = graph().nodeByName("Blur")->position, levels = graph().nodeByName("Levels")->position;
+    play("select Blur Levels\nmove Blur 60 40");
+    const QPointF moved = graph().nodeByName("Blur")->position - blur;
+    EXPECT_GT(moved.x(), 30);
+    EXPECT_GT(moved.y(), 20);
+    EXPECT_EQ(graph().nodeByName("Levels")->position - levels, moved);
+    play("key Ctrl+Z");
+    EXPECT_EQ(graph().nodeByName("Blur")->position, blur);
+    EXPECT_EQ(graph().nodeByName("Levels")->position, levels);
+    EXPECT_EQ(window.scene().item(id("Levels"))->pos(), levels);
+}
+
+TEST_F(Editor, ProjectComesBackAsItWasSaved)
+{
+    addChain();
+    play("set Blur radiusx 3.5\nshow Levels\nsave " + path("a.ondrel"));
+    EXPECT_TRUE(window.document().undoStack().isClean());
+    const Graph before = graph();
+    play("set Blur radiusx 7\nopen " + path("a.ondrel") + "\nexpect nodes 3\nexpect wires 2");
+    EXPECT_EQ(value("Blur", "radiusx").toDouble(), 3.5);
+    EXPECT_EQ(graph().connections, before.connections);
+    EXPECT_EQ(window.scene().primary(), id("Levels"));
+    settle();
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("Levels"))));
+    play("save " + path("b.ondrel"));
+    QFile a(path("a.ondrel")), b(path("b.ondrel"));
+    ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
+    EXPECT_EQ(a.readAll(), b.readAll());
+}
+
+TEST_F(Editor, DamagedProjectLeavesTheDocument)
+{
+    QFile file(path("bad.ondrel"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("{\"format\": \"ondrel-project\",\n \"version\": ");
+    file.close();
+    play("open " + file.fileName() + "\nexpect nodes 1");
+    EXPECT_TRUE(status().contains("Line 2")) << qPrintable(status());
+    EXPECT_TRUE(window.isEnabled());
+}
+
+TEST_F(Editor, ErrorStandsOnTheNodeUntilItIsGone)
+{
+    play("add essentials/perspective 260 0 View\nkey A\nwire photo image View image\nshow View");
+    const QVariant corner = QPointF(0.5, 0.5);
+    window.document().setValue(id("View"), "corners", QVariantList{corner, corner, corner, corner});
+    settle();
+    EXPECT_TRUE(window.scene().item(id("View"))->toolTip().contains("corners"));
+    EXPECT_TRUE(window.scene().item(id("photo"))->toolTip().isEmpty());
+    play("key Ctrl+Z\nwait");
+    EXPECT_TRUE(window.scene().item(id("View"))->toolTip().isEmpty());
+}
+
+TEST_F(Editor, NewestValueWins)
+{
+    addChain();
+    play("show Levels");
+    for (int radius = 1; radius <= 40; ++radius) {
+        window.document().setValue(id("Blur"), "radiusx", radius * 0.5, 1);
+        QApplication::processEvents();
+    }
+    settle();
+    EXPECT_EQ(value("Blur", "radiusx").toDouble(), 20);
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("Levels"))));
+    play("key Ctrl+Z"); // one gesture
+    EXPECT_EQ(value("Blur", "radiusx").toDouble(), 5);
+}
+
+// Whatever would wait for the store, waits for ever here.
+TEST_F(Editor, NothingOnTheUserInterfaceThreadWaitsForTheStore)
+{
+    std::promise<void> locked, release;
+    std::thread holder([&] {
+        std::unordered_map<unsigned int, std::shared_ptr<ResourceEngine::ImageInfo>>* resources = nullptr;
+        ResourceEngine::Get().BeginManualResources(&resources);
+        locked.set_value();
+        // The time limit turns a deadlock into a failure.
+        EXPECT_EQ(release.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+        ResourceEngine::Get().EndManualResources(ResourceEngine::EndManualNoChange);
+    });
+    locked.get_future().wait();
+    addChain();
+    window.evaluator().cache().clear();
+    play("show Levels\nset Blur radiusx 9\nselect Blur\nkey Ctrl+D\nkey D\nkey Delete\nkey Ctrl+Z");
+    window.importFiles({path("photo.png")}, QPointF());
+    window.saveProject(path("locked.ondrel"));
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < 200)
+        QApplication::processEvents();
+    release.set_value();
+    holder.join();
+    settle();
+    EXPECT_TRUE(QFile::exists(path("locked.ondrel")));
+}
