@@ -11,7 +11,7 @@ namespace
 // Whatever a plug-in throws is turned into a sentence, so that the host goes on without it.
 QString loadOne(const QString& name, const QDir& folder, NodeTypes& types, QStringList& problems)
 {
-    QPluginLoader loader(folder.filePath(name));
+    QPluginLoader loader(folder.absoluteFilePath(name));  // others are looked for in Qt's own folders
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint); // a missing symbol shows here, not in the middle of work
     if (loader.metaData().value("IID").toString() != OndrelNodePlugin_iid)
         return loader.fileName().isEmpty() ? QString("there is no shared object") : QString("it is no node plug-in");

@@ -2,6 +2,7 @@
 #include "editorwindow.h"
 #include "imagepane.h"
 #include "nodesearch.h"
+#include "pictures.h"
 #include "scene.h"
 #include "sceneview.h"
 #include "script.h"
@@ -429,7 +430,7 @@ TEST_F(Editor, NothingOnTheUserInterfaceThreadWaitsForTheStore)
     });
     locked.get_future().wait();
     addChain();
-    window.evaluator().cache().clear();
+    window.pictures().evaluator().cache().clear();
     play("show Levels\nset Blur radiusx 9\nselect Blur\nkey Ctrl+D\nkey D\nkey Delete\nkey Ctrl+Z");
     window.importFiles({path("photo.png")}, QPointF());
     window.saveProject(path("locked.ondrel"));

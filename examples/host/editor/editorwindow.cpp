@@ -3,6 +3,7 @@
 #include "clipboardgraph.h"
 #include "imagepane.h"
 #include "nodesearch.h"
+#include "pictures.h"
 #include "project.h"
 #include "scene.h"
 #include "sceneview.h"
@@ -28,10 +29,7 @@ namespace Host
 namespace
 {
 
-constexpr std::size_t kCacheBytes = std::size_t(1) << 30;
 constexpr int kMessageTime = 8000;
-constexpr int kPrimarySlot = -1;
-constexpr int kThumbnailWidth = 182;
 const char* const kClipboardType = "application/x-ondrel-nodes+json";
 
 } // namespace
@@ -40,10 +38,10 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     : QMainWindow(parent)
     , m_types(types)
     , m_document(types)
-    , m_evaluator(types, kCacheBytes)
     , m_scene(new Scene(m_document, this))
     , m_sceneView(new SceneView(*m_scene))
     , m_imagePane(new ImagePane)
+    , m_pictures(new Pictures(m_document, *m_scene, *m_imagePane, this))
 {
     auto* splitter = new QSplitter(Qt::Vertical, this);
     splitter->addWidget(m_imagePane);
@@ -53,27 +51,18 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     statusBar();
     addActions();
 
-    m_requestTimer.setSingleShot(true);
-    m_requestTimer.setInterval(0); // one request for all that an edit changes
-    connect(&m_requestTimer, SIGNAL(timeout()), this, SLOT(requestPictures()));
-    connect(&m_document, SIGNAL(changed()), &m_requestTimer, SLOT(start()));
-    connect(m_scene, SIGNAL(shownNodesChanged()), &m_requestTimer, SLOT(start()));
-    connect(m_imagePane, SIGNAL(zoomChanged()), &m_requestTimer, SLOT(start()));
     connect(m_scene, &Scene::refused, this,
             [this](const QString& reason) { statusBar()->showMessage(reason, kMessageTime); });
     // The search runs an event loop, which is not to run inside of the mouse event that drops the wire.
     connect(m_scene, &Scene::wireDropped, this, &EditorWindow::addWiredNode, Qt::QueuedConnection);
     connect(m_sceneView, SIGNAL(searchWanted(QPointF)), this, SLOT(searchNode(QPointF)), Qt::QueuedConnection);
-    connect(&m_evaluator, &Evaluator::pictureReady, this, &EditorWindow::takePicture);
-    connect(&m_evaluator, &Evaluator::errorsFound, m_scene, &Scene::setErrors);
-    connect(&m_evaluator, &Evaluator::nodeBusy, m_scene, &Scene::setBusy);
     connect(&m_document.undoStack(), SIGNAL(cleanChanged(bool)), this, SLOT(updateTitle()));
     updateTitle();
 }
 
 EditorWindow::~EditorWindow()
 {
-    m_evaluator.cancel();
+    delete m_pictures;
     m_document.disconnect(this);
     m_document.undoStack().disconnect(this); // it tells of its end when the title is gone
     delete m_sceneView;
@@ -392,44 +381,9 @@ void EditorWindow::fitSelected()
     m_sceneView->fit(m_scene->nodesRect(m_scene->selectedNodes()));
 }
 
-// ---- Pictures
-
 bool EditorWindow::isSettled() const
 {
-    return !m_requestTimer.isActive() && !m_evaluator.isBusy() && !m_worker.isBusy();
-}
-
-void EditorWindow::requestPictures()
-{
-    const Graph& graph = m_document.graph();
-    std::vector<Evaluator::Wish> wishes;
-    if (m_scene->primary() != 0) {
-        const QSize size = fullSize(graph, m_types, {m_scene->primary(), QString(), 1});
-        wishes.push_back({kPrimarySlot, {m_scene->primary(), QString(), m_imagePane->scaleFor(size)}, true});
-    } else {
-        m_imagePane->setPicture(Picture());
-    }
-    m_previewNodes.clear();
-    for (const auto& [id, record] : graph.nodes) {
-        const PreviewNode* const item = m_scene->item(id);
-        if (!item || item->inputIndexOfFieldByName("preview") < 0)
-            continue;
-        const QSize size = fullSize(graph, m_types, {id, QString(), 1});
-        const double scale = size.isEmpty() ? 1.0 / 8 : std::min(1.0, double(kThumbnailWidth) / size.width());
-        wishes.push_back({int(m_previewNodes.size()), {id, QString(), scale}, false});
-        m_previewNodes.push_back(id);
-    }
-    m_evaluator.request(graph, wishes);
-}
-
-void EditorWindow::takePicture(int slot, const Picture& picture, double)
-{
-    if (slot == kPrimarySlot)
-        m_imagePane->setPicture(picture);
-    else if (std::size_t(slot) < m_previewNodes.size()) {
-        if (PreviewNode* const item = m_scene->item(m_previewNodes[std::size_t(slot)]))
-            item->setPreviewImage(picture.image);
-    }
+    return !m_pictures->isWaiting() && !m_worker.isBusy();
 }
 
 } // namespace Host

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "document.h"
-#include "evaluator.h"
 #include "project.h"
 #include "worker.h"
 
 #include <QMainWindow>
-#include <QTimer>
 
 #include <memory>
 #include <optional>
@@ -15,6 +13,7 @@ namespace Host
 {
 
 class ImagePane;
+class Pictures;
 class Scene;
 class SceneView;
 
@@ -30,7 +29,7 @@ public:
     Scene& scene() { return *m_scene; }
     SceneView& sceneView() { return *m_sceneView; }
     ImagePane& imagePane() { return *m_imagePane; }
-    Evaluator& evaluator() { return m_evaluator; }
+    Pictures& pictures() { return *m_pictures; }
 
     // Files are read and written in the background; the window cannot be edited meanwhile. A failure is shown, and the
     // document stays.
@@ -61,8 +60,6 @@ private Q_SLOTS:
     void saveAs();
     void importImages();
     void addWiredNode(Host::NodeId node, const QString& field, bool fromOutput, QPointF at);
-    void requestPictures();
-    void takePicture(int slot, const Host::Picture& picture, double scale);
     void updateTitle();
 
 private:
@@ -77,13 +74,11 @@ private:
 
     const NodeTypes& m_types;
     Document m_document;
-    Evaluator m_evaluator;
     Scene* m_scene;
     SceneView* m_sceneView;
     ImagePane* m_imagePane;
+    Pictures* m_pictures;
     Worker m_worker;
-    QTimer m_requestTimer;
-    std::vector<NodeId> m_previewNodes; // by slot
     QString m_file;
     std::set<std::uint32_t> m_embedded; // resources that are saved with their bytes
 };

@@ -6,6 +6,8 @@
 #include "sceneview.h"
 #include "values.h"
 
+#include <ondrel/nodes/fieldbase.h>
+
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
@@ -79,6 +81,8 @@ bool Script::runLine(const QStringList& words)
         return expect(words);
     if (command == "set")
         return set(words);
+    if (command == "slide")
+        return slide(words);
     if (command == "key")
         return pressKey(words.value(1));
     if (command == "type") {
@@ -200,6 +204,24 @@ bool Script::set(const QStringList& words)
         return fail("there is no such value");
     m_window.document().setValue(record->id, words.value(2), value);
     return true;
+}
+
+bool Script::slide(const QStringList& words)
+{
+    const NodeRecord* const record = m_window.document().graph().nodeByName(words.value(1));
+    PreviewNode* const item = record ? m_window.scene().item(record->id) : nullptr;
+    if (!item)
+        return fail("there is no such node");
+    for (const QGraphicsItem* child : item->childItems()) {
+        const auto* const field =
+            child->type() == Ondrel::FieldBase::Type ? static_cast<const Ondrel::FieldBase*>(child) : nullptr;
+        if (!field || field->name() != words.value(2))
+            continue;
+        const QRectF box = field->sceneBoundingRect();
+        drag(box.center(), QPointF(box.left() + box.width() * words.value(3).toDouble(), box.center().y()));
+        return true;
+    }
+    return fail("there is no such field");
 }
 
 bool Script::expect(const QStringList& words)

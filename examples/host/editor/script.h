@@ -21,6 +21,7 @@ class EditorWindow;
 //   drop NODE OUTPUT X Y             a wire let go over the canvas, where the search opens; "type" answers it
 //   type TEXT                        into the search that is open, and Return
 //   set NODE FIELD TEXT              a value, as it is typed
+//   slide NODE FIELD PART            a slider, dragged with the mouse to a part of its width from 0 to 1
 //   select NODE...                   and no others
 //   move NODE DX DY                  dragged with the mouse by its header
 //   show NODE                        in the view
@@ -45,6 +46,7 @@ private:
     bool runWire(const QStringList& words);
     bool expect(const QStringList& words);
     bool set(const QStringList& words);
+    bool slide(const QStringList& words);
     bool pressKey(const QString& sequence);
     bool type(const QString& text);
     bool wait();

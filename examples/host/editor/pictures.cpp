@@ -1,0 +1,98 @@
+#include "pictures.h"
+
+#include "imagepane.h"
+
+#include <algorithm>
+
+namespace Host
+{
+namespace
+{
+
+constexpr std::size_t kCacheBytes = std::size_t(1) << 30;
+constexpr int kThumbnailWidth = 182;
+
+// The first wire that ends at the node, in the order of its fields on screen.
+const Connection* firstInto(const Graph& graph, const PreviewNode& item, NodeId id)
+{
+    for (unsigned long i = 0; i < item.inputFieldCount(); ++i) {
+        if (const Connection* const connection = graph.into(id, item.inputNameOfFieldByIndex(i)))
+            return connection;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+Pictures::Pictures(Document& document, Scene& scene, ImagePane& pane, QObject* parent)
+    : QObject(parent)
+    , m_document(document)
+    , m_scene(scene)
+    , m_pane(pane)
+    , m_evaluator(document.types(), kCacheBytes)
+    , m_shownGraph([&document] { return document.graph(); })
+{
+    m_timer.setSingleShot(true);
+    connect(&m_timer, SIGNAL(timeout()), this, SLOT(request()));
+    connect(&document, SIGNAL(changed()), this, SLOT(schedule()));
+    connect(&scene, SIGNAL(shownNodesChanged()), this, SLOT(schedule()));
+    connect(&pane, SIGNAL(zoomChanged()), this, SLOT(schedule()));
+    connect(&m_evaluator, &Evaluator::pictureReady, this, &Pictures::take);
+    connect(&m_evaluator, &Evaluator::errorsFound, &scene, &Scene::setErrors);
+    connect(&m_evaluator, &Evaluator::nodeBusy, &scene, &Scene::setBusy);
+}
+
+void Pictures::schedule()
+{
+    m_timer.start(0);
+}
+
+void Pictures::want(std::vector<Evaluator::Wish>& wishes, const Place& place, const Target& target)
+{
+    wishes.push_back({int(m_places.size()), target, place.use == Use::View});
+    m_places.push_back(place);
+}
+
+void Pictures::request()
+{
+    const Graph graph = m_shownGraph();
+    const NodeTypes& types = m_document.types();
+    std::vector<Evaluator::Wish> wishes;
+    m_places.clear();
+    if (const NodeId shown = m_scene.primary(); shown != 0)
+        want(wishes, {Use::View, shown},
+             {shown, QString(), m_pane.scaleFor(fullSize(graph, types, {shown, QString(), 1}))});
+    else
+        m_pane.setPicture(Picture());
+    const auto small = [&](NodeId node, const QString& output) {
+        const QSize size = fullSize(graph, types, {node, output, 1});
+        const double scale = size.isEmpty() ? 1.0 / 8 : std::min(1.0, double(kThumbnailWidth) / size.width());
+        return Target{node, output, scale};
+    };
+    for (const auto& [id, record] : graph.nodes) {
+        const PreviewNode* const item = m_scene.item(id);
+        if (!item)
+            continue;
+        if (item->inputIndexOfFieldByName("preview") >= 0)
+            want(wishes, {Use::Preview, id}, small(id, QString()));
+        if (const Connection* const connection = firstInto(graph, *item, id))
+            want(wishes, {Use::Input, id}, small(connection->from, connection->output));
+    }
+    m_evaluator.request(graph, wishes);
+}
+
+void Pictures::take(int slot, const Picture& picture, double)
+{
+    if (std::size_t(slot) >= m_places.size())
+        return;
+    const Place& place = m_places[std::size_t(slot)];
+    PreviewNode* const item = m_scene.item(place.node);
+    if (place.use == Use::View)
+        m_pane.setPicture(picture);
+    else if (item && place.use == Use::Preview)
+        item->setPreviewImage(picture.image);
+    else if (item)
+        item->setInputImage(picture.image);
+}
+
+} // namespace Host
