@@ -99,6 +99,7 @@ EditCommand::EditCommand(Document& document, const QString& text, const GraphCha
     , m_document(&document)
     , m_change(change)
     , m_mergeKey(mergeKey)
+    , m_bytes(sizeof(*this) + change.bytes())
 {
 }
 
@@ -113,12 +114,13 @@ bool EditCommand::mergeWith(const Ondrel::MemoryAwareUndoCommand* other)
     if (!later || later->m_mergeKey != m_mergeKey)
         return false;
     m_change.append(later->m_change);
+    m_bytes = sizeof(*this) + m_change.bytes();
     return true;
 }
 
 std::size_t EditCommand::memoryUsage() const
 {
-    return sizeof(*this) + m_change.bytes();
+    return m_bytes;
 }
 
 void EditCommand::performUndo()

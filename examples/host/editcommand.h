@@ -48,6 +48,7 @@ private:
     QPointer<Document> m_document;
     GraphChange m_change;
     QString m_mergeKey;
+    std::size_t m_bytes; // known beforehand: the stack asks every command at each push
 };
 
 } // namespace Host
