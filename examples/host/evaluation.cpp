@@ -36,6 +36,7 @@ struct Task {
     std::map<QString, std::pair<Task*, QString>> inputs; // by field: where it comes from, and which output
     bool needed = false;
     bool computed = false; // or found in the cache
+    bool starved = false;  // an input has no picture
     Result result;
 };
 
@@ -178,11 +179,11 @@ private:
         tell(m_progress.begin);
         task.result = resultOf(task);
         tell(m_progress.end);
-        if (task.result.error.isEmpty() && !isCancelled(m_status))
+        if (task.result.error.isEmpty() && !task.starved && !isCancelled(m_status))
             m_cache.insert(task.key, task.result);
     }
 
-    Result resultOf(const Task& task) const
+    Result resultOf(Task& task) const
     {
         Result result;
         if (!task.type) {
@@ -192,8 +193,10 @@ private:
         Request request;
         for (const auto& [field, source] : task.inputs) {
             const Picture picture = source.first->result.outputs.value(source.second);
-            if (!picture.image)
-                return result; // the node before says why
+            if (!picture.image) {
+                task.starved = true; // the node before says why, and has to be asked again
+                return result;
+            }
             request.inputs.insert(field, picture);
         }
         if (task.record->bypassed)
