@@ -11,7 +11,7 @@ namespace Host
 {
 
 constexpr const char* kProjectFormat = "ondrel-project";
-constexpr int kProjectVersion = 1;
+constexpr unsigned int kProjectVersion = 1;
 constexpr const char* kResourceKinds[] = {"image", "raw", "buffer"}; // by StoredResource::Form
 constexpr const char* kUnreadText = "json"; // in NodeRecord::unread: the node as it stood in the file
 

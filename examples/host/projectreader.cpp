@@ -134,9 +134,9 @@ private:
         if (text(root, "format") != kProjectFormat)
             throw Fault{member(root, "format"), "This is no project."};
         const Json& version = member(root, "version");
-        if (!version.is_number_integer() || version <= 0)
+        if (!version.is_number_unsigned() || version.get<quint64>() == 0)
             throw Fault{version, "The version is a whole number above 0."};
-        if (version > kProjectVersion)
+        if (version.get<quint64>() > kProjectVersion)
             throw Fault{version, QString("The project was saved by a newer program, as version %1. This one reads "
                                          "versions up to %2.")
                                      .arg(QString::fromStdString(version.dump()))

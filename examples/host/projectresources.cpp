@@ -1,5 +1,7 @@
 #include "projectresources.h"
 
+#include "settledprofiles.h"
+
 #include <ondrel/resources/imagebuffer.h>
 
 #include <QFile>
@@ -100,6 +102,7 @@ std::vector<std::uint32_t> addToStore(const std::vector<StoredResource>& resourc
                 handles[i] = insertRecord(mode.records(), resources[i]);
         }
     }
+    settleProfiles();
     for (std::size_t i = 0; i < resources.size(); ++i) {
         if (!hasSize(handles[i]))
             notes.append(QString("The picture \"%1\" cannot be read.").arg(resources[i].path));

@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <exception>
 #include <type_traits>
+#include <unistd.h>
 
 namespace
 {
@@ -48,8 +49,21 @@ void warn(const QStringList& sentences)
         std::fprintf(stderr, "%s\n", sentence.toUtf8().constData());
 }
 
+// The library reports odd profiles on standard output: those lines go to standard error, and this program's own to the
+// stream that is returned.
+std::FILE* takeStandardOutput()
+{
+    const int own = dup(STDOUT_FILENO);
+    std::FILE* const stream = own < 0 ? nullptr : fdopen(own, "w");
+    if (!stream)
+        return stdout;
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    return stream;
+}
+
 int run(const Options& options)
 {
+    std::FILE* const out = takeStandardOutput();
     Host::NodeTypes types;
     warn(Host::loadPlugins(options.plugins.isEmpty() ? Ondrel::Platform::PluginsDirectory() : options.plugins, types));
     const Host::ProjectReading reading = Host::loadProject(options.project, types);
@@ -59,7 +73,7 @@ int run(const Options& options)
     if (!plan.error.isEmpty())
         return complain(plan.error);
     warn(reading.notes);
-    Report report(options.json, plan.jobs.size());
+    Report report(out, options.json, plan.jobs.size());
     if (options.dryRun) {
         for (const Job& job : plan.jobs)
             report.planned(job);

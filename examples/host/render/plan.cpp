@@ -1,6 +1,7 @@
 #include "plan.h"
 
 #include "pictureexport.h"
+#include "settledprofiles.h"
 #include "values.h"
 
 #include <ondrel/resources/resourceengine.h>
@@ -56,6 +57,7 @@ QVariant addPicture(const QString& file, bool raw)
     Ondrel::ResourceId id;
     if (!(raw ? ResourceEngine::Get().AddRawImage(name, id) : ResourceEngine::Get().AddImage(name, id)))
         throw Refusal{QString("\"%1\" cannot be read as a picture.").arg(file)};
+    settleProfiles();
     return QVariant::fromValue(id);
 }
 

@@ -4,6 +4,7 @@
 #include "memorygate.h"
 #include "pictureexport.h"
 #include "resultcache.h"
+#include "settledprofiles.h"
 
 #include <ondrel/resources/resourceengine.h>
 
@@ -36,6 +37,7 @@ public:
         const std::string name = QFile::encodeName(QFileInfo(file).absoluteFilePath()).toStdString();
         ResourceEngine& store = ResourceEngine::Get();
         m_isThere = raw ? store.AddRawImage(name, m_id) : store.AddImage(name, m_id);
+        settleProfiles();
     }
     ~StoredPicture()
     {

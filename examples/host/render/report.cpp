@@ -1,7 +1,5 @@
 #include "report.h"
 
-#include <nlohmann/json.hpp>
-
 #include <cstdio>
 #include <unistd.h>
 
@@ -12,16 +10,11 @@ namespace
 
 constexpr int kBarWidth = 30;
 
-void print(const Json& json)
-{
-    std::printf("%s\n", json.dump().c_str());
-    std::fflush(stdout);
-}
-
 } // namespace
 
-Report::Report(bool json, std::size_t jobs)
-    : m_json(json)
+Report::Report(std::FILE* out, bool json, std::size_t jobs)
+    : m_out(out)
+    , m_json(json)
     , m_terminal(isatty(STDERR_FILENO) != 0)
     , m_all(int(jobs))
 {
@@ -75,7 +68,13 @@ void Report::summary()
                {"skipped", m_skipped},
                {"milliseconds", m_clock.elapsed()}});
     else
-        std::printf("%d done, %d failed, %d skipped\n", m_done, m_failed, m_skipped);
+        std::fprintf(m_out, "%d done, %d failed, %d skipped\n", m_done, m_failed, m_skipped);
+}
+
+void Report::print(const Json& json)
+{
+    std::fprintf(m_out, "%s\n", json.dump().c_str());
+    std::fflush(m_out);
 }
 
 void Report::line(const char* event, const Job& job, const QString& reason, qint64 milliseconds)
@@ -95,8 +94,8 @@ void Report::line(const char* event, const Job& job, const QString& reason, qint
         std::fprintf(stderr, "%s: %s: %s\n", event, source.empty() ? target.c_str() : source.c_str(),
                      reason.toUtf8().constData());
     } else {
-        std::printf("%s: %s%s%s\n", event, source.c_str(), source.empty() ? "" : " -> ", target.c_str());
-        std::fflush(stdout);
+        std::fprintf(m_out, "%s: %s%s%s\n", event, source.c_str(), source.empty() ? "" : " -> ", target.c_str());
+        std::fflush(m_out);
     }
 }
 

@@ -2,17 +2,20 @@
 
 #include "plan.h"
 
+#include <nlohmann/json.hpp>
+
 #include <QElapsedTimer>
 
+#include <cstdio>
 #include <mutex>
 #include <vector>
 
-// What a run says: a line for each picture on standard output, or a JSON object a line; failures and a bar with the
+// What a run says: a line for each picture on the stream, or a JSON object a line; failures and a bar with the
 // time left on standard error, the bar only on a terminal. Any thread.
 class Report
 {
 public:
-    Report(bool json, std::size_t jobs);
+    Report(std::FILE* out, bool json, std::size_t jobs);
 
     void planned(const Job& job); // for a dry run
     void skipped(const Job& job);
@@ -25,11 +28,13 @@ public:
     int failures() const { return m_failed; }
 
 private:
+    void print(const nlohmann::ordered_json& json);
     void line(const char* event, const Job& job, const QString& reason = QString(), qint64 milliseconds = -1);
     void erase();
     QString timeLeft() const;
 
     std::mutex m_mutex;
+    std::FILE* m_out;
     bool m_json;
     bool m_terminal;
     bool m_drawn = false;
