@@ -1,0 +1,389 @@
+// ondrel-render, as a user runs it.
+
+#include <project.h>
+#include <values.h>
+
+#include <ondrel/color/colorprofiles.h>
+#include <ondrel/core/color.h>
+#include <ondrel/resources/resourceengine.h>
+
+#include <tests/support/testimages.h>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <csignal>
+#include <future>
+#include <map>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+using Json = nlohmann::json;
+
+namespace
+{
+
+struct Finished {
+    int status = -1; // stays so if the program could not be run, or crashed
+    QString output;
+    QString errors;
+};
+
+class Batch : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QDir(folder.path()).mkpath("in");
+        for (int i = 1; i <= 10; ++i)
+            makePicture(QString("in/%1.png").arg(i, 2, 10, QChar('0')), 60, 40, unsigned(i));
+        makeProject("project.ondrel", "in/01.png", "20");
+    }
+
+    QString path(const QString& name) const { return folder.filePath(name); }
+
+    void makePicture(const QString& name, unsigned int width, unsigned int height, unsigned int seed)
+    {
+        ResourceEngine::ExportPNGSettings settings;
+        settings.bitDepth = 1;
+        settings.compressionLevel = 1;
+        ASSERT_TRUE(ResourceEngine::ExportPNG(path(name), OndrelTest::randomImage(width, height, seed), settings,
+                                              nullptr, nullptr));
+    }
+
+    // A picture, a blur of so many pixels, an output.
+    void makeProject(const QString& name, const QString& picture, const QString& radius)
+    {
+        Json json = {{"format", "ondrel-project"}, {"version", 1}, {"frames", Json::array()}, {"view", Json::object()}};
+        const auto node = [](const char* id, const char* kind, const char* title, Json values) {
+            return Json{{"id", id},          {"type", std::string("essentials/") + kind},
+                        {"name", title},     {"position", {"0", "0"}},
+                        {"bypassed", false}, {"values", values}};
+        };
+        json["nodes"] = {node("1", "image", "Photo", {{"image", {{"resource", "1"}}}}),
+                         node("2", "gaussianblur", "Blur", {{blurField(), radius.toStdString()}}),
+                         node("3", "output", "Out", Json::object())};
+        const auto wire = [](const char* from, const char* to) {
+            return Json{{"from", from}, {"output", "image"}, {"to", to}, {"input", "image"}};
+        };
+        json["connections"] = {wire("1", "2"), wire("2", "3")};
+        json["resources"] = {{{"id", "1"}, {"kind", "image"}, {"path", picture.toStdString()}}};
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray::fromStdString(json.dump(1)));
+    }
+
+    static const char* blurField() { return "radiusx"; }
+
+    QStringList withDefaults(const QStringList& arguments) const
+    {
+        return QStringList{path("project.ondrel"), "--plugins", ONDREL_PLUGINS} + arguments;
+    }
+
+    static QProcessEnvironment withoutDisplay()
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            environment.remove(name);
+        return environment;
+    }
+
+    static Finished runAny(const QString& program, const QStringList& arguments)
+    {
+        QProcess process;
+        process.setProcessEnvironment(withoutDisplay());
+        process.start(program, arguments);
+        if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
+            return {-1, QString(), process.errorString()};
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+
+    Finished render(const QStringList& arguments) const { return runAny(ONDREL_RENDER, withDefaults(arguments)); }
+
+    QStringList over(const QString& out) const
+    {
+        return {"--over", "Photo", path("in/*.png"), "--out", path(out + "/{name}.{ext}")};
+    }
+
+    // All files of a folder, hidden ones too, with their content.
+    std::map<QString, QByteArray> contents(const QString& name) const
+    {
+        std::map<QString, QByteArray> all;
+        const QDir directory(path(name));
+        for (const QString& entry : directory.entryList(QDir::Files | QDir::Hidden)) {
+            QFile file(directory.filePath(entry));
+            if (file.open(QIODevice::ReadOnly))
+                all[entry] = file.readAll();
+        }
+        return all;
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(Batch, RendersAProjectWithoutADisplay)
+{
+    const Finished run = render({"--out", path("out/{name}-{output}-{number}.{ext}")});
+    EXPECT_EQ(run.status, 0) << qPrintable(run.errors);
+    EXPECT_EQ(QImage(path("out/project-Out-1.png")).size(), QSize(60, 40));
+}
+
+TEST_F(Batch, RendersManyPicturesOverOneProject)
+{
+    const Finished run = render(over("out"));
+    EXPECT_EQ(run.status, 0) << qPrintable(run.errors);
+    const auto pictures = contents("out");
+    EXPECT_EQ(pictures.size(), 10u);
+    EXPECT_TRUE(pictures.at("01.png") != pictures.at("02.png"));
+    EXPECT_TRUE(run.output.endsWith("10 done, 0 failed, 0 skipped\n")) << qPrintable(run.output);
+}
+
+TEST_F(Batch, ResultsDoNotDependOnTheSplit)
+{
+    ASSERT_EQ(render(over("one")).status, 0);
+    ASSERT_EQ(render(over("jobs") + QStringList{"--jobs", "4"}).status, 0);
+    int sum = 0;
+    for (const char* shard : {"1/3", "2/3", "3/3"}) {
+        const Finished run = render(over("shards") + QStringList{"--shard", shard});
+        ASSERT_EQ(run.status, 0);
+        sum += run.output.count("done: ");
+    }
+    EXPECT_EQ(sum, 10); // every input once
+    EXPECT_TRUE(contents("one") == contents("jobs"));
+    EXPECT_TRUE(contents("one") == contents("shards"));
+}
+
+TEST_F(Batch, OneAndManyThreadsGiveTheSameBytes)
+{
+    ASSERT_EQ(render(over("many")).status, 0);
+    ASSERT_EQ(runAny("taskset", QStringList{"-c", "0", ONDREL_RENDER} + withDefaults(over("one"))).status, 0);
+    EXPECT_TRUE(contents("many") == contents("one"));
+}
+
+TEST_F(Batch, SetsValuesOfFields)
+{
+    ASSERT_EQ(render({"--out", path("a.png")}).status, 0);
+    ASSERT_EQ(render({"--out", path("b.png"), "--set", "Blur." + QString(blurField()) + "=3"}).status, 0);
+    ASSERT_EQ(render({"--out", path("c.png"), "--set", "Out.pngdepth=8 bits", "--input", "Photo=" + path("in/02.png")})
+                  .status,
+              0);
+    ASSERT_EQ(
+        render({"--out", path("d.png"), "--set", "Photo.image=" + path("in/02.png"), "--set", "Out.pngdepth=8 bits"})
+            .status,
+        0);
+    const auto all = contents(".");
+    EXPECT_TRUE(all.at("a.png") != all.at("b.png"));
+    EXPECT_TRUE(all.at("a.png") != all.at("c.png"));
+    EXPECT_TRUE(all.at("c.png") == all.at("d.png"));
+}
+
+TEST_F(Batch, AnEndingChoosesTheFormat)
+{
+    ASSERT_EQ(render({"--out", path("a.jpg")}).status, 0);
+    ASSERT_EQ(render({"--out", path("a.tif")}).status, 0);
+    ASSERT_EQ(render({"--out", path("b.{ext}"), "--set", "Out.format=JPEG"}).status, 0);
+    const auto all = contents(".");
+    EXPECT_TRUE(all.at("a.jpg").startsWith("\xff\xd8"));
+    EXPECT_TRUE(all.at("a.tif").startsWith("II") || all.at("a.tif").startsWith("MM"));
+    EXPECT_TRUE(all.at("a.jpg") == all.at("b.jpg"));
+}
+
+TEST_F(Batch, NamesEachPictureThatFailedAndGoesOn)
+{
+    QFile file(path("in/05.png"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("no picture");
+    file.close();
+    const Finished run = render(over("out"));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.errors.contains("in/05.png: It cannot be read as a picture.")) << qPrintable(run.errors);
+    EXPECT_EQ(contents("out").size(), 9u);
+}
+
+TEST_F(Batch, AProjectThatLacksItsPictureNamesTheNode)
+{
+    ASSERT_TRUE(QFile::remove(path("in/01.png")));
+    const Finished run = render({"--out", path("a.png")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.errors.contains("Photo: ")) << qPrintable(run.errors);
+}
+
+TEST_F(Batch, WhatItCannotBeginWithIsAComplaintAboutUsage)
+{
+    const QStringList wrong[] = {
+        {"--nosuch"},
+        {"--set", "Blur"},
+        {"--set", "Blur=3"},
+        {"--set", "Nobody.radius=3"},
+        {"--set", "Blur.nosuch=3"},
+        {"--set", "Out.format=GIF"},
+        {"--set", "Photo.image=nosuch.png"},
+        {"--input", "Blur=" + path("in/01.png")},
+        {"--over", "Photo", path("in/*.gif")},
+        {"--over", "Photo", path("in/*.png"), "--out", path("same.png")},
+        {"--over", "Photo", path("in/*.png"), "--out", path("in/{name}.png")},
+        {"--out", path("a.gif")},
+        {"--shard", "3/2"},
+        {"--shard", "0/2"},
+        {"--shard", "1"},
+        {"--jobs", "0"},
+        {"--memory", "much"},
+    };
+    for (const QStringList& arguments : wrong) {
+        const Finished run = render(arguments);
+        EXPECT_EQ(run.status, 2) << qPrintable(arguments.join(' '));
+        EXPECT_NE(run.errors, "") << qPrintable(arguments.join(' '));
+    }
+    EXPECT_EQ(runAny(ONDREL_RENDER, {path("nosuch.ondrel")}).status, 2);
+    EXPECT_EQ(runAny(ONDREL_RENDER, {path("in/01.png")}).status, 2);
+    EXPECT_EQ(runAny(ONDREL_RENDER, {}).status, 2);
+    EXPECT_EQ(runAny(ONDREL_RENDER, {"--help"}).status, 0);
+    EXPECT_EQ(contents("in").size(), 10u);
+}
+
+TEST_F(Batch, ADryRunListsAndWritesNothing)
+{
+    const Finished run = render(over("out") + QStringList{"--dry-run", "--shard", "1/5"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "render: " + path("in/01.png") + " -> " + path("out/01.png") +
+                              "\nrender: " + path("in/06.png") + " -> " + path("out/06.png") + "\n");
+    EXPECT_FALSE(QFile::exists(path("out")));
+}
+
+TEST_F(Batch, JsonLinesTellWhatBecameOfEachPicture)
+{
+    QFile file(path("in/05.png"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    const Finished run = render(over("out") + QStringList{"--json"});
+    EXPECT_EQ(run.status, 1);
+    std::map<std::string, int> events;
+    for (const QString& line : run.output.split('\n', Qt::SkipEmptyParts)) {
+        const Json json = Json::parse(line.toStdString());
+        ++events[json.at("event").get<std::string>()];
+        if (json.at("event") == "failed") {
+            EXPECT_EQ(json.at("input"), path("in/05.png").toStdString());
+        }
+        if (json.at("event") == "summary") {
+            EXPECT_EQ(json.at("done"), 9);
+        }
+    }
+    EXPECT_EQ(events, (std::map<std::string, int>{{"done", 9}, {"failed", 1}, {"summary", 1}}));
+}
+
+TEST_F(Batch, ResumeLeavesOutWhatIsThere)
+{
+    ASSERT_EQ(render(over("whole")).status, 0);
+    ASSERT_EQ(render(over("out") + QStringList{"--shard", "1/2"}).status, 0);
+    QFile part(path("out/.02.png.part")); // what a kill leaves behind
+    ASSERT_TRUE(part.open(QIODevice::WriteOnly));
+    part.write("half");
+    part.close();
+    const Finished run = render(over("out") + QStringList{"--resume"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(run.output.endsWith("5 done, 0 failed, 5 skipped\n")) << qPrintable(run.output);
+    EXPECT_TRUE(contents("out") == contents("whole"));
+}
+
+TEST_F(Batch, AnInterruptedRunLeavesNoPart)
+{
+    makePicture("in/big.png", 3000, 3000, 1);
+    for (const int signal : {SIGINT, SIGTERM}) {
+        for (const int delay : {0, 300, 900}) {
+            QProcess process;
+            process.start(ONDREL_RENDER,
+                          withDefaults({"--over", "Photo", path("in/big*"), "--out", path("out/{name}.png")}));
+            ASSERT_TRUE(process.waitForStarted());
+            QThread::msleep(static_cast<unsigned long>(150 + delay)); // somewhere in its work
+            ::kill(pid_t(process.processId()), signal);
+            ASSERT_TRUE(process.waitForFinished(60000));
+            ASSERT_EQ(process.exitStatus(), QProcess::NormalExit);
+            EXPECT_EQ(process.exitCode(), 130);
+            EXPECT_TRUE(contents("out").empty());
+        }
+    }
+}
+
+TEST_F(Batch, DrawsABarWithTheTimeLeftOnATerminal)
+{
+    const QString command = '"' + QString(ONDREL_RENDER) + "\" \"" + withDefaults(over("out")).join("\" \"") + '"';
+    makePicture("in/11.png", 2000, 1500, 1); // for long enough to be seen
+    makePicture("in/12.png", 2000, 1500, 2);
+    const Finished run = runAny("script", {"-qec", command, "/dev/null"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(run.output.contains("####")) << qPrintable(run.output);
+    EXPECT_TRUE(run.output.contains(" left")) << qPrintable(run.output);
+}
+
+// The peak of a child's memory in bytes.
+std::size_t peakOf(const QStringList& arguments, int& status)
+{
+    std::vector<QByteArray> texts{ONDREL_RENDER};
+    for (const QString& argument : arguments)
+        texts.push_back(argument.toLocal8Bit());
+    std::vector<char*> pointers;
+    for (QByteArray& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        execv(pointers[0], pointers.data());
+        _exit(127);
+    }
+    rusage usage{};
+    int wait = 0;
+    wait4(child, &wait, 0, &usage);
+    status = WIFEXITED(wait) ? WEXITSTATUS(wait) : -1;
+    return std::size_t(usage.ru_maxrss) * 1024;
+}
+
+TEST_F(Batch, StaysWithinTheMemoryItIsGiven)
+{
+    QDir(folder.path()).mkpath("large");
+    for (int i = 0; i < 6; ++i)
+        makePicture(QString("large/%1.png").arg(i), 1500, 1000, unsigned(i));
+    const QStringList all =
+        withDefaults({"--over", "Photo", path("large/*.png"), "--out", path("out/{name}.png"), "--jobs", "6"});
+    int status = 0;
+    const std::size_t bound = std::size_t(300) << 20;
+    const std::size_t peak = peakOf(all + QStringList{"--memory", "300M"}, status);
+    EXPECT_EQ(status, 0);
+    EXPECT_LE(peak, bound);
+    RecordProperty("peak", int(peak >> 20));
+    const Finished tooLittle = render(all.mid(3) + QStringList{"--memory", "100M"});
+    EXPECT_EQ(tooLittle.status, 1);
+    EXPECT_TRUE(tooLittle.errors.contains("more than --memory allows")) << qPrintable(tooLittle.errors);
+}
+
+TEST_F(Batch, RunsUnderGnuParallelAndResumesAfterAKill)
+{
+    if (QString(ONDREL_PARALLEL).isEmpty())
+        GTEST_SKIP() << "GNU parallel is not installed.";
+    for (int i = 11; i <= 24; ++i)
+        makePicture(QString("in/%1.png").arg(i), 400, 300, unsigned(i));
+    ASSERT_EQ(render(over("single")).status, 0);
+    const auto shards = [&](bool kill) {
+        QString command = '"' + QString(ONDREL_RENDER) + "\" \"" + withDefaults(over("split")).join("\" \"") +
+                          "\" --resume --shard {}/4";
+        if (kill) // the third is killed once its first picture is there
+            command = "if [ {} = 3 ]; then " + command + " & while [ ! -e '" + path("split/03.png") +
+                      "' ]; do sleep 0.01; done; kill -9 $!; exit 1; else " + command + "; fi";
+        return runAny(ONDREL_PARALLEL, {"--will-cite", "-j", "2", command, ":::", "1", "2", "3", "4"});
+    };
+    const Finished first = shards(true);
+    EXPECT_EQ(first.status, 1) << qPrintable(first.errors); // one of the shards
+    EXPECT_TRUE(contents("split") != contents("single"));
+    const Finished second = shards(false);
+    EXPECT_EQ(second.status, 0) << qPrintable(second.errors);
+    EXPECT_TRUE(contents("split") == contents("single"));
+}
+
+} // namespace

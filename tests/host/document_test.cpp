@@ -1,0 +1,243 @@
+// Editing with undo.
+
+#include "testnodes.h"
+
+#include <document.h>
+#include <project.h>
+#include <values.h>
+
+#include <ondrel/core/color.h>
+
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+
+#include <random>
+
+using Host::Connection;
+using Host::NodeId;
+
+namespace
+{
+
+class Editing : public testing::Test
+{
+protected:
+    QByteArray saved()
+    {
+        Host::Project project;
+        project.graph = document.graph();
+        return onWorker([&] { return writeProject(project, "/"); });
+    }
+
+    TestNodes nodes;
+    Host::Document document{nodes.types};
+    Ondrel::MemoryBoundedUndoStack& undo = document.undoStack();
+};
+
+TEST_F(Editing, EveryEditIsTakenBackByOneUndo)
+{
+    const NodeId a = document.addNode("test/source", {0, 0}), b = document.addNode("test/add", {1, 1});
+    const quint64 frame = document.addFrame("Title", {0, 0, 10, 10});
+    const std::function<void()> edits[] = {
+        [&] {
+            document.addNode("test/mix", {2, 2});
+        },
+        [&] {
+            document.addConnection({a, "image", b, "image"});
+        },
+        [&] {
+            document.removeConnection({a, "image", b, "image"});
+        },
+        [&] { document.setValue(b, "amount", QString("7")); },
+        [&] {
+            document.moveNodes({{a, {5, 6}}, {b, {7, 8}}});
+        },
+        [&] { document.renameNode(a, "Sky"); },
+        [&] { document.setBypassed(b, true); },
+        [&] { document.replaceNode(b, "test/slow"); },
+        [&] {
+            document.changeFrame({frame, "Other", {1, 2, 3, 4}});
+        },
+        [&] { document.removeFrame(frame); },
+        [&] {
+            document.insert(document.graph(), {10, 10});
+        },
+        [&] {
+            document.removeNodes({a, b});
+        },
+    };
+    for (const auto& edit : edits) {
+        const QByteArray before = saved();
+        edit();
+        const QByteArray after = saved();
+        EXPECT_NE(before, after);
+        undo.undo();
+        EXPECT_EQ(saved(), before);
+        undo.redo();
+        EXPECT_EQ(saved(), after);
+    }
+}
+
+TEST_F(Editing, OneDragOfASliderIsOneStep)
+{
+    const NodeId id = document.addNode("test/add", {0, 0});
+    const int steps = int(undo.count());
+    for (int i = 2; i < 50; ++i)
+        document.setValue(id, "amount", QString::number(i), 1);
+    EXPECT_EQ(int(undo.count()), steps + 1);
+    for (int i = 2; i < 50; ++i)
+        document.setValue(id, "amount", QString::number(i), 2);
+    EXPECT_EQ(int(undo.count()), steps + 2);
+    undo.undo();
+    EXPECT_EQ(document.graph().node(id)->values.value("amount").toString(), "49");
+    undo.undo();
+    EXPECT_TRUE(document.graph().node(id)->values.isEmpty());
+}
+
+TEST_F(Editing, WhatLiesBetweenBeginAndEndIsOneStep)
+{
+    document.beginStep("Both");
+    document.addNode("test/source", {0, 0});
+    document.addNode("test/add", {0, 0});
+    document.endStep();
+    EXPECT_EQ(undo.count(), 1);
+    undo.undo();
+    EXPECT_TRUE(document.graph().nodes.empty());
+}
+
+TEST_F(Editing, AConnectionReplacesTheOneAtItsInput)
+{
+    const NodeId a = document.addNode("test/source", {0, 0}), b = document.addNode("test/source", {0, 0});
+    const NodeId c = document.addNode("test/add", {0, 0});
+    EXPECT_EQ(document.addConnection({a, "image", c, "image"}), "");
+    EXPECT_EQ(document.addConnection({b, "image", c, "image"}), "");
+    ASSERT_EQ(document.graph().connections.size(), 1u);
+    EXPECT_EQ(document.graph().connections[0].from, b);
+    EXPECT_NE(document.addConnection({c, "image", c, "image"}), "");
+}
+
+TEST_F(Editing, ReplacingKeepsWiresAndValuesThatFit)
+{
+    const NodeId a = document.addNode("test/source", {0, 0}), b = document.addNode("test/add", {0, 0});
+    const NodeId c = document.addNode("test/add", {0, 0});
+    document.addConnection({a, "image", b, "image"});
+    document.addConnection({b, "image", c, "image"});
+    document.setValue(b, "amount", QString("9"));
+    ASSERT_TRUE(document.replaceNode(b, "test/slow"));
+    EXPECT_EQ(document.graph().connections.size(), 2u);
+    EXPECT_TRUE(document.graph().node(b)->values.isEmpty());
+    ASSERT_TRUE(document.replaceNode(b, "test/mix")); // whose inputs have other names
+    EXPECT_EQ(document.graph().connections.size(), 1u);
+    EXPECT_FALSE(document.replaceNode(b, "test/nosuch"));
+}
+
+TEST_F(Editing, NamesStayUnique)
+{
+    const NodeId a = document.addNode("test/add", {0, 0}), b = document.addNode("test/add", {0, 0});
+    EXPECT_EQ(document.graph().node(b)->name, "Add 2");
+    EXPECT_FALSE(document.renameNode(b, document.graph().node(a)->name));
+    EXPECT_FALSE(document.renameNode(b, ""));
+    EXPECT_EQ(document.addNode("test/nosuch", {0, 0}), 0u);
+}
+
+TEST_F(Editing, TheMemoryOfUndoIsBounded)
+{
+    const NodeId id = document.addNode("test/all", {0, 0});
+    const QByteArray block(1 << 20, 'x');
+    for (int i = 0; i < 200; ++i)
+        document.setValue(id, "hidden", QByteArray(block + QByteArray::number(i)));
+    EXPECT_LT(undo.count(), 40); // of 64 MiB, two texts of 2 MiB each at least
+    EXPECT_GT(undo.count(), 2);
+}
+
+class RandomEdits : public Editing, public testing::WithParamInterface<unsigned int>
+{
+protected:
+    NodeId someNode()
+    {
+        const auto& all = document.graph().nodes;
+        return all.empty() ? 0 : std::next(all.begin(), std::ptrdiff_t(random(all.size())))->first;
+    }
+
+    QVariant someValue()
+    {
+        const QVariant values[] = {QVariant(),
+                                   QVariant(true),
+                                   QString::number(random(100)),
+                                   qlonglong(random(1000)) << 40,
+                                   0.1 * double(random(1000)),
+                                   QByteArray("\x00\xff", 2),
+                                   QPointF(double(random(9)) / 7, 2),
+                                   QVariant::fromValue(Ondrel::Color("1,2,3,4")),
+                                   QVariantList{1.5, QString("a")},
+                                   QVariantMap{{"k", QVariantList{true}}}};
+        return values[random(std::size(values))];
+    }
+
+    void edit()
+    {
+        const QString types[] = {"test/source", "test/add", "test/mix", "test/all", "test/layers", "test/number"};
+        const QString fields[] = {"image", "a", "b", "layer1", "amount", "hidden", "layer_order"};
+        const NodeId a = someNode(), b = someNode();
+        switch (random(11)) {
+        case 0:
+        case 1:
+            document.addNode(types[random(std::size(types))], {double(random(1000)) / 3, 4});
+            break;
+        case 2:
+        case 3:
+            document.addConnection({a, "image", b, fields[random(4)]});
+            break;
+        case 4:
+            document.setValue(a, fields[random(std::size(fields))], someValue(), int(random(3)));
+            break;
+        case 5:
+            document.moveNodes({{a, {double(random(50)), 0}}, {b, {0, 1}}}, int(random(2)));
+            break;
+        case 6:
+            document.renameNode(a, QString("N%1").arg(random(20)));
+            break;
+        case 7:
+            document.setBypassed(a, random(2) == 0);
+            break;
+        case 8:
+            document.replaceNode(a, types[random(std::size(types))]);
+            break;
+        case 9:
+            document.removeFrame(random(3) == 0 ? 1 : document.addFrame("F", {0, 1, 2, double(random(9))}));
+            break;
+        default:
+            if (random(3) != 0)
+                document.removeNodes({a});
+            else if (document.graph().nodes.size() < 40)
+                document.insert(document.graph(), {3, 3});
+        }
+    }
+
+    std::size_t random(std::size_t below) { return std::size_t(m_engine()) % below; }
+
+    std::mt19937 m_engine{GetParam()};
+};
+
+TEST_P(RandomEdits, AreTakenBackToTheFirstByte)
+{
+    document.load(document.graph());
+    for (int i = 0; i < 5; ++i)
+        edit();
+    document.load(document.graph()); // from here on it is undone
+    const QByteArray first = saved();
+    for (int i = 0; i < 150; ++i)
+        edit();
+    const QByteArray last = saved();
+    while (undo.canUndo())
+        undo.undo();
+    EXPECT_EQ(saved(), first);
+    while (undo.canRedo())
+        undo.redo();
+    EXPECT_EQ(saved(), last);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomEdits, testing::Range(1u, 9u));
+
+} // namespace
