@@ -92,7 +92,7 @@ void levelOnProcessor(const Image& image, const Levels& levels, Image& result, c
 
 bool levelOnDevice(const Image& image, const Levels& levels, Image& result, const Ondrel::RunStatus& status)
 {
-    const auto& [r, g, b] = levels.channels;
+    const Channel &r = levels.channels[0], &g = levels.channels[1], &b = levels.channels[2];
     return runOnDevice("a2", image, result, [&](const DeviceJob& job) {
         return job.set(0, levels.offset, r.offset, g.offset, b.offset, levels.gain, r.gain, g.gain, b.gain, r.black,
                        g.black, b.black, r.inputGain, g.inputGain, b.inputGain, levels.power, r.power, g.power, b.power,
