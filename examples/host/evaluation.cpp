@@ -170,7 +170,7 @@ private:
     {
         if (isCancelled(m_status))
             return;
-        const auto tell = [this, &task](const std::function<void(NodeId)>& listener) {
+        const auto tell = [&task](const std::function<void(NodeId)>& listener) {
             for (const NodeId id : task.nodes) {
                 if (listener)
                     listener(id);
