@@ -1,5 +1,5 @@
-// ondrel_host_saver FIRST SECOND PROJECT: saves the first and the second project in turn as the third, until it is
-// killed. Says "ready" when it begins.
+// ondrel_host_saver FIRST SECOND PROJECT: saves the second and the first project in turn as the third, until it is
+// killed. Says so after each.
 
 #include <project.h>
 
@@ -17,11 +17,10 @@ int main(int argc, char** argv)
     const Host::ProjectReading first = Host::loadProject(names[1], types), second = Host::loadProject(names[2], types);
     if (!first.project || !second.project)
         return 2;
-    std::puts("ready");
-    std::fflush(stdout);
-    for (;;) {
-        if (!Host::saveProject(*first.project, names[3]).isEmpty() ||
-            !Host::saveProject(*second.project, names[3]).isEmpty())
+    for (bool isFirst = false;; isFirst = !isFirst) {
+        if (!Host::saveProject(isFirst ? *first.project : *second.project, names[3]).isEmpty())
             return 1;
+        std::puts("saved");
+        std::fflush(stdout);
     }
 }

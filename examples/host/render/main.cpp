@@ -63,6 +63,7 @@ std::FILE* takeStandardOutput()
 
 int run(const Options& options)
 {
+    listenToSignals();
     std::FILE* const out = takeStandardOutput();
     Host::NodeTypes types;
     warn(Host::loadPlugins(options.plugins.isEmpty() ? Ondrel::Platform::PluginsDirectory() : options.plugins, types));
@@ -79,7 +80,6 @@ int run(const Options& options)
             report.planned(job);
         return 0;
     }
-    listenToSignals();
     static_assert(std::is_same_v<std::sig_atomic_t, int>);
     render(plan, types, options, *const_cast<const int*>(&stopWord), report);
     if (stopWord == 1) {

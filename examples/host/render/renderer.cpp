@@ -133,7 +133,7 @@ public:
         for (int i = 0; i < count; ++i)
             workers.push_back(std::async(std::launch::async, [this] { work(); }));
         for (std::future<void>& worker : workers) {
-            while (worker.wait_for(std::chrono::milliseconds(500)) == std::future_status::timeout)
+            while (worker.wait_for(std::chrono::milliseconds(250)) == std::future_status::timeout)
                 m_report.draw();
             worker.get();
         }
