@@ -111,6 +111,11 @@ public:
     }
 
     // A mode for editing this node, which the caller owns; null if there is none. User-interface thread only.
+    //
+    // Fields are numbered as in the node's scene item. The host tells the mode all values by nodeInputChanged() when it
+    // is shown, and each that changes otherwise. Values that the mode sets by inputValueChangedNoUpdate() are one step
+    // of undo with the inputValueChanged() that follows; the host's steps hold the values, so it drops the commands of
+    // newUndoCommand(). While previewMode() is true, pictures are computed as if the node were bypassed.
     virtual Ondrel::ModeInterface* createMode() const { return nullptr; }
 };
 

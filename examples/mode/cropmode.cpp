@@ -37,7 +37,7 @@ Qt::CursorShape cursorFor(const QPointF& direction)
 } // namespace
 
 CropMode::CropMode(QObject* parent)
-    : ModeInterface(parent)
+    : PictureMode(parent)
 {
 }
 
@@ -48,7 +48,7 @@ QString CropMode::modeName() const
 
 void CropMode::initialize(QGraphicsView* view, QGraphicsScene* scene, QGraphicsItem* canvasItem)
 {
-    ModeInterface::initialize(view, scene, canvasItem);
+    PictureMode::initialize(view, scene, canvasItem);
     view->viewport()->setMouseTracking(true); // for the cursor over handles
 }
 
@@ -84,14 +84,14 @@ QWidget* CropMode::createStatusBarWidget()
 void CropMode::hide(bool closing)
 {
     giveUpDrag();
-    ModeInterface::hide(closing);
+    PictureMode::hide(closing);
 }
 
 void CropMode::canvasGeometryChanged(const QSize& newDisplaySize, const QSize& newRealSize,
                                      const Ondrel::TransformSeries& series)
 {
     const QSize before = pictureSize();
-    ModeInterface::canvasGeometryChanged(newDisplaySize, newRealSize, series);
+    PictureMode::canvasGeometryChanged(newDisplaySize, newRealSize, series);
     if (pictureSize() != before && m_frame.isInvalid())
         showFrame(Rect(QPoint(0, 0), pictureSize()));
 }
@@ -116,6 +116,11 @@ void CropMode::nodeInputChanged(unsigned long fieldIndex, const QVariant& value)
 void CropMode::setFrame(const Rect& frame)
 {
     showFrame(frame);
+    tellFrame();
+}
+
+void CropMode::tellFrame()
+{
     Q_EMIT inputValueChanged(FrameField, QVariant::fromValue(m_frame));
 }
 
@@ -130,7 +135,7 @@ void CropMode::finish(const QString& text, int kind, const Rect& before)
 {
     if (m_frame == before)
         return;
-    Q_EMIT inputValueChanged(FrameField, QVariant::fromValue(m_frame));
+    tellFrame();
     Q_EMIT newUndoCommand(new CropCommand(*this, text, CropCommand::Kind(kind), before, m_frame));
 }
 
@@ -167,21 +172,6 @@ void CropMode::giveUpDrag()
     m_zoomStart.reset();
     if (m_rubberBand)
         m_rubberBand->hide();
-}
-
-QTransform CropMode::pictureToView() const
-{
-    QTransform transform;
-    transformSeries.transformFromBaseToChild(0, transform);
-    return transform * transformFromRealToView();
-}
-
-std::optional<QPointF> CropMode::pictureAt(const QPointF& viewPoint) const
-{
-    QPointF point;
-    if (!transformSeries.mapFromChildToBaseNoClip(0, mapFromViewToReal(viewPoint), point))
-        return std::nullopt;
-    return point;
 }
 
 std::optional<QPointF> CropMode::handleInView(Handle handle) const

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "cropframe.h"
-
-#include <ondrel/nodes/modeinterface.h>
+#include "picturemode.h"
 
 #include <QPointer>
 
@@ -19,7 +18,7 @@ class QRubberBand;
 // Drag a handle, or the inside, with the left button; Escape gives the drag up. The arrow keys move the frame by a
 // pixel, by ten with Shift. Plus and minus zoom, the middle button scrolls, and with the zoom tool a drag shows a part
 // of the picture as large as fits, or, with Alt, makes all that is in view fit there.
-class CropMode : public Ondrel::ModeInterface
+class CropMode : public PictureMode
 {
     Q_OBJECT
 public:
@@ -62,6 +61,10 @@ public Q_SLOTS:
     void chooseAspect(float width, float height); // as a step of undo
     void resetFrame();                            // to the whole picture, as a step of undo
 
+protected:
+    void showFrame(const Rect& frame); // without telling the host
+    virtual void tellFrame();          // as the value of FrameField
+
 private:
     struct DragState {
         Handle handle;
@@ -69,13 +72,8 @@ private:
         QPointF start; // in the picture
     };
 
-    bool ready() const { return transformSeries.pathCount() > 0 && !displaySize.isEmpty(); }
-    QSize pictureSize() const { return transformSeries.baseSize(); }
-    QTransform pictureToView() const;
-    std::optional<QPointF> pictureAt(const QPointF& viewPoint) const;
     std::optional<Handle> handleAt(const QPointF& viewPoint) const;
     QPolygonF outline(const Rect& frame) const;
-    void showFrame(const Rect& frame); // without telling the host
     void finish(const QString& text, int kind, const Rect& before);
     void nudge(int dx, int dy);
     void giveUpDrag();

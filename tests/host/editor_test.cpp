@@ -1,6 +1,7 @@
 #include "clipboardgraph.h"
 #include "editorwindow.h"
 #include "imagepane.h"
+#include "modehost.h"
 #include "nodesearch.h"
 #include "pictures.h"
 #include "scene.h"
@@ -414,6 +415,81 @@ TEST_F(Editor, NewestValueWins)
     EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("Levels"))));
     play("key Ctrl+Z"); // one gesture
     EXPECT_EQ(value("Blur", "radiusx").toDouble(), 5);
+}
+
+TEST_F(Editor, CropModeShowsTheWholePictureAndItsDragIsOneStep)
+{
+    play("add essentials/crop 260 0 Crop\nkey A\nwire photo image Crop image\nset Crop left 10\nset Crop width 40\n"
+         "set Crop top 5\nset Crop height 30\nshow Crop\nwait\nedit Crop\nwait");
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("photo"))));
+    play("stroke 50 35 70 50\nwait"); // the lower right handle
+    EXPECT_NEAR(value("Crop", "width").toInt(), 60, 2);
+    EXPECT_NEAR(value("Crop", "height").toInt(), 45, 2);
+    EXPECT_EQ(value("Crop", "left").toInt(), 10);
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("photo"))));
+    play("key Ctrl+Z");
+    EXPECT_EQ(value("Crop", "width").toInt(), 40);
+    EXPECT_EQ(value("Crop", "height").toInt(), 30);
+    play("viewkey Right"); // from where the undo has put the frame
+    EXPECT_EQ(value("Crop", "left").toInt(), 11);
+    EXPECT_EQ(value("Crop", "width").toInt(), 40);
+    play("key E\nwait");
+    EXPECT_EQ(window.modes().mode(), nullptr);
+    EXPECT_EQ(window.imagePane().picture().fullSize, QSize(40, 30));
+}
+
+TEST_F(Editor, CropIsEditedBehindATurnOfThePicture)
+{
+    play("add essentials/crop 260 0 Crop\nadd essentials/mirror 520 0 Mirror\nkey A\nwire photo image Crop image\n"
+         "wire Crop image Mirror image\nshow Mirror\nwait\nedit Crop\nwait");
+    EXPECT_EQ(window.scene().primary(), id("Mirror"));
+    play("stroke 90 30 60 30\nwait"); // the right edge in the view is the left one of the picture
+    EXPECT_NEAR(value("Crop", "left").toInt(), 30, 2);
+    EXPECT_NEAR(value("Crop", "width").toInt(), 60, 2);
+}
+
+TEST_F(Editor, PerspectiveModeMovesCorners)
+{
+    play("add essentials/perspective 260 0 View\nkey A\nwire photo image View image\nshow View\nwait\nedit View\n"
+         "stroke 0 0 18 12\nwait");
+    const QPointF corner = value("View", "corners").toList().value(0).toPointF();
+    EXPECT_NEAR(corner.x(), 0.2, 0.03);
+    EXPECT_NEAR(corner.y(), 0.2, 0.03);
+    EXPECT_EQ(value("View", "corners").toList().value(2).toPointF(), QPointF(1, 1));
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("View"))));
+    play("viewkey Space\nviewkey Left");
+    EXPECT_NEAR(value("View", "corners").toList().value(1).toPointF().x(), 1 - 1 / 90.0, 1e-9);
+    play("key Ctrl+Z\nkey Ctrl+Z");
+    EXPECT_TRUE(value("View", "corners").toList().isEmpty());
+}
+
+TEST_F(Editor, PaintModePaintsStrokesThatAreUndoneOneByOne)
+{
+    play("add essentials/paint 260 0 Paint\nkey A\nwire photo image Paint image\nshow Paint\nwait\nedit Paint\n"
+         "viewkey [\nviewkey [\nviewkey Shift+]\nstroke 10 10 40 10\nstroke 10 30 40 30\nwait");
+    const QVariantList strokes = value("Paint", "strokes").toList();
+    ASSERT_EQ(strokes.size(), 2);
+    EXPECT_EQ(strokes[0].toMap().value("size").toInt(), 25); // 40 / 1.25 / 1.25
+    EXPECT_EQ(strokes[0].toMap().value("hardness").toDouble(), 0.6);
+    const QPointF first = strokes[1].toMap().value("points").toList().value(0).toPointF();
+    EXPECT_NEAR(first.x(), 10, 1);
+    EXPECT_NEAR(first.y(), 30, 1);
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("Paint"))));
+    EXPECT_FALSE(equalPictures(window.imagePane().picture(), freshPicture(id("photo"))));
+    play("key Ctrl+Z\nstroke 50 10 60 10\nwait"); // the mode goes on from what the undo has left
+    EXPECT_EQ(value("Paint", "strokes").toList().size(), 2);
+    play("key Ctrl+Z\nkey Ctrl+Z\nwait");
+    EXPECT_TRUE(equalPictures(window.imagePane().picture(), freshPicture(id("photo"))));
+}
+
+TEST_F(Editor, ModeEndsWithItsNode)
+{
+    play(
+        "add essentials/crop 260 0 Crop\nkey A\nwire photo image Crop image\nedit Crop\nselect Crop\nkey Delete\nwait");
+    EXPECT_EQ(window.modes().node(), 0u);
+    play("select photo\nkey E");
+    EXPECT_EQ(window.modes().mode(), nullptr);
+    EXPECT_FALSE(status().isEmpty());
 }
 
 // Whatever would wait for the store, waits for ever here.

@@ -2,6 +2,7 @@
 
 #include "clipboardgraph.h"
 #include "imagepane.h"
+#include "modehost.h"
 #include "nodesearch.h"
 #include "pictures.h"
 #include "project.h"
@@ -42,6 +43,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_sceneView(new SceneView(*m_scene))
     , m_imagePane(new ImagePane)
     , m_pictures(new Pictures(m_document, *m_scene, *m_imagePane, this))
+    , m_modes(new ModeHost(m_document, *m_scene, *m_imagePane, *this))
 {
     auto* splitter = new QSplitter(Qt::Vertical, this);
     splitter->addWidget(m_imagePane);
@@ -51,6 +53,9 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     statusBar();
     addActions();
 
+    m_pictures->setShownGraph([this] { return m_modes->shownGraph(); });
+    connect(m_modes, SIGNAL(changed()), m_pictures, SLOT(schedule()));
+    connect(m_modes, &ModeHost::left, this, [this] { m_editInView->setChecked(false); });
     connect(m_scene, &Scene::refused, this,
             [this](const QString& reason) { statusBar()->showMessage(reason, kMessageTime); });
     // The search runs an event loop, which is not to run inside of the mouse event that drops the wire.
@@ -63,6 +68,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
 EditorWindow::~EditorWindow()
 {
     delete m_pictures;
+    delete m_modes;
     m_document.disconnect(this);
     m_document.undoStack().disconnect(this); // it tells of its end when the title is gone
     delete m_sceneView;
@@ -103,6 +109,10 @@ void EditorWindow::addActions()
 
     QMenu* const view = menuBar()->addMenu(tr("&View"));
     addAction(view, tr("&Show node"), QKeySequence("1"), SLOT(showSelected()));
+    m_editInView = view->addAction(tr("&Edit node in view"));
+    m_editInView->setShortcut(QKeySequence("E"));
+    m_editInView->setCheckable(true);
+    connect(m_editInView, SIGNAL(triggered(bool)), this, SLOT(editInView(bool)));
     addAction(view, tr("Fit &all nodes"), QKeySequence("A"), SLOT(fitAll()));
     addAction(view, tr("Fit &selected nodes"), QKeySequence("F"), SLOT(fitSelected()));
     QAction* const fit = view->addAction(tr("Fit &picture"), m_imagePane, SLOT(fit()), QKeySequence("Ctrl+0"));
@@ -369,6 +379,20 @@ void EditorWindow::showSelected()
     const std::vector<NodeId> ids = m_scene->selectedNodes();
     if (ids.size() == 1)
         m_scene->show(ids.front(), PreviewNode::EmblemPrimary);
+}
+
+void EditorWindow::editInView(bool on)
+{
+    m_modes->leave();
+    if (!on)
+        return;
+    const std::vector<NodeId> ids = m_scene->selectedNodes();
+    const bool entered = m_modes->enter(ids.size() == 1 ? ids.front() : m_scene->primary());
+    m_editInView->setChecked(entered);
+    if (!entered)
+        statusBar()->showMessage(tr("There is nothing to edit in the view: select a node such as Crop, Perspective or "
+                                    "Paint."),
+                                 kMessageTime);
 }
 
 void EditorWindow::fitAll()

@@ -13,6 +13,7 @@ namespace Host
 {
 
 class ImagePane;
+class ModeHost;
 class Pictures;
 class Scene;
 class SceneView;
@@ -29,6 +30,7 @@ public:
     Scene& scene() { return *m_scene; }
     SceneView& sceneView() { return *m_sceneView; }
     ImagePane& imagePane() { return *m_imagePane; }
+    ModeHost& modes() { return *m_modes; }
     Pictures& pictures() { return *m_pictures; }
 
     // Files are read and written in the background; the window cannot be edited meanwhile. A failure is shown, and the
@@ -48,6 +50,7 @@ public Q_SLOTS:
     void paste();
     void duplicateSelected();
     void showSelected();
+    void editInView(bool on); // the selected node, or the one that is shown
     void fitAll();
     void fitSelected();
 
@@ -78,6 +81,8 @@ private:
     SceneView* m_sceneView;
     ImagePane* m_imagePane;
     Pictures* m_pictures;
+    ModeHost* m_modes;
+    QAction* m_editInView = nullptr; // the window's
     Worker m_worker;
     QString m_file;
     std::set<std::uint32_t> m_embedded; // resources that are saved with their bytes

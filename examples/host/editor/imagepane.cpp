@@ -20,6 +20,14 @@ namespace
 
 constexpr double kSmallest = 0.02, kLargest = 16;
 
+bool isOfMiddleButton(const QEvent& event)
+{
+    if (event.type() == QEvent::MouseMove)
+        return static_cast<const QMouseEvent&>(event).buttons().testFlag(Qt::MiddleButton);
+    return (event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonRelease) &&
+           static_cast<const QMouseEvent&>(event).button() == Qt::MiddleButton;
+}
+
 } // namespace
 
 ImagePane::ImagePane(QWidget* parent)
@@ -102,6 +110,7 @@ void ImagePane::placeScene()
     m_scene.setSceneRect(m_canvas->boundingRect().adjusted(-room.width(), -room.height(), room.width(), room.height()));
     if (m_fitting)
         m_view->centerOn(m_canvas);
+    Q_EMIT placed();
 }
 
 bool ImagePane::eventFilter(QObject* object, QEvent* event)
@@ -121,6 +130,8 @@ bool ImagePane::eventFilter(QObject* object, QEvent* event)
     } else if (event->type() == QEvent::Leave) {
         m_readOut->setText(" ");
     }
+    if (isOfMiddleButton(*event))
+        return true; // a mode would scroll as well
     return QWidget::eventFilter(object, event);
 }
 

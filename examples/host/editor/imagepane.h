@@ -36,6 +36,7 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void zoomChanged();
+    void placed(); // the zoom or the size of the picture may be another one
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;

@@ -1,10 +1,14 @@
 #include "script.h"
 
 #include "editorwindow.h"
+#include "imagepane.h"
+#include "modehost.h"
 #include "nodesearch.h"
 #include "scene.h"
 #include "sceneview.h"
 #include "values.h"
+
+#include "../../mode/canvasview.h"
 
 #include <ondrel/nodes/fieldbase.h>
 
@@ -17,6 +21,8 @@
 #include <QRegularExpression>
 #include <QStatusBar>
 #include <QTimer>
+
+#include <map>
 
 namespace Host
 {
@@ -81,6 +87,10 @@ bool Script::runLine(const QStringList& words)
         return expect(words);
     if (command == "set")
         return set(words);
+    if (command == "stroke")
+        return stroke(words);
+    if (command == "viewkey")
+        return pressKeyInView(words.value(1));
     if (command == "slide")
         return slide(words);
     if (command == "key")
@@ -127,9 +137,13 @@ bool Script::runNode(const QStringList& words)
         m_window.scene().selectNodes(ids);
     else if (command == "show")
         m_window.scene().show(ids.front(), PreviewNode::EmblemPrimary);
-    else if (command == "move") {
+    else if (command == "edit") {
+        m_window.scene().selectNodes(ids);
+        m_window.editInView(true);
+        return m_window.modes().node() == ids.front() || fail("it has no mode");
+    } else if (command == "move") {
         const QPointF grip = m_window.scene().item(ids.front())->scenePos() + QPointF(30, 8);
-        drag(grip, grip + pointAt(words, 2));
+        drag(m_window.sceneView(), grip, grip + pointAt(words, 2));
     } else
         return fail("not understood");
     return true;
@@ -154,12 +168,12 @@ bool Script::runWire(const QStringList& words)
         Anchor* const end = other ? other->inputAnchorOfFieldByName(words.value(4)) : nullptr;
         if (!end)
             return fail("there is no such end");
-        drag(begin, end->sceneBoundingRect().center());
+        drag(m_window.sceneView(), begin, end->sceneBoundingRect().center());
     } else if (takesOff) {
-        drag(begin, begin + QPointF(-90, 90));
+        drag(m_window.sceneView(), begin, begin + QPointF(-90, 90));
     } else {
         answerSearch();
-        drag(begin, pointAt(words, 3));
+        drag(m_window.sceneView(), begin, pointAt(words, 3));
     }
     return true;
 }
@@ -178,9 +192,8 @@ void Script::answerSearch()
 }
 
 // In scene coordinates, in five steps, as a hand would.
-void Script::drag(const QPointF& from, const QPointF& to)
+void Script::drag(QGraphicsView& view, const QPointF& from, const QPointF& to)
 {
-    SceneView& view = m_window.sceneView();
     QWidget* const target = view.viewport();
     const auto send = [&](QEvent::Type type, const QPointF& at, Qt::MouseButton button, Qt::MouseButtons held) {
         const QPoint position = view.mapFromScene(at);
@@ -206,6 +219,27 @@ bool Script::set(const QStringList& words)
     return true;
 }
 
+bool Script::stroke(const QStringList& words)
+{
+    drag(m_window.imagePane().view(), pointAt(words, 1), pointAt(words, 3));
+    return true;
+}
+
+bool Script::pressKeyInView(const QString& text)
+{
+    static const std::map<QString, Qt::Key> keys = {
+        {"[", Qt::Key_BracketLeft},      {"]", Qt::Key_BracketRight}, {"Shift+[", Qt::Key_BraceLeft},
+        {"Shift+]", Qt::Key_BraceRight}, {"Escape", Qt::Key_Escape},  {"Space", Qt::Key_Space},
+        {"Left", Qt::Key_Left},          {"Right", Qt::Key_Right},    {"Up", Qt::Key_Up},
+        {"Down", Qt::Key_Down}};
+    const auto key = keys.find(text);
+    if (key == keys.end())
+        return fail("that is no key");
+    QKeyEvent event(QEvent::KeyPress, key->second, Qt::NoModifier);
+    QApplication::sendEvent(&m_window.imagePane().view(), &event);
+    return true;
+}
+
 bool Script::slide(const QStringList& words)
 {
     const NodeRecord* const record = m_window.document().graph().nodeByName(words.value(1));
@@ -218,7 +252,8 @@ bool Script::slide(const QStringList& words)
         if (!field || field->name() != words.value(2))
             continue;
         const QRectF box = field->sceneBoundingRect();
-        drag(box.center(), QPointF(box.left() + box.width() * words.value(3).toDouble(), box.center().y()));
+        drag(m_window.sceneView(), box.center(),
+             QPointF(box.left() + box.width() * words.value(3).toDouble(), box.center().y()));
         return true;
     }
     return fail("there is no such field");

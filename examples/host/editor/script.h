@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+class QGraphicsView;
+
 namespace Host
 {
 
@@ -25,6 +27,9 @@ class EditorWindow;
 //   select NODE...                   and no others
 //   move NODE DX DY                  dragged with the mouse by its header
 //   show NODE                        in the view
+//   edit NODE                        in the view, by its mode
+//   stroke X Y X Y                   the mouse dragged in the view, in pixels of the picture at full size
+//   viewkey KEY                      pressed in the view, as "]" or "Shift+]"
 //   key SEQUENCE                     "Ctrl+Z", "Delete", "D"
 //   wait                             until all pictures are there
 //   expect nodes N | wires N | value NODE FIELD TEXT | status TEXT
@@ -47,11 +52,13 @@ private:
     bool expect(const QStringList& words);
     bool set(const QStringList& words);
     bool slide(const QStringList& words);
+    bool stroke(const QStringList& words);
+    bool pressKeyInView(const QString& key);
     bool pressKey(const QString& sequence);
     bool type(const QString& text);
     bool wait();
     bool grab(const QString& name);
-    void drag(const QPointF& from, const QPointF& to);
+    void drag(QGraphicsView& view, const QPointF& from, const QPointF& to);
     void answerSearch();
     bool fail(const QString& reason);
 

@@ -1,3 +1,4 @@
+#include "cropnodemode.h"
 #include "geometry.h"
 #include "nodes.h"
 #include "values.h"
@@ -31,6 +32,9 @@ QRect cropRect(const QVariantMap& values, const QSize& size)
 
 class CropNode : public GeometryFilter
 {
+public:
+    Ondrel::ModeInterface* createMode() const override { return new CropNodeMode; }
+
 protected:
     QSize sizeOf(const QVariantMap& values, const QSize& size) const override { return cropRect(values, size).size(); }
 

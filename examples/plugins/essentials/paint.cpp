@@ -1,5 +1,6 @@
 #include "filter.h"
 #include "nodes.h"
+#include "paintmode.h"
 #include "values.h"
 
 #include <ondrel/core/color.h>
@@ -55,6 +56,9 @@ void paintStroke(PixelPainter& painter, const std::vector<QPoint>& points, const
 // pixels of the whole picture, a hardness from 0 to 1, and a color.
 class PaintNode : public Filter
 {
+public:
+    Ondrel::ModeInterface* createMode() const override { return new PaintMode; }
+
 protected:
     ImagePtr process(const Work& work) const override
     {

@@ -1,5 +1,6 @@
 #include "geometry.h"
 #include "nodes.h"
+#include "perspectivemode.h"
 #include "values.h"
 
 #include <ondrel/pixel/perspective.h>
@@ -106,6 +107,9 @@ std::optional<View> viewOf(const QVariantMap& values, const QSize& size)
 
 class PerspectiveNode : public GeometryFilter
 {
+public:
+    Ondrel::ModeInterface* createMode() const override { return new PerspectiveMode; }
+
 protected:
     QSize sizeOf(const QVariantMap& values, const QSize& size) const override
     {

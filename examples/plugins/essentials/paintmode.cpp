@@ -1,0 +1,174 @@
+#include "paintmode.h"
+
+#include <ondrel/widgets/colorpushbutton.h>
+
+#include <QDockWidget>
+#include <QGraphicsView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Essentials
+{
+namespace
+{
+
+constexpr unsigned long kStrokes = 2; // among the fields of nodes/paint.xml
+constexpr int kLargest = 2000;
+constexpr double kStep = 1.25; // of the size, with each key
+
+} // namespace
+
+QString PaintMode::modeName() const
+{
+    return tr("Paint");
+}
+
+void PaintMode::createDockWidgets(std::vector<QDockWidget*>& widgets)
+{
+    auto* const dock = new QDockWidget(tr("Brush"));
+    dock->setObjectName("brush");
+    auto* const panel = new QWidget(dock);
+    auto* const button = new Ondrel::ColorPushButton(true, panel);
+    button->setObjectName("color");
+    button->setAccessibleName(tr("Brush color"));
+    button->setColor(m_color);
+    auto* const help = new QLabel(tr("[ and ]: size\nShift+[ and ]: hardness"), panel);
+    auto* const layout = new QVBoxLayout(panel);
+    layout->addWidget(new QLabel(tr("Color"), panel));
+    layout->addWidget(button);
+    layout->addWidget(help);
+    layout->addStretch();
+    connect(button, SIGNAL(valueChanged(Ondrel::Color)), this, SLOT(chooseColor(Ondrel::Color)));
+    dock->setWidget(panel);
+    widgets.push_back(dock);
+}
+
+QWidget* PaintMode::createStatusBarWidget()
+{
+    auto* const label = new QLabel;
+    label->setObjectName("brush");
+    const auto showText = [this, label] {
+        label->setText(tr("Brush %1 px, hardness %2 %").arg(m_size).arg(m_tenths * 10));
+    };
+    connect(this, &PaintMode::brushChanged, label, showText);
+    showText();
+    return label;
+}
+
+void PaintMode::chooseColor(const Ondrel::Color& color)
+{
+    m_color = color;
+}
+
+void PaintMode::setBrush(int size, int tenths)
+{
+    m_size = std::clamp(size, 1, kLargest);
+    m_tenths = std::clamp(tenths, 0, 10);
+    Q_EMIT brushChanged();
+    Q_EMIT requestCanvasUpdate();
+}
+
+void PaintMode::hide(bool closing)
+{
+    m_points.clear();
+    PictureMode::hide(closing);
+}
+
+void PaintMode::nodeInputChanged(unsigned long fieldIndex, const QVariant& value)
+{
+    if (fieldIndex == kStrokes)
+        m_strokes = value.toList();
+}
+
+void PaintMode::viewMousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || !ready())
+        return;
+    if (const std::optional<QPointF> point = pictureAt(event->localPos()))
+        m_points = QPolygonF({*point});
+    Q_EMIT requestCanvasUpdate();
+}
+
+void PaintMode::viewMouseMoveEvent(QMouseEvent* event)
+{
+    m_pointer = event->localPos();
+    const std::optional<QPointF> point = ready() && !m_points.isEmpty() ? pictureAt(event->localPos()) : std::nullopt;
+    if (point)
+        m_points.append(*point);
+    Q_EMIT requestCanvasUpdate();
+}
+
+void PaintMode::viewMouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || m_points.isEmpty())
+        return;
+    QVariantList points;
+    for (const QPointF& point : std::exchange(m_points, QPolygonF()))
+        points.append(point);
+    m_strokes.append(QVariantMap{
+        {"size", m_size}, {"hardness", hardness()}, {"color", QVariant::fromValue(m_color)}, {"points", points}});
+    Q_EMIT inputValueChanged(kStrokes, QVariant(m_strokes));
+}
+
+void PaintMode::viewMouseLeaveEvent(QEvent*)
+{
+    m_pointer.reset();
+    Q_EMIT requestCanvasUpdate();
+}
+
+void PaintMode::viewKeyPressEvent(QKeyEvent* event)
+{
+    const int larger = std::max(m_size + 1, int(std::lround(m_size * kStep)));
+    switch (event->key()) {
+    case Qt::Key_BracketLeft:
+        return setBrush(int(m_size / kStep), m_tenths);
+    case Qt::Key_BracketRight:
+        return setBrush(larger, m_tenths);
+    case Qt::Key_BraceLeft: // with Shift
+        return setBrush(m_size, m_tenths - 1);
+    case Qt::Key_BraceRight:
+        return setBrush(m_size, m_tenths + 1);
+    case Qt::Key_Escape:
+        m_points.clear();
+        Q_EMIT requestCanvasUpdate();
+        return;
+    default:
+        event->ignore();
+    }
+}
+
+double PaintMode::brushInView() const
+{
+    const QTransform toView = pictureToView();
+    return m_size / 2.0 * std::sqrt(std::abs(toView.m11() * toView.m22() - toView.m12() * toView.m21()));
+}
+
+// The stroke is shown as a line until the node has painted it.
+void PaintMode::viewDrawOverCanvas(QPainter* painter, const QRectF&)
+{
+    if (!ready())
+        return;
+    painter->save();
+    painter->resetTransform();
+    painter->setRenderHint(QPainter::Antialiasing);
+    if (!m_points.isEmpty()) {
+        const QColor color = QColor::fromRgba64(
+            QRgba64::fromRgba64(m_color.red, m_color.green, m_color.blue, quint16(m_color.alpha * 0.8)));
+        painter->setPen(QPen(color, 2 * brushInView(), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        const QPolygonF line = pictureToView().map(m_points);
+        line.size() == 1 ? painter->drawPoint(line.front()) : painter->drawPolyline(line);
+    }
+    if (m_pointer) {
+        painter->setPen(QPen(QColor(255, 255, 255, 200), 1));
+        painter->drawEllipse(*m_pointer, brushInView(), brushInView());
+    }
+    painter->restore();
+}
+
+} // namespace Essentials

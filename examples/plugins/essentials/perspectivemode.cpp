@@ -1,0 +1,156 @@
+#include "perspectivemode.h"
+
+#include "values.h"
+
+#include <QGraphicsView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace Essentials
+{
+namespace
+{
+
+enum Field : unsigned long { CornersField = 2, SizeField = 3 }; // of nodes/perspective.xml
+constexpr qreal kReach = 12;
+
+} // namespace
+
+QString PerspectiveMode::modeName() const
+{
+    return tr("Perspective");
+}
+
+std::optional<QPointF> PerspectiveMode::cornerInView(std::size_t corner) const
+{
+    if (!ready())
+        return std::nullopt;
+    const QPointF& at = m_corners[corner];
+    return pictureToView().map(QPointF(at.x() * pictureSize().width(), at.y() * pictureSize().height()));
+}
+
+void PerspectiveMode::hide(bool closing)
+{
+    giveUpDrag();
+    PictureMode::hide(closing);
+}
+
+void PerspectiveMode::nodeInputChanged(unsigned long fieldIndex, const QVariant& value)
+{
+    if (fieldIndex == SizeField)
+        m_growing = choice({{"size", value}}, "size", {"Same Size", "Whole Picture"}) == 1;
+    if (fieldIndex != CornersField)
+        return;
+    Corners corners = {QPointF(0, 0), QPointF(1, 0), QPointF(1, 1), QPointF(0, 1)};
+    const QVariantList list = value.toList();
+    for (int i = 0; i < 4; ++i) {
+        if (list.value(i).canConvert<QPointF>())
+            corners[std::size_t(i)] = list[i].toPointF();
+    }
+    show(corners);
+}
+
+void PerspectiveMode::show(const Corners& corners)
+{
+    m_corners = corners;
+    Q_EMIT requestCanvasUpdate();
+}
+
+void PerspectiveMode::tell()
+{
+    QVariantList list;
+    for (const QPointF& corner : m_corners)
+        list.append(corner);
+    Q_EMIT inputValueChanged(CornersField, QVariant(list));
+}
+
+void PerspectiveMode::giveUpDrag()
+{
+    if (m_beforeDrag)
+        show(*std::exchange(m_beforeDrag, std::nullopt));
+}
+
+void PerspectiveMode::nudge(double dx, double dy)
+{
+    if (!ready() || m_beforeDrag)
+        return;
+    Corners corners = m_corners;
+    corners[m_corner] += QPointF(dx / pictureSize().width(), dy / pictureSize().height());
+    show(corners);
+    tell();
+}
+
+void PerspectiveMode::viewMousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || !ready())
+        return;
+    for (std::size_t i = 0; i < m_corners.size(); ++i) {
+        if ((*cornerInView(i) - event->localPos()).manhattanLength() > kReach)
+            continue;
+        m_corner = i;
+        m_beforeDrag = m_corners;
+        Q_EMIT requestCanvasUpdate();
+        return;
+    }
+}
+
+void PerspectiveMode::viewMouseMoveEvent(QMouseEvent* event)
+{
+    const std::optional<QPointF> point = m_beforeDrag ? pictureAt(event->localPos()) : std::nullopt;
+    if (!point)
+        return;
+    Corners corners = m_corners;
+    corners[m_corner] = QPointF(point->x() / pictureSize().width(), point->y() / pictureSize().height());
+    show(corners);
+}
+
+void PerspectiveMode::viewMouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton && m_beforeDrag && *std::exchange(m_beforeDrag, std::nullopt) != m_corners)
+        tell();
+}
+
+void PerspectiveMode::viewKeyPressEvent(QKeyEvent* event)
+{
+    const int step = event->modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        return nudge(-step, 0);
+    case Qt::Key_Right:
+        return nudge(step, 0);
+    case Qt::Key_Up:
+        return nudge(0, -step);
+    case Qt::Key_Down:
+        return nudge(0, step);
+    case Qt::Key_Space:
+        m_corner = (m_corner + 1) % m_corners.size();
+        Q_EMIT requestCanvasUpdate();
+        return;
+    case Qt::Key_Escape:
+        return giveUpDrag();
+    default:
+        event->ignore();
+    }
+}
+
+void PerspectiveMode::viewDrawOverCanvas(QPainter* painter, const QRectF&)
+{
+    if (!ready())
+        return;
+    painter->save();
+    painter->resetTransform(); // lines and handles keep their size on screen at every zoom
+    painter->setRenderHint(QPainter::Antialiasing);
+    QPolygonF outline;
+    for (std::size_t i = 0; i < m_corners.size(); ++i)
+        outline << *cornerInView(i);
+    painter->setPen(QPen(QColor(255, 204, 0), 1.5));
+    painter->drawPolygon(outline);
+    for (std::size_t i = 0; i < m_corners.size(); ++i) {
+        painter->setBrush(i == m_corner ? QColor(255, 255, 255) : QColor(255, 204, 0));
+        painter->drawEllipse(outline[int(i)], 6, 6);
+    }
+    painter->restore();
+}
+
+} // namespace Essentials

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "../../mode/picturemode.h"
+
+#include <array>
+#include <optional>
+
+namespace Essentials
+{
+
+// Moves the four corners of the node's picture. Drag one with the left button; Escape gives the drag up. Space chooses
+// a corner, which the arrow keys move by a pixel, by ten with Shift.
+class PerspectiveMode : public PictureMode
+{
+    Q_OBJECT
+public:
+    using PictureMode::PictureMode;
+    std::optional<QPointF> cornerInView(std::size_t corner) const; // nothing before the geometry is known
+
+    void hide(bool closing) override;
+    void nodeInputChanged(unsigned long fieldIndex, const QVariant& value) override;
+    void viewMousePressEvent(QMouseEvent* event) override;
+    void viewMouseMoveEvent(QMouseEvent* event) override;
+    void viewMouseReleaseEvent(QMouseEvent* event) override;
+    void viewKeyPressEvent(QKeyEvent* event) override;
+    void viewDrawOverCanvas(QPainter* painter, const QRectF& rect) override;
+    bool previewMode() const override { return m_growing; }
+    QString modeName() const override;
+
+private:
+    using Corners = std::array<QPointF, 4>; // in fractions of the picture: top left, and on clockwise
+    void show(const Corners& corners);      // without telling the host
+    void tell();
+    void nudge(double dx, double dy);
+    void giveUpDrag();
+
+    Corners m_corners = {QPointF(0, 0), QPointF(1, 0), QPointF(1, 1), QPointF(0, 1)};
+    std::optional<Corners> m_beforeDrag;
+    std::size_t m_corner = 0; // the chosen one
+    bool m_growing = false;   // the result is as large as its corners want: there is no fixed ground under them
+};
+
+} // namespace Essentials
