@@ -23,7 +23,9 @@ bool sameValues(const QVariantMap& a, const QVariantMap& b)
 
 QString displayOf(const QString& dataType)
 {
-    return dataType.isEmpty() ? QString("nothing") : QString("a %1").arg(dataType);
+    if (dataType.isEmpty())
+        return "nothing";
+    return QString(QString("aeiou").contains(dataType[0]) ? "an %1" : "a %1").arg(dataType);
 }
 
 } // namespace

@@ -84,6 +84,30 @@ QString findOddities(const std::string& text)
     return problem;
 }
 
+bool overflows(const std::string& text)
+{
+    try {
+        [[maybe_unused]] const Json parsed = Json::parse(text);
+    } catch (const Json::out_of_range&) {
+        return true;
+    } catch (const Json::parse_error&) { // cut short
+    }
+    return false;
+}
+
+// Where the first number beyond the range of floating point begins; the parser does not tell. It is in the shortest
+// piece of the text that the parser refuses for it.
+std::size_t findOverflow(const std::string& text)
+{
+    std::size_t without = 0, with = text.size();
+    while (with - without > 1) {
+        const std::size_t middle = without + (with - without) / 2;
+        (overflows(text.substr(0, middle)) ? with : without) = middle;
+    }
+    const std::size_t before = text.find_last_of(" \t\n\r,:[{", with - 1);
+    return before == std::string::npos ? 0 : before + 1;
+}
+
 // Counts the values from `root` to `wanted` as they stand in the text.
 bool countTo(const Json& root, const Json& wanted, std::size_t& count)
 {
@@ -125,8 +149,8 @@ QString parseJson(const std::string& text, Json& json)
         const std::size_t offset = std::min(std::max<std::size_t>(error.byte, 1) - 1, text.size());
         return withPlace(placeOf(text, offset),
                          offset == text.size() ? QString("The text ends too early.") : QString("This is no JSON."));
-    } catch (const Json::exception&) { // a number beyond the range of floating point
-        return "There is a number that is too large.";
+    } catch (const Json::out_of_range&) {
+        return withPlace(placeOf(text, findOverflow(text)), "This number is too large.");
     }
     const QString problem = findOddities(text);
     if (problem.isEmpty())

@@ -182,7 +182,7 @@ TEST_F(Evaluation, OneAndSixteenThreadsGiveTheSameBytes)
         row.push_back(id);
     }
     QByteArray results[2];
-    for (const std::size_t threads : {1, 16}) {
+    for (const auto threads : {std::size_t(1), std::size_t(16)}) {
         const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
         cache.clear();
         results[threads == 1 ? 0 : 1] = bytes(evaluate(row.back()));

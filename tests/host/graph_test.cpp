@@ -49,7 +49,7 @@ TEST_F(GraphOfNodes, AConnectionThatWouldCloseACycleIsRefusedWithTheReason)
 TEST_F(GraphOfNodes, AConnectionBetweenTypesThatDoNotFitIsRefusedWithTheReason)
 {
     const auto number = add("number", "N"), sum = add("add", "A");
-    EXPECT_EQ(why({number, "number", sum, "image"}), "\"Image\" of \"A\" takes a image, and \"N\" gives a number.");
+    EXPECT_EQ(why({number, "number", sum, "image"}), "\"Image\" of \"A\" takes an image, and \"N\" gives a number.");
 }
 
 TEST_F(GraphOfNodes, FieldsAndNodesThatDoNotExistAreNamed)

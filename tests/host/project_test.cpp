@@ -283,7 +283,7 @@ INSTANTIATE_TEST_SUITE_P(
               "Line 6, column 47: \"area\" has 4 numbers."},
         Wrong{"\"area\": [\"0\", ", "\"area\": [\"inf\", ", "Line 6, column 48: This is a number in quotes."},
         Wrong{"\"view\": {}", "\"view\": {}, \"sound\": 1", "Line 8, column 23: \"sound\" is unknown."},
-        Wrong{"\"view\": {}", "\"view\": {\"z\": 1e999}", "number that is too large"}));
+        Wrong{"\"view\": {}", "\"view\": {\"z\": 1e999}", "Line 8, column 16: This number is too large."}));
 
 TEST_F(ProjectText, ThatIsCutShortAnywhereOrDamagedIsAnError)
 {
