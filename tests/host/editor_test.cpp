@@ -1,5 +1,7 @@
 #include "clipboardgraph.h"
 #include "editorwindow.h"
+#include "exportdialog.h"
+#include "exporter.h"
 #include "imagepane.h"
 #include "modehost.h"
 #include "nodesearch.h"
@@ -9,6 +11,7 @@
 #include "script.h"
 #include "values.h"
 
+#include <ondrel/color/colormanager.h>
 #include <ondrel/resources/resourceengine.h>
 
 #include <gtest/gtest.h>
@@ -16,14 +19,18 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QDir>
+#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMimeData>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
 
 #include <cstring>
 #include <functional>
@@ -490,6 +497,83 @@ TEST_F(Editor, ModeEndsWithItsNode)
     play("select photo\nkey E");
     EXPECT_EQ(window.modes().mode(), nullptr);
     EXPECT_FALSE(status().isEmpty());
+}
+
+TEST_F(Editor, ExportsQueueUpAndWriteWhatIsShown)
+{
+    addChain();
+    play("show Levels\nwait");
+    const Picture expected = freshPicture(id("Levels"));
+    window.exportPicture(path("out/a.png"), {{"pngdepth", "16 bits"}, {"pngalpha", "With"}});
+    window.exportPicture(path("out/b.jpg"), {{"quality", "80"}});
+    play("set Blur radiusx 60\nwait"); // comes too late for both
+    EXPECT_EQ(status(), "b.jpg was exported.");
+    Ondrel::ResourceId written;
+    ASSERT_TRUE(std::async(std::launch::async, [&] {
+                    return ResourceEngine::Get().AddImage(path("out/a.png").toStdString(), written);
+                }).get());
+    std::shared_ptr<const Ondrel::Image> image;
+    ASSERT_TRUE(std::async(std::launch::async, [&] {
+                    return ResourceEngine::Get().CopyImage(written, image, Ondrel::EmbeddedColorProfile,
+                                                           Ondrel::RunStatus());
+                }).get());
+    EXPECT_TRUE(equalPictures({image, QSize()}, expected));
+    EXPECT_EQ(QImage(path("out/b.jpg")).size(), QSize(90, 60));
+}
+
+TEST_F(Editor, CancelledExportLeavesNothing)
+{
+    play("add essentials/gradient 0 400 Large\nset Large width 2500\nset Large height 2500\nshow Large");
+    window.exportPicture(path("out/large.png"), {});
+    window.exporter().cancel();
+    settle();
+    EXPECT_FALSE(QFile::exists(path("out/large.png")));
+    EXPECT_TRUE(QDir(path("out")).entryList(QDir::Files | QDir::Hidden).isEmpty());
+    EXPECT_TRUE(status().contains("cancelled")) << qPrintable(status());
+}
+
+TEST_F(Editor, ExportWithoutAPictureSaysWhy)
+{
+    addThree();
+    play("show Blur\nwait\nexport " + path("none.png"));
+    EXPECT_TRUE(status().startsWith("none.png: ")) << qPrintable(status());
+    EXPECT_FALSE(QFile::exists(path("none.png")));
+}
+
+TEST_F(Editor, ExportDialogGivesBackWhatAnOutputNodeSays)
+{
+    const NodeType& output = *nodeTypes().find("essentials/output");
+    QVariantMap values = output.defaults();
+    values["format"] = "TIFF";
+    values["tiffdepth"] = "8 bits";
+    values["tiffcompression"] = "LZW";
+    values["tiffalpha"] = "With";
+    const ExportDialog dialog(path("name.png"), values, &window);
+    EXPECT_EQ(dialog.file(), path("name.tif"));
+    EXPECT_EQ(dialog.format(), FileFormat::Tiff);
+    for (const char* field : {"format", "tiffdepth", "tiffcompression", "tiffalpha", "space"})
+        EXPECT_EQ(dialog.outputValues().value(field).toString(), values.value(field).toString()) << field;
+    values["space"] = "Chosen";
+    values["profile"] = QByteArray(reinterpret_cast<const char*>(Ondrel::DefaultColorProfileHash.data()), 32);
+    const ExportDialog chosen(path("name.png"), values, &window);
+    EXPECT_EQ(chosen.outputValues().value("space").toString(), "Chosen");
+    EXPECT_EQ(chosen.outputValues().value("profile"), values.value("profile"));
+}
+
+TEST_F(Editor, DroppedFilesAreImportedWhereTheyFall)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path("photo.png"))});
+    QWidget* const canvas = window.sceneView().viewport();
+    const QPoint at(100, 80);
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(canvas, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(canvas, &drop);
+    settle();
+    ASSERT_NE(id("photo 2"), 0u);
+    EXPECT_EQ(graph().nodeByName("photo 2")->position, window.sceneView().mapToScene(100, 80));
 }
 
 // Whatever would wait for the store, waits for ever here.

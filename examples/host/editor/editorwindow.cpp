@@ -1,6 +1,8 @@
 #include "editorwindow.h"
 
 #include "clipboardgraph.h"
+#include "exportdialog.h"
+#include "exporter.h"
 #include "imagepane.h"
 #include "modehost.h"
 #include "nodesearch.h"
@@ -10,11 +12,14 @@
 #include "sceneview.h"
 
 #include <ondrel/resources/resourceengine.h>
+#include <ondrel/widgets/histogramwidget.h>
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QDir>
+#include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
@@ -22,6 +27,8 @@
 #include <QMimeData>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QUrl>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -44,15 +51,19 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_imagePane(new ImagePane)
     , m_pictures(new Pictures(m_document, *m_scene, *m_imagePane, this))
     , m_modes(new ModeHost(m_document, *m_scene, *m_imagePane, *this))
+    , m_exporter(new Exporter(types, m_pictures->evaluator().cache(), this))
 {
     auto* splitter = new QSplitter(Qt::Vertical, this);
     splitter->addWidget(m_imagePane);
     splitter->addWidget(m_sceneView);
     splitter->setSizes({500, 400});
     setCentralWidget(splitter);
-    statusBar();
+    statusBar()->addPermanentWidget(m_exporter);
+    setAcceptDrops(true);
+    addHistogram();
     addActions();
 
+    connect(m_exporter, &Exporter::finished, this, &EditorWindow::exportDone);
     m_pictures->setShownGraph([this] { return m_modes->shownGraph(); });
     connect(m_modes, SIGNAL(changed()), m_pictures, SLOT(schedule()));
     connect(m_modes, &ModeHost::left, this, [this] { m_editInView->setChecked(false); });
@@ -67,6 +78,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
 
 EditorWindow::~EditorWindow()
 {
+    delete m_exporter; // it uses the cache of the pictures
     delete m_pictures;
     delete m_modes;
     m_document.disconnect(this);
@@ -89,6 +101,7 @@ void EditorWindow::addActions()
     addAction(file, tr("Save &as..."), QKeySequence::SaveAs, SLOT(saveAs()));
     file->addSeparator();
     addAction(file, tr("&Import images..."), QKeySequence("Ctrl+I"), SLOT(importImages()));
+    addAction(file, tr("&Export picture..."), QKeySequence("Ctrl+E"), SLOT(exportShown()));
     file->addSeparator();
     addAction(file, tr("&Quit"), QKeySequence::Quit, SLOT(close()));
 
@@ -108,6 +121,7 @@ void EditorWindow::addActions()
     addAction(edit, tr("&Bypass"), QKeySequence("D"), SLOT(bypassSelected()));
 
     QMenu* const view = menuBar()->addMenu(tr("&View"));
+    view->addAction(findChild<QDockWidget*>("histogram")->toggleViewAction());
     addAction(view, tr("&Show node"), QKeySequence("1"), SLOT(showSelected()));
     m_editInView = view->addAction(tr("&Edit node in view"));
     m_editInView->setShortcut(QKeySequence("E"));
@@ -236,6 +250,87 @@ void EditorWindow::importFiles(const QStringList& files, QPointF at)
         });
         at += QPointF(40, 40);
     }
+}
+
+void EditorWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+// A project is opened, anything else imported: where it was dropped on the canvas, or in the middle of it.
+void EditorWindow::dropEvent(QDropEvent* event)
+{
+    QStringList files;
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile())
+            files.append(url.toLocalFile());
+    }
+    event->acceptProposedAction();
+    if (files.size() == 1 && files[0].endsWith(".ondrel")) {
+        if (mayLeave())
+            openProject(files[0]);
+        return;
+    }
+    QWidget* const canvas = m_sceneView->viewport();
+    const QPoint at = canvas->mapFrom(this, event->pos());
+    importFiles(files, m_sceneView->mapToScene(canvas->rect().contains(at) ? at : canvas->rect().center()));
+}
+
+// ---- Export
+
+QVariantMap EditorWindow::shownOutputValues() const
+{
+    const NodeRecord* const record = m_document.graph().node(m_scene->primary());
+    const NodeType* const type = record ? m_types.find(record->type) : nullptr;
+    return type && type->id == "essentials/output" ? completeValues(*record, *type) : QVariantMap();
+}
+
+void EditorWindow::exportShown()
+{
+    const NodeRecord* const record = m_document.graph().node(m_scene->primary());
+    if (!record) {
+        statusBar()->showMessage(tr("Show a node first: its picture is exported."), kMessageTime);
+        return;
+    }
+    const QVariantMap values = shownOutputValues();
+    const QString last = values.value("file").toString();
+    const QString folder = m_file.isEmpty() ? QDir::homePath() : QFileInfo(m_file).path();
+    ExportDialog dialog(last.isEmpty() ? folder + "/" + record->name : last, values, this);
+    if (dialog.exec() == QDialog::Accepted)
+        exportPicture(dialog.file(), dialog.outputValues());
+}
+
+void EditorWindow::exportPicture(const QString& file, const QVariantMap& outputValues)
+{
+    ExportOrder order{m_document.graph(), m_scene->primary(), file, formatOf(outputValues), outputValues};
+    formatFromName(file, order.format);
+    m_exporter->add(order);
+}
+
+void EditorWindow::exportDone(const QString& file, const QString& error)
+{
+    const QString name = QFileInfo(file).fileName();
+    statusBar()->showMessage(error.isEmpty() ? tr("%1 was exported.").arg(name) : name + ": " + error, kMessageTime);
+}
+
+void EditorWindow::addHistogram()
+{
+    auto* const dock = new QDockWidget(tr("Histogram"), this);
+    dock->setObjectName("histogram");
+    auto* const panel = new QWidget(dock);
+    auto* const histogram = new Ondrel::HistogramWidget(panel);
+    histogram->setFixedHeight(150);
+    histogram->setMinimumWidth(220);
+    auto* const layout = new QVBoxLayout(panel); // keeps it at the top where the dock is high
+    layout->setContentsMargins(6, 0, 6, 6);
+    layout->addWidget(histogram);
+    layout->addStretch();
+    histogram->setAccessibleName(tr("Histogram of the picture in view"));
+    dock->setWidget(panel);
+    addDockWidget(Qt::RightDockWidgetArea, dock);
+    connect(m_imagePane, &ImagePane::pictureShown, histogram,
+            [this, histogram] { histogram->update(m_imagePane->picture().image); });
 }
 
 void EditorWindow::addImage(const QString& file, Ondrel::ResourceId id, QPointF at)
@@ -407,7 +502,7 @@ void EditorWindow::fitSelected()
 
 bool EditorWindow::isSettled() const
 {
-    return !m_pictures->isWaiting() && !m_worker.isBusy();
+    return !m_pictures->isWaiting() && !m_worker.isBusy() && !m_exporter->isBusy();
 }
 
 } // namespace Host

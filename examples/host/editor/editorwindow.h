@@ -12,6 +12,7 @@
 namespace Host
 {
 
+class Exporter;
 class ImagePane;
 class ModeHost;
 class Pictures;
@@ -30,6 +31,7 @@ public:
     Scene& scene() { return *m_scene; }
     SceneView& sceneView() { return *m_sceneView; }
     ImagePane& imagePane() { return *m_imagePane; }
+    Exporter& exporter() { return *m_exporter; }
     ModeHost& modes() { return *m_modes; }
     Pictures& pictures() { return *m_pictures; }
 
@@ -38,6 +40,8 @@ public:
     void openProject(const QString& file);
     void saveProject(const QString& file);
     void importFiles(const QStringList& files, QPointF at);
+    // Of the node that is shown, at full size, in the background. The name's ending decides on the format.
+    void exportPicture(const QString& file, const QVariantMap& outputValues);
     NodeId addNode(const QString& type, QPointF at);
     bool isSettled() const; // no picture and no file is waited for
 
@@ -56,12 +60,16 @@ public Q_SLOTS:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private Q_SLOTS:
     void open();
     void save();
     void saveAs();
     void importImages();
+    void exportShown();
+    void exportDone(const QString& file, const QString& error);
     void addWiredNode(Host::NodeId node, const QString& field, bool fromOutput, QPointF at);
     void updateTitle();
 
@@ -74,6 +82,8 @@ private:
     void addImage(const QString& file, Ondrel::ResourceId id, QPointF at);
     void connectTo(NodeId made, NodeId node, const QString& field, bool fromOutput);
     Graph selectedGraph() const;
+    void addHistogram();
+    QVariantMap shownOutputValues() const;
 
     const NodeTypes& m_types;
     Document m_document;
@@ -82,6 +92,7 @@ private:
     ImagePane* m_imagePane;
     Pictures* m_pictures;
     ModeHost* m_modes;
+    Exporter* m_exporter;
     QAction* m_editInView = nullptr; // the window's
     Worker m_worker;
     QString m_file;

@@ -39,6 +39,8 @@ ImagePane::ImagePane(QWidget* parent)
     m_scene.addItem(m_canvas);
     m_view->viewport()->setMouseTracking(true);
     m_view->viewport()->installEventFilter(this);
+    m_view->setAcceptDrops(false); // files are the window's
+    m_view->viewport()->setAcceptDrops(false);
     m_view->setAccessibleName(tr("Picture"));
     m_readOut->setAccessibleName(tr("Colour under the pointer"));
     m_readOut->setText(" ");
@@ -63,6 +65,7 @@ void ImagePane::setPicture(const Picture& picture)
     if (!sameSize)
         placeScene();
     m_view->viewport()->update();
+    Q_EMIT pictureShown();
 }
 
 double ImagePane::fittingZoom(QSize fullSize) const

@@ -36,7 +36,8 @@ public Q_SLOTS:
 
 Q_SIGNALS:
     void zoomChanged();
-    void placed(); // the zoom or the size of the picture may be another one
+    void pictureShown(); // another one than before
+    void placed();       // the zoom or the size of the picture may be another one
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;

@@ -31,6 +31,8 @@ SceneView::SceneView(Scene& scene)
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSceneRect(-20000, -20000, 40000, 40000);
     setAccessibleName(tr("Nodes"));
+    setAcceptDrops(false); // files are the window's
+    viewport()->setAcceptDrops(false);
 }
 
 void SceneView::fit(const QRectF& area)

@@ -79,7 +79,7 @@ bool Script::run(const QString& text)
 bool Script::runLine(const QStringList& words)
 {
     const QString& command = words[0];
-    if (command == "open" || command == "save" || command == "import")
+    if (command == "open" || command == "save" || command == "import" || command == "export")
         return runFile(words);
     if (command == "wire" || command == "unwire" || command == "replug" || command == "drop")
         return runWire(words);
@@ -112,6 +112,8 @@ bool Script::runFile(const QStringList& words)
         m_window.openProject(words.value(1));
     else if (words[0] == "save")
         m_window.saveProject(words.value(1));
+    else if (words[0] == "export")
+        m_window.exportPicture(words.value(1), {});
     else
         m_window.importFiles({words.value(1)}, pointAt(words, 2));
     return wait();

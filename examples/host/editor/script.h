@@ -15,6 +15,7 @@ class EditorWindow;
 // double quotes; empty lines and those that begin with "#" are skipped. Nodes are named by their headers.
 //
 //   open FILE | save FILE            and waits until it is done
+//   export FILE                      what is shown; and waits
 //   import FILE X Y                  at a point of the canvas
 //   add TYPE X Y NAME                a node of that kind, as the search makes it
 //   wire NODE OUTPUT NODE INPUT      drawn with the mouse from anchor to anchor
