@@ -61,16 +61,16 @@ template <class Choose>
 void onProcessor(const Image& image, const Element& element, Image& result, const Ondrel::RunStatus& status,
                  Choose choose)
 {
-    const int side = 2 * element.radius + 1;
+    const std::size_t side = 2 * std::size_t(element.radius) + 1;
     const std::size_t samples = std::size_t(image.width) * 4;
     Examples::forRows(0, image.height, status, [&](unsigned int y) {
         std::uint16_t* const out = result.data + y * samples;
-        for (int j = 0; j < side; ++j) {
-            const std::vector<std::uint16_t> line = widened(image, int(y) + j - element.radius, element.radius);
-            for (int i = 0; i < side; ++i) {
-                if (element.mask[std::size_t(j * side + i)] == 0)
+        for (std::size_t j = 0; j < side; ++j) {
+            const std::vector<std::uint16_t> line = widened(image, int(y) + int(j) - element.radius, element.radius);
+            for (std::size_t i = 0; i < side; ++i) {
+                if (element.mask[j * side + i] == 0)
                     continue;
-                const std::uint16_t* const in = line.data() + std::size_t(i) * 4;
+                const std::uint16_t* const in = line.data() + i * 4;
                 for (std::size_t s = 0; s < samples; ++s)
                     out[s] = choose(out[s], in[s]);
             }
@@ -103,7 +103,7 @@ protected:
         const Element element = elementOf(radius, choice(work.values, "shape", {"Disc", "Square"}) == 0);
         const int operation = choice(work.values, "operation", {"Erode", "Dilate", "Open", "Close"});
         const bool dilatesFirst = operation == 1 || operation == 3;
-        const ImagePtr first = changed(*work.image, element, dilatesFirst, work.status);
+        ImagePtr first = changed(*work.image, element, dilatesFirst, work.status);
         if (operation < 2 || isCancelled(work.status))
             return first;
         return changed(*first, element, !dilatesFirst, work.status);
