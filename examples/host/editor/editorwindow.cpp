@@ -10,6 +10,7 @@
 #include "project.h"
 #include "scene.h"
 #include "sceneview.h"
+#include "viewmenu.h"
 
 #include <ondrel/resources/resourceengine.h>
 #include <ondrel/widgets/histogramwidget.h>
@@ -123,6 +124,8 @@ void EditorWindow::addActions()
     QMenu* const view = menuBar()->addMenu(tr("&View"));
     view->addAction(findChild<QDockWidget*>("histogram")->toggleViewAction());
     addAction(view, tr("&Show node"), QKeySequence("1"), SLOT(showSelected()));
+    addAction(view, tr("Show node as s&econdary"), QKeySequence("2"), SLOT(showSelectedAsSecondary()));
+    view->addMenu(new ViewMenu(*m_imagePane, this));
     m_editInView = view->addAction(tr("&Edit node in view"));
     m_editInView->setShortcut(QKeySequence("E"));
     m_editInView->setCheckable(true);
@@ -476,6 +479,13 @@ void EditorWindow::showSelected()
         m_scene->show(ids.front(), PreviewNode::EmblemPrimary);
 }
 
+void EditorWindow::showSelectedAsSecondary()
+{
+    const std::vector<NodeId> ids = m_scene->selectedNodes();
+    if (ids.size() == 1)
+        m_scene->show(ids.front(), PreviewNode::EmblemSecondary);
+}
+
 void EditorWindow::editInView(bool on)
 {
     m_modes->leave();
@@ -502,7 +512,7 @@ void EditorWindow::fitSelected()
 
 bool EditorWindow::isSettled() const
 {
-    return !m_pictures->isWaiting() && !m_worker.isBusy() && !m_exporter->isBusy();
+    return !m_pictures->isWaiting() && !m_worker.isBusy() && !m_exporter->isBusy() && !m_imagePane->isBusy();
 }
 
 } // namespace Host

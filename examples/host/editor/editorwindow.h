@@ -54,6 +54,7 @@ public Q_SLOTS:
     void paste();
     void duplicateSelected();
     void showSelected();
+    void showSelectedAsSecondary();
     void editInView(bool on); // the selected node, or the one that is shown
     void fitAll();
     void fitSelected();

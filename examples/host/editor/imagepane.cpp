@@ -3,7 +3,6 @@
 #include "../../mode/canvasview.h"
 
 #include <ondrel/color/colormanager.h>
-#include <ondrel/color/colortransformer.h>
 
 #include <QLabel>
 #include <QMouseEvent>
@@ -56,16 +55,62 @@ ImagePane::ImagePane(QWidget* parent)
 
 void ImagePane::setPicture(const Picture& picture)
 {
+    m_newest = picture;
+    render();
+}
+
+void ImagePane::setSecondPicture(const Picture& picture)
+{
+    m_second = picture;
+    render();
+}
+
+void ImagePane::setOptions(const ViewOptions& options)
+{
+    m_options = options;
+    render();
+    Q_EMIT optionsChanged();
+}
+
+void ImagePane::render()
+{
+    m_again = m_rendering;
+    if (m_rendering)
+        return;
+    m_rendering = true;
+    m_worker.run([this, first = m_newest, second = m_second, options = m_options]() -> std::function<void()> {
+        const QImage rendered = renderForView(first, second, options);
+        return [this, first, rendered] {
+            m_rendering = false;
+            show(first, rendered);
+            if (m_again)
+                render();
+        };
+    });
+}
+
+void ImagePane::show(const Picture& picture, const QImage& rendered)
+{
     const bool sameSize = picture.fullSize == m_picture.fullSize;
     m_picture = picture;
-    if (picture.image)
-        m_canvas->setPicture(Ondrel::ColorTransformer::toQImage(*picture.image, false), picture.fullSize);
-    else
-        m_canvas->setPicture(QImage(), QSize());
+    m_rendered = rendered;
+    m_canvas->setPicture(rendered, picture.image ? picture.fullSize : QSize());
     if (!sameSize)
         placeScene();
     m_view->viewport()->update();
     Q_EMIT pictureShown();
+}
+
+// By the left button with Ctrl.
+bool ImagePane::moveWipe(const QMouseEvent& event)
+{
+    const bool moves = m_options.compare == ViewOptions::Wipe && event.buttons().testFlag(Qt::LeftButton) &&
+                       event.modifiers().testFlag(Qt::ControlModifier);
+    if (!moves || m_picture.fullSize.isEmpty())
+        return false;
+    m_options.wipe = std::clamp(m_view->mapToScene(event.pos()).x() / m_picture.fullSize.width(), 0.0, 1.0);
+    render();
+    return true;
 }
 
 double ImagePane::fittingZoom(QSize fullSize) const
@@ -133,6 +178,9 @@ bool ImagePane::eventFilter(QObject* object, QEvent* event)
     } else if (event->type() == QEvent::Leave) {
         m_readOut->setText(" ");
     }
+    const bool isOfMouse = event->type() == QEvent::MouseMove || event->type() == QEvent::MouseButtonPress;
+    if (isOfMouse && moveWipe(*static_cast<QMouseEvent*>(event)))
+        return true;
     if (isOfMiddleButton(*event))
         return true; // a mode would scroll as well
     return QWidget::eventFilter(object, event);

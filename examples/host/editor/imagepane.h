@@ -1,6 +1,8 @@
 #pragma once
 
 #include "evaluation.h"
+#include "viewrendering.h"
+#include "worker.h"
 
 #include <QGraphicsScene>
 #include <QWidget>
@@ -8,6 +10,7 @@
 class CanvasItem;
 class CanvasView;
 class QLabel;
+class QMouseEvent;
 
 namespace Host
 {
@@ -20,9 +23,16 @@ class ImagePane : public QWidget
 public:
     explicit ImagePane(QWidget* parent = nullptr);
 
-    // The newest picture, small or at full size; a null image clears the view.
+    // The newest picture, small or at full size; a null image clears the view. Pictures are rendered in the background,
+    // the newest of those that wait; picture() is the one on the screen.
     void setPicture(const Picture& picture);
+    void setSecondPicture(const Picture& picture); // to compare with
     const Picture& picture() const { return m_picture; }
+    const QImage& rendered() const { return m_rendered; } // what is on the screen
+    bool isBusy() const { return m_rendering; }
+
+    const ViewOptions& options() const { return m_options; }
+    void setOptions(const ViewOptions& options);
     CanvasView& view() { return *m_view; }
     CanvasItem& canvas() { return *m_canvas; }
     double zoom() const { return m_zoom; } // screen pixels a pixel of full size
@@ -37,7 +47,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     void zoomChanged();
     void pictureShown(); // another one than before
-    void placed();       // the zoom or the size of the picture may be another one
+    void optionsChanged();
+    void placed(); // the zoom or the size of the picture may be another one
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -46,6 +57,9 @@ private Q_SLOTS:
     void placeScene();
 
 private:
+    void render();
+    void show(const Picture& picture, const QImage& rendered);
+    bool moveWipe(const QMouseEvent& event);
     double fittingZoom(QSize fullSize) const;
     void showColour(QPointF position);
 
@@ -54,9 +68,15 @@ private:
     CanvasView* m_view;
     QLabel* m_readOut;
     Picture m_picture;
+    QImage m_rendered;
+    Picture m_newest, m_second;
+    ViewOptions m_options;
+    bool m_rendering = false;
+    bool m_again = false; // something has changed since the rendering began
     QPoint m_lastPosition;
     double m_zoom = 1;
     bool m_fitting = true;
+    Worker m_worker; // the first to go: its end waits for what runs
 };
 
 } // namespace Host

@@ -37,6 +37,7 @@ Pictures::Pictures(Document& document, Scene& scene, ImagePane& pane, QObject* p
     connect(&document, SIGNAL(changed()), this, SLOT(schedule()));
     connect(&scene, SIGNAL(shownNodesChanged()), this, SLOT(schedule()));
     connect(&pane, SIGNAL(zoomChanged()), this, SLOT(schedule()));
+    connect(&pane, SIGNAL(optionsChanged()), this, SLOT(schedule()));
     connect(&m_evaluator, &Evaluator::pictureReady, this, &Pictures::take);
     connect(&m_evaluator, &Evaluator::errorsFound, &scene, &Scene::setErrors);
     connect(&m_evaluator, &Evaluator::nodeBusy, &scene, &Scene::setBusy);
@@ -49,8 +50,14 @@ void Pictures::schedule()
 
 void Pictures::want(std::vector<Evaluator::Wish>& wishes, const Place& place, const Target& target)
 {
-    wishes.push_back({int(m_places.size()), target, place.use == Use::View});
+    wishes.push_back({int(m_places.size()), target, place.use == Use::View || place.use == Use::SecondView});
     m_places.push_back(place);
+}
+
+void Pictures::wantForView(std::vector<Evaluator::Wish>& wishes, const Graph& graph, const Place& place)
+{
+    const QSize size = fullSize(graph, m_document.types(), {place.node, QString(), 1});
+    want(wishes, place, {place.node, QString(), m_pane.scaleFor(size)});
 }
 
 void Pictures::request()
@@ -59,11 +66,14 @@ void Pictures::request()
     const NodeTypes& types = m_document.types();
     std::vector<Evaluator::Wish> wishes;
     m_places.clear();
-    if (const NodeId shown = m_scene.primary(); shown != 0)
-        want(wishes, {Use::View, shown},
-             {shown, QString(), m_pane.scaleFor(fullSize(graph, types, {shown, QString(), 1}))});
+    if (m_scene.primary() != 0)
+        wantForView(wishes, graph, {Use::View, m_scene.primary()});
     else
         m_pane.setPicture(Picture());
+    if (m_scene.secondary() != 0 && m_pane.options().compare != ViewOptions::First)
+        wantForView(wishes, graph, {Use::SecondView, m_scene.secondary()});
+    else
+        m_pane.setSecondPicture(Picture());
     const auto small = [&](NodeId node, const QString& output) {
         const QSize size = fullSize(graph, types, {node, output, 1});
         const double scale = size.isEmpty() ? 1.0 / 8 : std::min(1.0, double(kThumbnailWidth) / size.width());
@@ -89,6 +99,8 @@ void Pictures::take(int slot, const Picture& picture, double)
     PreviewNode* const item = m_scene.item(place.node);
     if (place.use == Use::View)
         m_pane.setPicture(picture);
+    else if (place.use == Use::SecondView)
+        m_pane.setSecondPicture(picture);
     else if (item && place.use == Use::Preview)
         item->setPreviewImage(picture.image);
     else if (item)

@@ -34,11 +34,12 @@ private Q_SLOTS:
     void take(int slot, const Host::Picture& picture, double scale);
 
 private:
-    enum class Use { View, Preview, Input };
+    enum class Use { View, SecondView, Preview, Input };
     struct Place { // where a picture goes
         Use use;
         NodeId node;
     };
+    void wantForView(std::vector<Evaluator::Wish>& wishes, const Graph& graph, const Place& place);
     void want(std::vector<Evaluator::Wish>& wishes, const Place& place, const Target& target);
 
     Document& m_document;
