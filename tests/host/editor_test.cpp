@@ -6,6 +6,7 @@
 #include "modehost.h"
 #include "nodesearch.h"
 #include "pictures.h"
+#include "recentmenu.h"
 #include "scene.h"
 #include "sceneview.h"
 #include "script.h"
@@ -16,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
@@ -25,6 +27,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
 #include <QTemporaryDir>
@@ -384,6 +387,44 @@ TEST_F(Editor, ProjectComesBackAsItWasSaved)
     QFile a(path("a.ondrel")), b(path("b.ondrel"));
     ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
     EXPECT_EQ(a.readAll(), b.readAll());
+}
+
+TEST_F(Editor, AutosaveIsOfferedAndASaveEndsIt)
+{
+    const QString file = path("work.ondrel");
+    play("save " + file);
+    EXPECT_FALSE(QFile::exists(autosaveName(file)));
+    window.setAutosaveInterval(1);
+    play("add essentials/levels 260 0 Levels");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(autosaveName(file)); }));
+    settle();
+
+    EditorWindow later(nodeTypes()); // after the first one died
+    later.openProject(file);
+    QMessageBox* question = nullptr;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return (question = later.findChild<QMessageBox*>()) != nullptr; }));
+    ASSERT_TRUE(question);
+    question->button(QMessageBox::Yes)->click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return later.isSettled() && later.isEnabled(); }));
+    EXPECT_TRUE(later.document().graph().nodeByName("Levels"));
+    EXPECT_FALSE(later.document().undoStack().isClean());
+    later.saveProject(file);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return later.isSettled(); }));
+    EXPECT_FALSE(QFile::exists(autosaveName(file)));
+    EXPECT_TRUE(later.document().undoStack().isClean());
+}
+
+TEST_F(Editor, RecentProjectsAreListedTheNewestFirst)
+{
+    play("save " + path("one.ondrel") + "\nsave " + path("two.ondrel") + "\nopen " + path("one.ondrel"));
+    RecentMenu menu(&window);
+    ASSERT_GE(menu.actions().size(), 2);
+    EXPECT_EQ(menu.actions()[0]->text(), "one.ondrel");
+    EXPECT_EQ(menu.actions()[1]->text(), "two.ondrel");
+    QString chosen;
+    QObject::connect(&menu, &RecentMenu::chosen, [&](const QString& file) { chosen = file; });
+    menu.actions()[1]->trigger();
+    EXPECT_EQ(chosen, path("two.ondrel"));
 }
 
 TEST_F(Editor, DamagedProjectLeavesTheDocument)

@@ -8,6 +8,7 @@
 #include "nodesearch.h"
 #include "pictures.h"
 #include "project.h"
+#include "recentmenu.h"
 #include "scene.h"
 #include "sceneview.h"
 #include "viewmenu.h"
@@ -39,6 +40,7 @@ namespace
 {
 
 constexpr int kMessageTime = 8000;
+constexpr int kAutosaveTime = 60000;
 const char* const kClipboardType = "application/x-ondrel-nodes+json";
 
 } // namespace
@@ -64,6 +66,13 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     addHistogram();
     addActions();
 
+    m_autosaveTimer.setSingleShot(true);
+    m_autosaveTimer.setInterval(kAutosaveTime);
+    connect(&m_autosaveTimer, SIGNAL(timeout()), this, SLOT(autosave()));
+    connect(&m_document, &Document::changed, this, [this] {
+        if (!m_autosaveTimer.isActive())
+            m_autosaveTimer.start();
+    });
     connect(m_exporter, &Exporter::finished, this, &EditorWindow::exportDone);
     m_pictures->setShownGraph([this] { return m_modes->shownGraph(); });
     connect(m_modes, SIGNAL(changed()), m_pictures, SLOT(schedule()));
@@ -98,6 +107,12 @@ void EditorWindow::addActions()
 {
     QMenu* const file = menuBar()->addMenu(tr("&File"));
     addAction(file, tr("&Open..."), QKeySequence::Open, SLOT(open()));
+    m_recent = new RecentMenu(this);
+    file->addMenu(m_recent);
+    connect(m_recent, &RecentMenu::chosen, this, [this](const QString& chosen) {
+        if (mayLeave())
+            openProject(chosen);
+    });
     addAction(file, tr("&Save"), QKeySequence::Save, SLOT(save()));
     addAction(file, tr("Save &as..."), QKeySequence::SaveAs, SLOT(saveAs()));
     file->addSeparator();
@@ -173,12 +188,39 @@ void EditorWindow::openProject(const QString& file)
 {
     setEnabled(false);
     m_worker.run([this, file]() -> std::function<void()> {
-        const ProjectReading reading = loadProject(file, m_types);
-        return [this, file, reading] { takeProject(file, reading); };
+        const QString autosave = recoverableAutosave(file);
+        return [this, file, autosave] {
+            if (autosave.isEmpty())
+                readProject(file, file);
+            else
+                chooseRecovery(file, autosave);
+        };
     });
 }
 
-void EditorWindow::takeProject(const QString& file, const ProjectReading& reading)
+void EditorWindow::chooseRecovery(const QString& file, const QString& autosave)
+{
+    auto* const question = new QMessageBox(
+        QMessageBox::Question, tr("Recovery"),
+        tr("There are newer changes to %1 that were not saved. Open them?").arg(QFileInfo(file).fileName()),
+        QMessageBox::Yes | QMessageBox::No, this);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    setEnabled(true); // for the question
+    connect(question, &QDialog::finished, this,
+            [this, file, autosave](int answer) { readProject(file, answer == QMessageBox::Yes ? autosave : file); });
+    question->open();
+}
+
+void EditorWindow::readProject(const QString& file, const QString& from)
+{
+    setEnabled(false);
+    m_worker.run([this, file, from]() -> std::function<void()> {
+        const ProjectReading reading = loadProject(from, m_types);
+        return [this, file, from, reading] { takeProject(file, reading, from != file); };
+    });
+}
+
+void EditorWindow::takeProject(const QString& file, const ProjectReading& reading, bool isRecovered)
 {
     setEnabled(true);
     if (!reading.project) {
@@ -191,20 +233,34 @@ void EditorWindow::takeProject(const QString& file, const ProjectReading& readin
     const std::string shown = reading.project->view.value("primary", std::string());
     m_scene->show(QString::fromStdString(shown).toULongLong(), PreviewNode::EmblemPrimary);
     fitAll();
+    m_autosaveTimer.stop(); // loading is no change
+    m_recent->add(file);
+    if (isRecovered)
+        m_document.undoStack().resetClean();
     updateTitle();
     if (!reading.notes.isEmpty())
         statusBar()->showMessage(reading.notes.join("  "), kMessageTime);
 }
 
-void EditorWindow::saveProject(const QString& file)
+Project EditorWindow::project() const
 {
     Project project;
     project.graph = m_document.graph();
     project.embedded = m_embedded;
     project.view["primary"] = std::to_string(m_scene->primary());
+    return project;
+}
+
+void EditorWindow::saveProject(const QString& file)
+{
     setEnabled(false);
-    m_worker.run([this, file, project]() -> std::function<void()> {
+    m_autosaveTimer.stop();
+    ++m_saves;
+    m_worker.run([this, file, project = project()]() -> std::function<void()> {
+        const std::lock_guard lock(m_saving);
         const QString reason = Host::saveProject(project, file);
+        if (reason.isEmpty())
+            discardAutosave(file);
         return [this, file, reason] {
             setEnabled(true);
             if (!reason.isEmpty()) {
@@ -212,10 +268,34 @@ void EditorWindow::saveProject(const QString& file)
                 return;
             }
             m_file = file;
+            m_recent->add(file);
             m_document.undoStack().setClean();
             updateTitle();
         };
     });
+}
+
+void EditorWindow::setAutosaveInterval(int milliseconds)
+{
+    m_autosaveTimer.setInterval(milliseconds);
+}
+
+// Beside the file. A project that was never saved has no place yet.
+void EditorWindow::autosave()
+{
+    if (m_file.isEmpty() || m_document.undoStack().isClean())
+        return;
+    m_worker.run(
+        [this, file = autosaveName(m_file), project = project(), saves = m_saves.load()]() -> std::function<void()> {
+            const std::lock_guard lock(m_saving);
+            if (saves != m_saves)
+                return {};
+            const QString reason = Host::saveProject(project, file);
+            return [this, reason] {
+                if (!reason.isEmpty())
+                    statusBar()->showMessage(reason, kMessageTime);
+            };
+        });
 }
 
 void EditorWindow::save()

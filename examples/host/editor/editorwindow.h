@@ -5,8 +5,11 @@
 #include "worker.h"
 
 #include <QMainWindow>
+#include <QTimer>
 
+#include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 namespace Host
@@ -16,6 +19,7 @@ class Exporter;
 class ImagePane;
 class ModeHost;
 class Pictures;
+class RecentMenu;
 class Scene;
 class SceneView;
 
@@ -36,14 +40,15 @@ public:
     Pictures& pictures() { return *m_pictures; }
 
     // Files are read and written in the background; the window cannot be edited meanwhile. A failure is shown, and the
-    // document stays.
+    // document stays. Where an autosave is newer than the file, the user is asked for which of them is opened.
     void openProject(const QString& file);
     void saveProject(const QString& file);
     void importFiles(const QStringList& files, QPointF at);
     // Of the node that is shown, at full size, in the background. The name's ending decides on the format.
     void exportPicture(const QString& file, const QVariantMap& outputValues);
     NodeId addNode(const QString& type, QPointF at);
-    bool isSettled() const; // no picture and no file is waited for
+    void setAutosaveInterval(int milliseconds); // a minute at first; counted from the first change after a save
+    bool isSettled() const;                     // no picture and no file is waited for
 
 public Q_SLOTS:
     void searchNode(QPointF at);
@@ -73,13 +78,17 @@ private Q_SLOTS:
     void exportDone(const QString& file, const QString& error);
     void addWiredNode(Host::NodeId node, const QString& field, bool fromOutput, QPointF at);
     void updateTitle();
+    void autosave();
 
 private:
     void addActions();
     QAction* addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, const char* slot);
     bool mayLeave();
     QString chooseType(const QString& dataType, bool wantsInput, QPointF at);
-    void takeProject(const QString& file, const ProjectReading& reading);
+    void takeProject(const QString& file, const ProjectReading& reading, bool isRecovered);
+    void readProject(const QString& file, const QString& from);
+    void chooseRecovery(const QString& file, const QString& autosave);
+    Project project() const;
     void addImage(const QString& file, Ondrel::ResourceId id, QPointF at);
     void connectTo(NodeId made, NodeId node, const QString& field, bool fromOutput);
     Graph selectedGraph() const;
@@ -95,7 +104,11 @@ private:
     ModeHost* m_modes;
     Exporter* m_exporter;
     QAction* m_editInView = nullptr; // the window's
+    std::mutex m_saving;             // one file is written at a time
+    std::atomic<int> m_saves{0};     // by the user, so far: an autosave from before one of them is not written
     Worker m_worker;
+    RecentMenu* m_recent = nullptr; // the window's
+    QTimer m_autosaveTimer;
     QString m_file;
     std::set<std::uint32_t> m_embedded; // resources that are saved with their bytes
 };
