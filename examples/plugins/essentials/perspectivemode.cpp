@@ -48,10 +48,10 @@ void PerspectiveMode::nodeInputChanged(unsigned long fieldIndex, const QVariant&
         if (list.value(i).canConvert<QPointF>())
             corners[std::size_t(i)] = list[i].toPointF();
     }
-    show(corners);
+    showCorners(corners);
 }
 
-void PerspectiveMode::show(const Corners& corners)
+void PerspectiveMode::showCorners(const Corners& corners)
 {
     m_corners = corners;
     Q_EMIT requestCanvasUpdate();
@@ -68,7 +68,7 @@ void PerspectiveMode::tell()
 void PerspectiveMode::giveUpDrag()
 {
     if (m_beforeDrag)
-        show(*std::exchange(m_beforeDrag, std::nullopt));
+        showCorners(*std::exchange(m_beforeDrag, std::nullopt));
 }
 
 void PerspectiveMode::nudge(double dx, double dy)
@@ -77,7 +77,7 @@ void PerspectiveMode::nudge(double dx, double dy)
         return;
     Corners corners = m_corners;
     corners[m_corner] += QPointF(dx / pictureSize().width(), dy / pictureSize().height());
-    show(corners);
+    showCorners(corners);
     tell();
 }
 
@@ -102,7 +102,7 @@ void PerspectiveMode::viewMouseMoveEvent(QMouseEvent* event)
         return;
     Corners corners = m_corners;
     corners[m_corner] = QPointF(point->x() / pictureSize().width(), point->y() / pictureSize().height());
-    show(corners);
+    showCorners(corners);
 }
 
 void PerspectiveMode::viewMouseReleaseEvent(QMouseEvent* event)

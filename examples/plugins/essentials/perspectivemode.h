@@ -28,8 +28,8 @@ public:
     QString modeName() const override;
 
 private:
-    using Corners = std::array<QPointF, 4>; // in fractions of the picture: top left, and on clockwise
-    void show(const Corners& corners);      // without telling the host
+    using Corners = std::array<QPointF, 4>;   // in fractions of the picture: top left, and on clockwise
+    void showCorners(const Corners& corners); // without telling the host
     void tell();
     void nudge(double dx, double dy);
     void giveUpDrag();
