@@ -46,7 +46,7 @@ HWY_INLINE std::size_t ScaleVectors(D floats, std::uint16_t* samples, std::size_
 void ScaleSamples(std::uint16_t* samples, std::size_t count, float offset, float factor)
 {
     const std::size_t done = ScaleVectors(hn::ScalableTag<float>(), samples, count, offset, factor);
-    ScaleVectors(hn::CappedTag<float, 4>(), samples + done, count - done, offset, factor); // a pixel at most
+    ScaleVectors(hn::CappedTag<float, 4>(), samples + done, count - done, offset, factor); // a few pixels at most
 }
 
 } // namespace HWY_NAMESPACE

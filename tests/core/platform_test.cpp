@@ -100,7 +100,8 @@ TEST_F(PlatformPaths, UserProfilePathIsGivenEvenIfItCannotBeMade)
     QDir(expected).removeRecursively();
     const QString parent = QFileInfo(expected).absolutePath();
     QDir().rmdir(parent);
-    QFile file(parent); // a file in the way
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(parent).absolutePath())); // no settings may have been written yet
+    QFile file(parent);                                           // a file in the way
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     EXPECT_EQ(Platform::UserColorProfileDirectory(), expected);
     EXPECT_FALSE(QDir(expected).exists());
