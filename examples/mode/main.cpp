@@ -6,12 +6,13 @@
 #include "script.h"
 #include "window.h"
 
+#include "../common/darkpalette.h"
+#include "../common/playscript.h"
+
 #include <ondrel/core/platform.h>
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFile>
-#include <QPalette>
 
 #include <cstdio>
 
@@ -19,39 +20,6 @@ namespace
 {
 
 constexpr unsigned int kLongestSide = 1600;
-
-QPalette darkPalette()
-{
-    const QColor text(201, 198, 198);
-    QPalette palette(QColor(62, 61, 61), QColor(50, 49, 49));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(role, text);
-    palette.setColor(QPalette::Base, QColor(28, 28, 28));
-    palette.setColor(QPalette::Highlight, QColor(255, 204, 0));
-    palette.setColor(QPalette::HighlightedText, QColor(50, 47, 47));
-    return palette;
-}
-
-int playScript(Window& window, const QString& file, const QString& folder)
-{
-    QFile script(file);
-    if (!script.open(QIODevice::ReadOnly)) {
-        std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(script.errorString()));
-        return 1;
-    }
-    if (!QDir().mkpath(folder)) {
-        std::fprintf(stderr, "%s: the folder could not be made\n", qUtf8Printable(folder));
-        return 1;
-    }
-    window.setAttribute(Qt::WA_DontShowOnScreen);
-    window.show();
-    QApplication::processEvents();
-    Script player(window, QDir(folder));
-    if (player.run(QString::fromUtf8(script.readAll())))
-        return 0;
-    std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(player.error()));
-    return 1;
-}
 
 } // namespace
 
@@ -62,7 +30,7 @@ int main(int argc, char** argv)
     QCoreApplication::setOrganizationName("Ondrel");
     QCoreApplication::setApplicationName("ondrel-mode");
     QCoreApplication::setApplicationVersion("0.1.0");
-    QApplication::setPalette(darkPalette());
+    QApplication::setPalette(Common::darkPalette(QColor(50, 49, 49)));
 
     QCommandLineParser parser;
     parser.setApplicationDescription("Cuts a rectangle out of a picture that is shown turned and tilted.");
@@ -80,7 +48,7 @@ int main(int argc, char** argv)
     Window window(loadPicture(parser.positionalArguments().value(0), kLongestSide));
     window.resize(1280, 860);
     if (parser.isSet("script"))
-        return playScript(window, parser.value("script"), parser.value("out"));
+        return Common::playScript<Script>(window, parser.value("script"), parser.value("out"));
     window.show();
     return QApplication::exec();
 }

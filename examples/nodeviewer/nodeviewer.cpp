@@ -6,11 +6,12 @@
 #include "options.h"
 #include "picture.h"
 
+#include "../common/darkpalette.h"
+
 #include <ondrel/core/platform.h>
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QPalette>
 #include <QSettings>
 
 #include <cstdio>
@@ -19,19 +20,6 @@ namespace
 {
 
 using namespace Viewer;
-
-// The colors of nodes, for what takes them from the application: icons in headers, menus, fields for typing.
-QPalette darkPalette()
-{
-    const QColor text(201, 198, 198);
-    QPalette palette(QColor(62, 61, 61), QColor(76, 75, 75));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(role, text);
-    palette.setColor(QPalette::Base, QColor(28, 28, 28));
-    palette.setColor(QPalette::Highlight, QColor(255, 204, 0));
-    palette.setColor(QPalette::HighlightedText, QColor(50, 47, 47));
-    return palette;
-}
 
 // A host chooses how its previews are scaled, as long as the user has not.
 void chooseThumbnailFilter()
@@ -95,7 +83,7 @@ int main(int argc, char** argv)
     QCoreApplication::setOrganizationName("Ondrel");
     QCoreApplication::setApplicationName("ondrel-nodeviewer");
     QCoreApplication::setApplicationVersion("0.1.0");
-    QApplication::setPalette(darkPalette());
+    QApplication::setPalette(Common::darkPalette(QColor(76, 75, 75)));
     chooseThumbnailFilter();
     const Options options = readOptions(QCoreApplication::arguments());
 

@@ -4,54 +4,17 @@
 #include "editorwindow.h"
 #include "script.h"
 
+#include "../../common/darkpalette.h"
+#include "../../common/playscript.h"
+
 #include <ondrel/core/platform.h>
 #include <ondrel/pixel/opencl.h>
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QFile>
-#include <QPalette>
 
 #include <cstdio>
-
-namespace
-{
-
-QPalette darkPalette()
-{
-    const QColor text(201, 198, 198);
-    QPalette palette(QColor(62, 61, 61), QColor(50, 49, 49));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(role, text);
-    palette.setColor(QPalette::Base, QColor(28, 28, 28));
-    palette.setColor(QPalette::Highlight, QColor(255, 204, 0));
-    palette.setColor(QPalette::HighlightedText, QColor(50, 47, 47));
-    return palette;
-}
-
-int playScript(Host::EditorWindow& window, const QString& file, const QString& folder)
-{
-    QFile script(file);
-    if (!script.open(QIODevice::ReadOnly)) {
-        std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(script.errorString()));
-        return 1;
-    }
-    if (!QDir().mkpath(folder)) {
-        std::fprintf(stderr, "%s: the folder could not be made\n", qUtf8Printable(folder));
-        return 1;
-    }
-    window.setAttribute(Qt::WA_DontShowOnScreen);
-    window.show();
-    QApplication::processEvents();
-    Host::Script player(window, QDir(folder));
-    if (player.run(QString::fromUtf8(script.readAll())))
-        return 0;
-    std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(player.error()));
-    return 1;
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
@@ -60,7 +23,7 @@ int main(int argc, char** argv)
     QCoreApplication::setOrganizationName("Ondrel");
     QCoreApplication::setApplicationName("ondrel-editor");
     QCoreApplication::setApplicationVersion("0.1.0");
-    QApplication::setPalette(darkPalette());
+    QApplication::setPalette(Common::darkPalette(QColor(50, 49, 49)));
 
     QCommandLineParser parser;
     parser.setApplicationDescription("Edits pictures by graphs of nodes.");
@@ -88,7 +51,7 @@ int main(int argc, char** argv)
         if (!parser.positionalArguments().isEmpty())
             window.openProject(parser.positionalArguments().front());
         if (parser.isSet("script")) {
-            status = playScript(window, parser.value("script"), parser.value("out"));
+            status = Common::playScript<Host::Script>(window, parser.value("script"), parser.value("out"));
         } else {
             window.show();
             status = QApplication::exec();
