@@ -390,8 +390,7 @@ TEST(MemoryGate, NeverLetsInMoreThanItsBound)
 
 TEST_F(Batch, RunsUnderGnuParallelAndResumesAfterAKill)
 {
-    if (QString(ONDREL_PARALLEL).isEmpty())
-        GTEST_SKIP() << "GNU parallel is not installed.";
+    ASSERT_FALSE(QString(ONDREL_PARALLEL).isEmpty()) << "GNU parallel is not installed (Debian: parallel)";
     for (int i = 11; i <= 24; ++i)
         makePicture(QString("in/%1.png").arg(i), 400, 300, unsigned(i));
     ASSERT_EQ(render(over("single")).status, 0);
