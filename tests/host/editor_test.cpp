@@ -1,15 +1,18 @@
+#include "editorfixture.h"
+
+#include "canvascommands.h"
 #include "clipboardgraph.h"
-#include "editorwindow.h"
+#include "exportcommands.h"
 #include "exportdialog.h"
 #include "exporter.h"
 #include "imagepane.h"
+#include "importer.h"
 #include "modehost.h"
-#include "nodesearch.h"
 #include "pictures.h"
+#include "projectfiles.h"
 #include "recentmenu.h"
 #include "scene.h"
 #include "sceneview.h"
-#include "script.h"
 #include "values.h"
 
 #include <ondrel/color/colormanager.h>
@@ -21,136 +24,17 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QDir>
 #include <QDropEvent>
 #include <QElapsedTimer>
-#include <QImage>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QStatusBar>
-#include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <QUrl>
 
-#include <cstring>
-#include <functional>
-#include <future>
 #include <thread>
 
 using namespace Host;
-
-namespace
-{
-
-const NodeTypes& nodeTypes()
-{
-    static const NodeTypes types = [] {
-        NodeTypes loaded;
-        const QStringList problems = loadPlugins(ONDREL_TEST_PLUGINS, loaded);
-        EXPECT_TRUE(problems.isEmpty()) << qPrintable(problems.join('\n'));
-        return loaded;
-    }();
-    return types;
-}
-
-// A window with a picture, and what a user does to it.
-class Editor : public ::testing::Test
-{
-protected:
-    Editor()
-        : window(nodeTypes())
-        , script(window, QDir(folder.path()))
-    {
-        window.setAttribute(Qt::WA_DontShowOnScreen);
-        window.resize(1200, 900);
-        window.show();
-        QImage picture(90, 60, QImage::Format_RGB888);
-        for (int y = 0; y < picture.height(); ++y) {
-            for (int x = 0; x < picture.width(); ++x)
-                picture.setPixelColor(x, y, QColor(x * 2, y * 4, (x * 7 + y * 13) % 256));
-        }
-        EXPECT_TRUE(picture.save(path("photo.png")));
-        play("import " + path("photo.png") + " 0 0");
-    }
-
-    QString path(const QString& name) const { return folder.filePath(name); }
-
-    void play(const QString& lines) { EXPECT_TRUE(script.run(lines)) << qPrintable(script.error()); }
-
-    // The picture, a blur, a levels node, in a row, without wires.
-    void addThree()
-    {
-        play("add essentials/gaussianblur 260 0 Blur\n"
-             "add essentials/levels 520 0 Levels\n"
-             "key A\n");
-    }
-
-    void addChain()
-    {
-        addThree();
-        play("wire photo image Blur image\n"
-             "wire Blur image Levels image\n"
-             "expect wires 2\n");
-    }
-
-    const Graph& graph() { return window.document().graph(); }
-    NodeId id(const QString& name) { return graph().nodeByName(name) ? graph().nodeByName(name)->id : 0; }
-    QString status() { return window.statusBar()->currentMessage(); }
-    QVariant value(const QString& node, const QString& field)
-    {
-        const NodeRecord& record = *graph().nodeByName(node);
-        return completeValues(record, *nodeTypes().find(record.type)).value(field);
-    }
-
-    // Once the search is open, which runs an event loop of its own.
-    void inSearch(const std::function<void(NodeSearch&)>& then)
-    {
-        QTimer::singleShot(1, &window, [this, then] {
-            if (auto* const search = window.findChild<NodeSearch*>())
-                then(*search);
-            else
-                inSearch(then);
-        });
-    }
-
-    void settle() { play("wait"); }
-
-    // What the view shows, computed anew without the editor.
-    Picture freshPicture(NodeId node)
-    {
-        ResultCache cache(1 << 20);
-        return std::async(std::launch::async,
-                          [&] {
-                              return evaluate(graph(), nodeTypes(), {node, QString(), 1}, cache, Ondrel::RunStatus());
-                          })
-            .get()
-            .picture;
-    }
-
-    QTemporaryDir folder;
-    EditorWindow window;
-    Script script;
-};
-
-bool equalPictures(const Picture& a, const Picture& b)
-{
-    return a.image && b.image && a.image->width == b.image->width && a.image->height == b.image->height &&
-           std::memcmp(a.image->data, b.image->data, std::size_t(a.image->width) * a.image->height * 8) == 0;
-}
-
-QStringList offered(const NodeSearch& search)
-{
-    QStringList ids;
-    const auto* const list = search.findChild<QListWidget*>();
-    for (int i = 0; i < list->count(); ++i)
-        ids.append(list->item(i)->data(Qt::UserRole).toString());
-    return ids;
-}
-
-} // namespace
 
 TEST_F(Editor, ImportAddsANodeThatTheViewShows)
 {
@@ -394,13 +278,13 @@ TEST_F(Editor, AutosaveIsOfferedAndASaveEndsIt)
     const QString file = path("work.ondrel");
     play("save " + file);
     EXPECT_FALSE(QFile::exists(autosaveName(file)));
-    window.setAutosaveInterval(1);
+    window.files().setAutosaveInterval(1);
     play("add essentials/levels 260 0 Levels");
     EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(autosaveName(file)); }));
     settle();
 
     EditorWindow later(nodeTypes()); // after the first one died
-    later.openProject(file);
+    later.files().open(file);
     QMessageBox* question = nullptr;
     EXPECT_TRUE(QTest::qWaitFor([&] { return (question = later.findChild<QMessageBox*>()) != nullptr; }));
     ASSERT_TRUE(question);
@@ -408,7 +292,7 @@ TEST_F(Editor, AutosaveIsOfferedAndASaveEndsIt)
     EXPECT_TRUE(QTest::qWaitFor([&] { return later.isSettled() && later.isEnabled(); }));
     EXPECT_TRUE(later.document().graph().nodeByName("Levels"));
     EXPECT_FALSE(later.document().undoStack().isClean());
-    later.saveProject(file);
+    later.files().save(file);
     EXPECT_TRUE(QTest::qWaitFor([&] { return later.isSettled(); }));
     EXPECT_FALSE(QFile::exists(autosaveName(file)));
     EXPECT_TRUE(later.document().undoStack().isClean());
@@ -545,8 +429,8 @@ TEST_F(Editor, ExportsQueueUpAndWriteWhatIsShown)
     addChain();
     play("show Levels\nwait");
     const Picture expected = freshPicture(id("Levels"));
-    window.exportPicture(path("out/a.png"), {{"pngdepth", "16 bits"}, {"pngalpha", "With"}});
-    window.exportPicture(path("out/b.jpg"), {{"quality", "80"}});
+    window.exportCommands().exportPicture(path("out/a.png"), {{"pngdepth", "16 bits"}, {"pngalpha", "With"}});
+    window.exportCommands().exportPicture(path("out/b.jpg"), {{"quality", "80"}});
     play("set Blur radiusx 60\nwait"); // comes too late for both
     EXPECT_EQ(status(), "b.jpg was exported.");
     Ondrel::ResourceId written;
@@ -565,7 +449,7 @@ TEST_F(Editor, ExportsQueueUpAndWriteWhatIsShown)
 TEST_F(Editor, CancelledExportLeavesNothing)
 {
     play("add essentials/gradient 0 400 Large\nset Large width 2500\nset Large height 2500\nshow Large");
-    window.exportPicture(path("out/large.png"), {});
+    window.exportCommands().exportPicture(path("out/large.png"), {});
     window.exporter().cancel();
     settle();
     EXPECT_FALSE(QFile::exists(path("out/large.png")));
@@ -677,8 +561,8 @@ TEST_F(Editor, NothingOnTheUserInterfaceThreadWaitsForTheStore)
     addChain();
     window.pictures().evaluator().cache().clear();
     play("show Levels\nset Blur radiusx 9\nselect Blur\nkey Ctrl+D\nkey D\nkey Delete\nkey Ctrl+Z");
-    window.importFiles({path("photo.png")}, QPointF());
-    window.saveProject(path("locked.ondrel"));
+    window.importer().import({path("photo.png")}, QPointF());
+    window.files().save(path("locked.ondrel"));
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < 200)

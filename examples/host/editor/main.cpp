@@ -2,6 +2,7 @@
 // command line made no sense.
 
 #include "editorwindow.h"
+#include "projectfiles.h"
 #include "script.h"
 
 #include "../../common/darkpalette.h"
@@ -49,7 +50,7 @@ int main(int argc, char** argv)
         Host::EditorWindow window(types);
         window.resize(1400, 900);
         if (!parser.positionalArguments().isEmpty())
-            window.openProject(parser.positionalArguments().front());
+            window.files().open(parser.positionalArguments().front());
         if (parser.isSet("script")) {
             status = Common::playScript<Host::Script>(window, parser.value("script"), parser.value("out"));
         } else {

@@ -1,9 +1,13 @@
 #include "script.h"
 
+#include "canvascommands.h"
 #include "editorwindow.h"
+#include "exportcommands.h"
 #include "imagepane.h"
+#include "importer.h"
 #include "modehost.h"
 #include "nodesearch.h"
+#include "projectfiles.h"
 #include "scene.h"
 #include "sceneview.h"
 #include "values.h"
@@ -109,13 +113,13 @@ bool Script::runLine(const QStringList& words)
 bool Script::runFile(const QStringList& words)
 {
     if (words[0] == "open")
-        m_window.openProject(words.value(1));
+        m_window.files().open(words.value(1));
     else if (words[0] == "save")
-        m_window.saveProject(words.value(1));
+        m_window.files().save(words.value(1));
     else if (words[0] == "export")
-        m_window.exportPicture(words.value(1), {});
+        m_window.exportCommands().exportPicture(words.value(1), {});
     else
-        m_window.importFiles({words.value(1)}, pointAt(words, 2));
+        m_window.importer().import({words.value(1)}, pointAt(words, 2));
     return wait();
 }
 
@@ -124,7 +128,7 @@ bool Script::runNode(const QStringList& words)
     const QString& command = words[0];
     Document& document = m_window.document();
     if (command == "add") {
-        const NodeId id = m_window.addNode(words.value(1), pointAt(words, 2));
+        const NodeId id = m_window.canvasCommands().addNode(words.value(1), pointAt(words, 2));
         return (id != 0 && (words.size() < 5 || document.renameNode(id, words[4]))) || fail("there is no such kind");
     }
     std::vector<NodeId> ids;

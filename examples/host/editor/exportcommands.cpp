@@ -1,0 +1,63 @@
+#include "exportcommands.h"
+
+#include "document.h"
+#include "exportdialog.h"
+#include "exporter.h"
+#include "projectfiles.h"
+#include "scene.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace Host
+{
+
+ExportCommands::ExportCommands(const Document& document, const Scene& scene, const ProjectFiles& files,
+                               Exporter& exporter, QWidget& window)
+    : QObject(&window)
+    , m_document(document)
+    , m_scene(scene)
+    , m_files(files)
+    , m_exporter(exporter)
+    , m_window(window)
+{
+    connect(&exporter, &Exporter::finished, this, &ExportCommands::finish);
+}
+
+// What the shown node says itself, if it is an output.
+QVariantMap ExportCommands::shownOutputValues() const
+{
+    const NodeRecord* const record = m_document.graph().node(m_scene.primary());
+    const NodeType* const type = record ? m_document.types().find(record->type) : nullptr;
+    return type && type->id == "essentials/output" ? completeValues(*record, *type) : QVariantMap();
+}
+
+void ExportCommands::chooseAndExport()
+{
+    const NodeRecord* const record = m_document.graph().node(m_scene.primary());
+    if (!record) {
+        Q_EMIT message(tr("Show a node first: its picture is exported."));
+        return;
+    }
+    const QVariantMap values = shownOutputValues();
+    const QString last = values.value("file").toString();
+    const QString folder = m_files.file().isEmpty() ? QDir::homePath() : QFileInfo(m_files.file()).path();
+    ExportDialog dialog(last.isEmpty() ? folder + "/" + record->name : last, values, &m_window);
+    if (dialog.exec() == QDialog::Accepted)
+        exportPicture(dialog.file(), dialog.outputValues());
+}
+
+void ExportCommands::exportPicture(const QString& file, const QVariantMap& outputValues)
+{
+    ExportOrder order{m_document.graph(), m_scene.primary(), file, formatOf(outputValues), outputValues};
+    formatFromName(file, order.format);
+    m_exporter.add(order);
+}
+
+void ExportCommands::finish(const QString& file, const QString& error)
+{
+    const QString name = QFileInfo(file).fileName();
+    Q_EMIT message(error.isEmpty() ? tr("%1 was exported.").arg(name) : name + ": " + error);
+}
+
+} // namespace Host

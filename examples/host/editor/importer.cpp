@@ -1,0 +1,49 @@
+#include "importer.h"
+
+#include "document.h"
+#include "scene.h"
+
+#include <ondrel/resources/resourceengine.h>
+
+#include <QFileInfo>
+
+namespace Host
+{
+
+Importer::Importer(Document& document, Scene& scene, QObject* parent)
+    : QObject(parent)
+    , m_document(document)
+    , m_scene(scene)
+{
+}
+
+void Importer::import(const QStringList& files, QPointF at)
+{
+    for (const QString& file : files) {
+        m_worker.run([this, file, at]() -> std::function<void()> {
+            Ondrel::ResourceId id;
+            const bool added = ResourceEngine::Get().AddImage(file.toStdString(), id);
+            return [this, file, id, added, at] {
+                if (added)
+                    addNode(file, id, at);
+                else
+                    Q_EMIT message(tr("%1 is no image that can be read.").arg(file));
+            };
+        });
+        at += QPointF(40, 40);
+    }
+}
+
+void Importer::addNode(const QString& file, Ondrel::ResourceId id, QPointF at)
+{
+    m_document.beginStep(tr("Import image"));
+    const NodeId node = m_document.addNode("essentials/image", at);
+    m_document.setValue(node, "image", QVariant::fromValue(id));
+    m_document.renameNode(node, uniqueName(m_document.graph(), QFileInfo(file).completeBaseName()));
+    m_document.endStep();
+    m_scene.selectNodes({node});
+    if (m_scene.primary() == 0)
+        m_scene.show(node, PreviewNode::EmblemPrimary);
+}
+
+} // namespace Host

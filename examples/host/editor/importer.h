@@ -1,0 +1,39 @@
+#pragma once
+
+#include "worker.h"
+
+#include <ondrel/resources/resourceid.h>
+
+#include <QObject>
+#include <QPointF>
+#include <QStringList>
+
+namespace Host
+{
+
+class Document;
+class Scene;
+
+// Makes an image node of each picture file, in the background. User-interface thread only.
+class Importer : public QObject
+{
+    Q_OBJECT
+public:
+    Importer(Document& document, Scene& scene, QObject* parent);
+
+    bool isBusy() const { return m_worker.isBusy(); }
+    // The first node at the point, the others beside it. The first picture of all is shown.
+    void import(const QStringList& files, QPointF at);
+
+Q_SIGNALS:
+    void message(const QString& text);
+
+private:
+    void addNode(const QString& file, Ondrel::ResourceId id, QPointF at);
+
+    Document& m_document;
+    Scene& m_scene;
+    Worker m_worker; // the first to go: its end waits for what runs
+};
+
+} // namespace Host

@@ -1,0 +1,186 @@
+#include "projectfiles.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+namespace Host
+{
+namespace
+{
+
+constexpr int kAutosaveTime = 60000;
+
+} // namespace
+
+ProjectFiles::ProjectFiles(Document& document, QWidget& window)
+    : QObject(&window)
+    , m_document(document)
+    , m_window(window)
+{
+    m_autosaveTimer.setSingleShot(true);
+    m_autosaveTimer.setInterval(kAutosaveTime);
+    connect(&m_autosaveTimer, SIGNAL(timeout()), this, SLOT(autosave()));
+    connect(&document, &Document::changed, this, [this] {
+        if (!m_autosaveTimer.isActive())
+            m_autosaveTimer.start();
+    });
+    connect(&document.undoStack(), SIGNAL(cleanChanged(bool)), this, SIGNAL(nameChanged()));
+}
+
+bool ProjectFiles::mayLeave()
+{
+    if (m_document.undoStack().isClean())
+        return true;
+    const auto answer = QMessageBox::question(&m_window, tr("Unsaved changes"), tr("Save the project first?"),
+                                              QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    if (answer == QMessageBox::Save)
+        save(); // in the background: leaving is tried again afterwards
+    return answer == QMessageBox::Discard;
+}
+
+void ProjectFiles::chooseAndOpen()
+{
+    if (!mayLeave())
+        return;
+    const QString file =
+        QFileDialog::getOpenFileName(&m_window, tr("Open project"), QString(), tr("Projects (*.ondrel)"));
+    if (!file.isEmpty())
+        open(file);
+}
+
+void ProjectFiles::openAfterAsking(const QString& file)
+{
+    if (mayLeave())
+        open(file);
+}
+
+void ProjectFiles::open(const QString& file)
+{
+    m_window.setEnabled(false);
+    m_worker.run([this, file]() -> std::function<void()> {
+        const QString autosave = recoverableAutosave(file);
+        return [this, file, autosave] {
+            if (autosave.isEmpty())
+                read(file, file);
+            else
+                chooseRecovery(file, autosave);
+        };
+    });
+}
+
+void ProjectFiles::chooseRecovery(const QString& file, const QString& autosave)
+{
+    auto* const question = new QMessageBox(
+        QMessageBox::Question, tr("Recovery"),
+        tr("There are newer changes to %1 that were not saved. Open them?").arg(QFileInfo(file).fileName()),
+        QMessageBox::Yes | QMessageBox::No, &m_window);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    m_window.setEnabled(true); // for the question
+    connect(question, &QDialog::finished, this,
+            [this, file, autosave](int answer) { read(file, answer == QMessageBox::Yes ? autosave : file); });
+    question->open();
+}
+
+void ProjectFiles::read(const QString& file, const QString& from)
+{
+    m_window.setEnabled(false);
+    m_worker.run([this, file, from]() -> std::function<void()> {
+        const ProjectReading reading = loadProject(from, m_document.types());
+        return [this, file, from, reading] { take(file, reading, from != file); };
+    });
+}
+
+void ProjectFiles::take(const QString& file, const ProjectReading& reading, bool isRecovered)
+{
+    m_window.setEnabled(true);
+    if (!reading.project) {
+        Q_EMIT message(reading.error);
+        return;
+    }
+    m_document.load(reading.project->graph);
+    m_embedded = reading.project->embedded;
+    m_file = file;
+    m_autosaveTimer.stop(); // loading is no change
+    if (isRecovered)
+        m_document.undoStack().resetClean();
+    Q_EMIT opened(*reading.project);
+    Q_EMIT used(file);
+    Q_EMIT nameChanged();
+    if (!reading.notes.isEmpty())
+        Q_EMIT message(reading.notes.join("  "));
+}
+
+Project ProjectFiles::project() const
+{
+    Project project;
+    project.graph = m_document.graph();
+    project.embedded = m_embedded;
+    if (m_writeView)
+        m_writeView(project.view);
+    return project;
+}
+
+void ProjectFiles::save(const QString& file)
+{
+    m_window.setEnabled(false);
+    m_autosaveTimer.stop();
+    ++m_saves;
+    m_worker.run([this, file, project = project()]() -> std::function<void()> {
+        const std::lock_guard lock(m_saving);
+        const QString reason = saveProject(project, file);
+        if (reason.isEmpty())
+            discardAutosave(file);
+        return [this, file, reason] {
+            m_window.setEnabled(true);
+            if (!reason.isEmpty()) {
+                Q_EMIT message(reason);
+                return;
+            }
+            m_file = file;
+            m_document.undoStack().setClean();
+            Q_EMIT used(file);
+            Q_EMIT nameChanged();
+        };
+    });
+}
+
+void ProjectFiles::setAutosaveInterval(int milliseconds)
+{
+    m_autosaveTimer.setInterval(milliseconds);
+}
+
+// Beside the file. A project that was never saved has no place yet.
+void ProjectFiles::autosave()
+{
+    if (m_file.isEmpty() || m_document.undoStack().isClean())
+        return;
+    m_worker.run(
+        [this, file = autosaveName(m_file), project = project(), saves = m_saves.load()]() -> std::function<void()> {
+            const std::lock_guard lock(m_saving);
+            if (saves != m_saves)
+                return {};
+            const QString reason = saveProject(project, file);
+            return [this, reason] {
+                if (!reason.isEmpty())
+                    Q_EMIT message(reason);
+            };
+        });
+}
+
+void ProjectFiles::save()
+{
+    if (m_file.isEmpty())
+        chooseAndSave();
+    else
+        save(m_file);
+}
+
+void ProjectFiles::chooseAndSave()
+{
+    const QString file = QFileDialog::getSaveFileName(&m_window, tr("Save project"), m_file, tr("Projects (*.ondrel)"));
+    if (!file.isEmpty())
+        save(file);
+}
+
+} // namespace Host

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "document.h"
+#include "project.h"
+#include "worker.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <set>
+
+class QWidget;
+
+namespace Host
+{
+
+// The file of the document that a window edits: reading and writing it, asking before changes are lost, and saving
+// beside it from time to time. Files are read and written in the background; the window cannot be edited meanwhile. A
+// failure is told, and the document stays. User-interface thread only.
+class ProjectFiles : public QObject
+{
+    Q_OBJECT
+public:
+    ProjectFiles(Document& document, QWidget& window);
+
+    QString file() const { return m_file; } // empty: never saved
+    bool isBusy() const { return m_worker.isBusy(); }
+
+    // Adds to what is saved what the document does not hold: how it is looked at.
+    void setViewWriter(std::function<void(nlohmann::ordered_json& view)> writer) { m_writeView = std::move(writer); }
+
+    // Where an autosave is newer than the file, the user is asked which of them is opened.
+    void open(const QString& file);
+    void save(const QString& file);
+    void setAutosaveInterval(int milliseconds); // a minute at first; counted from the first change after a save
+    // True if nothing would be lost, or the user wants it lost.
+    bool mayLeave();
+
+public Q_SLOTS:
+    void chooseAndOpen();
+    void openAfterAsking(const QString& file); // unless the user wants to keep what is open
+    void save();
+    void chooseAndSave();
+
+Q_SIGNALS:
+    void opened(const Host::Project& project); // the document holds its graph already
+    void nameChanged();                        // of the file, or whether there is something to save
+    void used(const QString& file);            // was opened or saved
+    void message(const QString& text);
+
+private Q_SLOTS:
+    void autosave();
+
+private:
+    void chooseRecovery(const QString& file, const QString& autosave);
+    void read(const QString& file, const QString& from);
+    void take(const QString& file, const ProjectReading& reading, bool isRecovered);
+    Project project() const;
+
+    Document& m_document;
+    QWidget& m_window;
+    std::function<void(nlohmann::ordered_json&)> m_writeView;
+    QString m_file;
+    std::set<std::uint32_t> m_embedded; // resources that are saved with their bytes
+    QTimer m_autosaveTimer;
+    std::mutex m_saving;         // one file is written at a time
+    std::atomic<int> m_saves{0}; // by the user, so far: an autosave from before one of them is not written
+    Worker m_worker;             // the first to go: its end waits for what runs
+};
+
+} // namespace Host
