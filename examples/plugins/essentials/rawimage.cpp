@@ -1,5 +1,6 @@
 #include "../../common/rows.h"
 
+#include "../../common/mosaicbins.h"
 #include "../../common/neighbours.h"
 #include "../../common/pixelgrouping.h"
 #include "../../common/whitebalance.h"
@@ -55,20 +56,39 @@ Image xTransDeveloped(const Image& balanced, const Ondrel::RunStatus& status)
     return picture;
 }
 
-// The linear picture in the camera's profile.
-ImagePtr developed(const Image& raw, const QVariantMap& values, const Ondrel::RunStatus& status)
+Image balancedBy(Image image, const Gains& gains, const Ondrel::RunStatus& status)
 {
-    if (raw.rawIsMosaic && !Examples::isBayer(raw) && !Examples::isXTrans(raw))
+    Examples::balance(image, gains, status);
+    return image;
+}
+
+// Whether a preview of this size gets enough pixels from the mosaic's photosites as they are.
+bool binsSuffice(const Image& raw, const QSize& size)
+{
+    const unsigned int side = Examples::binSide(raw);
+    return raw.width >= side && raw.height >= side && unsigned(size.width()) <= (raw.width + side - 1) / side &&
+           unsigned(size.height()) <= (raw.height + side - 1) / side;
+}
+
+// The linear picture in the camera's profile, at least as large as `size`. Null if it was cancelled.
+ImagePtr developed(const ImagePtr& raw, const QVariantMap& values, const QSize& size, const Ondrel::RunStatus& status)
+{
+    if (raw->rawIsMosaic && !Examples::isBayer(*raw) && !Examples::isXTrans(*raw))
         throw Problem(Text::tr("The pattern of this camera's sensor is not known."));
-    Image balanced(raw);
-    Examples::balance(balanced, gainsFor(raw, values), status);
-    if (isCancelled(status))
-        return nullptr;
-    if (Examples::isXTrans(raw))
-        return withProfile(xTransDeveloped(balanced, status), raw.colorProfile);
-    if (raw.rawIsMosaic)
-        return withProfile(bayerDeveloped(std::move(balanced), status), raw.colorProfile);
-    return withProfile(std::move(balanced), raw.colorProfile);
+    const Gains gains = gainsFor(*raw, values);
+    Image picture;
+    if (!raw->rawIsMosaic) {
+        picture = balancedBy(*scaledTo(raw, size), gains, status);
+    } else if (binsSuffice(*raw, size)) {
+        picture = balancedBy(Examples::binned(*raw, status), gains, status);
+    } else {
+        Image balanced = balancedBy(*raw, gains, status);
+        if (isCancelled(status))
+            return nullptr;
+        picture =
+            Examples::isXTrans(*raw) ? xTransDeveloped(balanced, status) : bayerDeveloped(std::move(balanced), status);
+    }
+    return isCancelled(status) ? nullptr : withProfile(std::move(picture), raw->colorProfile);
 }
 
 ImagePtr converted(const ImagePtr& image, const QVariantMap& values)
@@ -88,13 +108,16 @@ public:
     {
         return guarded([&] {
             const ImagePtr raw = storedImage(request.values, true, request.status);
-            ImagePtr image = raw ? developed(*raw, request.values, request.status) : nullptr;
-            if (!image || isCancelled(request.status))
+            if (!raw)
                 return Host::Result();
-            image = scaledDown(image, request.scale);
+            const QSize fullSize(int(raw->width), int(raw->height)), size = scaledSize(fullSize, request.scale);
+            ImagePtr image = developed(raw, request.values, size, request.status);
+            if (!image)
+                return Host::Result();
+            image = scaledTo(image, size);
             if (convertsToProfile(request.values))
                 image = converted(image, request.values);
-            return resultOf(image, QSize(int(raw->width), int(raw->height)));
+            return resultOf(image, fullSize);
         });
     }
 

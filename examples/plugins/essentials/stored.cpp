@@ -58,7 +58,11 @@ ImagePtr storedImage(const QVariantMap& values, bool raw, const Ondrel::RunStatu
 
 ImagePtr scaledDown(const ImagePtr& image, double scale)
 {
-    const QSize size = scaledSize(QSize(int(image->width), int(image->height)), scale);
+    return scaledTo(image, scaledSize(QSize(int(image->width), int(image->height)), scale));
+}
+
+ImagePtr scaledTo(const ImagePtr& image, const QSize& size)
+{
     if (size == QSize(int(image->width), int(image->height)))
         return image;
     return std::make_shared<const Image>(

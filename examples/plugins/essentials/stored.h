@@ -20,4 +20,7 @@ bool convertsToProfile(const QVariantMap& values);
 // Scaled down to the size at the scale; the image itself at scale 1.
 ImagePtr scaledDown(const ImagePtr& image, double scale);
 
+// Scaled to a size; the image itself if it has it.
+ImagePtr scaledTo(const ImagePtr& image, const QSize& size);
+
 } // namespace Essentials

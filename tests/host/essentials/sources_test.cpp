@@ -224,10 +224,109 @@ TEST(EssentialsRawImage, ComesInTheDefaultProfileAndScaledDownBefore)
 {
     const Stored stored(dng(DngFile::Kind::Bayer));
     const Image own = imageOf(evaluate("rawimage", {}, stored.values({{"space", "Own"}})));
-    const Image small = Scale(own, 24, 18, Ondrel::FilterMethod::Bilinear);
+    const Image small = Scale(own, 36, 27, Ondrel::FilterMethod::Bilinear);
     const Image expected = ConvertColorSpace(small, "Automatic", bytesOf(Ondrel::DefaultColorProfileHash), 1);
-    EXPECT_TRUE(same(expected, imageOf(evaluate("rawimage", {}, stored.values(), 0.5))));
+    EXPECT_TRUE(same(expected, imageOf(evaluate("rawimage", {}, stored.values(), 0.75))));
     EXPECT_FALSE(evaluate("image", {}, stored.values()).error.isEmpty()); // undeveloped
+}
+
+// The mean of a channel's photosites in a square of the mosaic, which has one sample other than 0 in each pixel.
+Pixel meanOfBlock(const Image& raw, unsigned int left, unsigned int top, unsigned int side,
+                  const std::array<float, 3>& gains)
+{
+    Pixel pixel = {0, 0, 0, 65535};
+    for (std::size_t c = 0; c < 3; ++c) {
+        unsigned int sum = 0, count = 0;
+        for (unsigned int i = 0; i < side * side; ++i) {
+            const unsigned int value = pixelAt(raw, left + i % side, top + i / side)[c];
+            sum += value;
+            count += value != 0 ? 1 : 0;
+        }
+        EXPECT_NE(count, 0u);
+        const unsigned int mean = (2 * sum + count) / (2 * std::max(1u, count));
+        pixel[c] = std::uint16_t(std::min(float(mean) * gains[c] + 0.5f, 65535.0f));
+    }
+    return pixel;
+}
+
+TEST(EssentialsRawImage, ASmallPreviewTakesThePhotositesAsTheyAre)
+{
+    const std::pair<DngFile::Kind, unsigned int> cases[] = {{DngFile::Kind::Bayer, 2}, {DngFile::Kind::XTrans, 3}};
+    for (const auto& [kind, side] : cases) {
+        DngFile file = dng(kind);
+        for (std::uint16_t& sample : file.samples)
+            sample = std::uint16_t(sample + 1000);
+        const Stored stored(file);
+        const Image raw = stored.decoded();
+        const Image actual = imageOf(evaluate("rawimage", {}, stored.values({{"space", "Own"}}), 1.0 / side));
+        ASSERT_EQ(actual.width, 48 / side);
+        ASSERT_EQ(actual.height, 36 / side);
+        const float* const m = raw.rawCameraMultipliers;
+        for (unsigned int y = 0; y < actual.height; ++y) {
+            for (unsigned int x = 0; x < actual.width; ++x)
+                EXPECT_EQ(meanOfBlock(raw, x * side, y * side, side, gains(m[0], m[1], m[2])), pixelAt(actual, x, y));
+        }
+        EXPECT_EQ(actual.colorProfile, raw.colorProfile);
+    }
+}
+
+// A picture as a lens draws it: no detail is finer than the mosaic. Its sides are no multiples of a square.
+DngFile smoothDng(DngFile::Kind kind)
+{
+    DngFile file = dng(kind);
+    file.width = 301;
+    file.height = 203;
+    const std::size_t channels = kind == DngFile::Kind::Linear ? 3 : 1;
+    file.samples.resize(std::size_t(file.width) * file.height * channels);
+    for (std::size_t i = 0; i < file.samples.size(); ++i) {
+        const auto x = std::uint32_t(i / channels) % file.width, y = std::uint32_t(i / channels) / file.width;
+        const std::size_t color = channels == 3 ? i % 3 : file.colorAt(x, y);
+        const double wave = std::sin(x * 0.11 + double(color)) + std::cos(y * 0.13 - double(color));
+        file.samples[i] = std::uint16_t(16000 + 6000 * wave);
+    }
+    return file;
+}
+
+// Of the colors of a square, some lie half a photosite off its middle. That is all the difference there is: 371 of
+// 65535 at most for this Bayer, 605 for this X-Trans picture.
+TEST(EssentialsRawImage, APreviewIsCloseToThePictureAtFullSize)
+{
+    const std::pair<DngFile::Kind, double> bounds[] = {
+        {DngFile::Kind::Bayer, 400}, {DngFile::Kind::XTrans, 650}, {DngFile::Kind::Linear, 1}};
+    for (const auto& [kind, bound] : bounds) {
+        const Stored stored(smoothDng(kind));
+        const QVariantMap values = stored.values({{"space", "Own"}});
+        const Image full = imageOf(evaluate("rawimage", {}, values));
+        for (const double scale : {0.5, 0.4, 1.0 / 3, 0.25, 0.1}) {
+            const Image small = imageOf(evaluate("rawimage", {}, values, scale));
+            const Image expected = Scale(full, unsigned(std::lround(301 * scale)), unsigned(std::lround(203 * scale)),
+                                         Ondrel::FilterMethod::Bilinear);
+            EXPECT_LT(meanDifference(expected, small), bound) << int(kind) << ", " << scale;
+        }
+    }
+}
+
+// Turned, and of a side that is no multiple of a square.
+TEST(EssentialsRawImage, APreviewOfATurnedMosaicHasItsColors)
+{
+    for (const int orientation : {1, 3, 6, 8}) {
+        DngFile file = dng(DngFile::Kind::Bayer, static_cast<unsigned short>(orientation));
+        file.width = 47;
+        file.height = 35;
+        file.samples.resize(47 * 35);
+        for (std::size_t i = 0; i < file.samples.size(); ++i) {
+            constexpr std::uint16_t flat[] = {20000, 12000, 6000};
+            file.samples[i] = flat[file.colorAt(std::uint32_t(i) % file.width, std::uint32_t(i) / file.width)];
+        }
+        const Stored stored(file);
+        const QVariantMap values = stored.values({{"space", "Own"}});
+        const Pixel expected = pixelAt(imageOf(evaluate("rawimage", {}, values)), 20, 20);
+        const Image actual = imageOf(evaluate("rawimage", {}, values, 0.5));
+        for (unsigned int y = 0; y < actual.height; ++y) {
+            for (unsigned int x = 0; x < actual.width; ++x)
+                EXPECT_EQ(pixelAt(actual, x, y), expected) << orientation;
+        }
+    }
 }
 
 TEST(EssentialsOutput, HandsThePictureThrough)
