@@ -273,31 +273,6 @@ TEST_F(Editor, ProjectComesBackAsItWasSaved)
     EXPECT_EQ(a.readAll(), b.readAll());
 }
 
-TEST_F(Editor, AutosaveIsOfferedAndASaveEndsIt)
-{
-    const QString file = path("work.ondrel");
-    play("save " + file);
-    EXPECT_FALSE(QFile::exists(autosaveName(file)));
-    window.files().setAutosaveInterval(1);
-    play("add essentials/levels 260 0 Levels");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(autosaveName(file)); }));
-    settle();
-
-    EditorWindow later(nodeTypes()); // after the first one died
-    later.files().open(file);
-    QMessageBox* question = nullptr;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return (question = later.findChild<QMessageBox*>()) != nullptr; }));
-    ASSERT_TRUE(question);
-    question->button(QMessageBox::Yes)->click();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return later.isSettled() && later.isEnabled(); }));
-    EXPECT_TRUE(later.document().graph().nodeByName("Levels"));
-    EXPECT_FALSE(later.document().undoStack().isClean());
-    later.files().save(file);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return later.isSettled(); }));
-    EXPECT_FALSE(QFile::exists(autosaveName(file)));
-    EXPECT_TRUE(later.document().undoStack().isClean());
-}
-
 TEST_F(Editor, RecentProjectsAreListedTheNewestFirst)
 {
     play("save " + path("one.ondrel") + "\nsave " + path("two.ondrel") + "\nopen " + path("one.ondrel"));

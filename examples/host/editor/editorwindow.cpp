@@ -156,6 +156,8 @@ void EditorWindow::showMessage(const QString& text)
 void EditorWindow::closeEvent(QCloseEvent* event)
 {
     event->setAccepted(m_files->mayLeave());
+    if (event->isAccepted())
+        m_files->leave();
 }
 
 void EditorWindow::importImages()

@@ -55,6 +55,8 @@ int main(int argc, char** argv)
             status = Common::playScript<Host::Script>(window, parser.value("script"), parser.value("out"));
         } else {
             window.show();
+            if (parser.positionalArguments().isEmpty())
+                window.files().offerUnsaved();
             status = QApplication::exec();
         }
     }

@@ -1,5 +1,7 @@
 #include "projectfiles.h"
 
+#include "unsavedplace.h"
+
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -62,53 +64,95 @@ void ProjectFiles::open(const QString& file)
         const QString autosave = recoverableAutosave(file);
         return [this, file, autosave] {
             if (autosave.isEmpty())
-                read(file, file);
-            else
-                chooseRecovery(file, autosave);
+                return read({file, file, nullptr});
+            const QString name = QFileInfo(file).fileName();
+            askForRecovery(tr("There are newer changes to %1 that were not saved. Open them?").arg(name),
+                           [this, file, autosave](bool recovers) {
+                               read({file, recovers ? autosave : file, nullptr});
+                           });
         };
     });
 }
 
-void ProjectFiles::chooseRecovery(const QString& file, const QString& autosave)
+void ProjectFiles::offerUnsaved()
 {
-    auto* const question = new QMessageBox(
-        QMessageBox::Question, tr("Recovery"),
-        tr("There are newer changes to %1 that were not saved. Open them?").arg(QFileInfo(file).fileName()),
-        QMessageBox::Yes | QMessageBox::No, &m_window);
-    question->setAttribute(Qt::WA_DeleteOnClose);
-    m_window.setEnabled(true); // for the question
-    connect(question, &QDialog::finished, this,
-            [this, file, autosave](int answer) { read(file, answer == QMessageBox::Yes ? autosave : file); });
-    question->open();
-}
-
-void ProjectFiles::read(const QString& file, const QString& from)
-{
-    m_window.setEnabled(false);
-    m_worker.run([this, file, from]() -> std::function<void()> {
-        const ProjectReading reading = loadProject(from, m_document.types());
-        return [this, file, from, reading] { take(file, reading, from != file); };
+    m_worker.run([this]() -> std::function<void()> {
+        const std::shared_ptr<UnsavedPlace> place = UnsavedPlace::findAbandoned();
+        if (!place)
+            return {};
+        return [this, place] {
+            askForRecovery(tr("There is a project that was never saved when the editor ended. Open it?"),
+                           [this, place](bool recovers) {
+                               if (!recovers)
+                                   return discardAutosave(place->file());
+                               read({QString(), autosaveName(place->file()), place});
+                           });
+        };
     });
 }
 
-void ProjectFiles::take(const QString& file, const ProjectReading& reading, bool isRecovered)
+void ProjectFiles::askForRecovery(const QString& text, std::function<void(bool)> then)
+{
+    auto* const question =
+        new QMessageBox(QMessageBox::Question, tr("Recovery"), text, QMessageBox::Yes | QMessageBox::No, &m_window);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    m_window.setEnabled(true); // for the question
+    connect(question, &QDialog::finished, this, [then](int answer) { then(answer == QMessageBox::Yes); });
+    question->open();
+}
+
+void ProjectFiles::read(const Source& source)
+{
+    m_window.setEnabled(false);
+    m_worker.run([this, source]() -> std::function<void()> {
+        const ProjectReading reading = loadProject(source.from, m_document.types());
+        return [this, source, reading] { take(source, reading); };
+    });
+}
+
+void ProjectFiles::take(const Source& source, const ProjectReading& reading)
 {
     m_window.setEnabled(true);
     if (!reading.project) {
         Q_EMIT message(reading.error);
         return;
     }
+    ++m_saves; // an autosave that still waits is of what goes now
+    if (autosaveName(autosavedAs()) != source.from)
+        leave();
     m_document.load(reading.project->graph);
     m_embedded = reading.project->embedded;
-    m_file = file;
+    m_file = source.file;
+    m_unsaved = source.unsaved;
     m_autosaveTimer.stop(); // loading is no change
-    if (isRecovered)
+    if (source.from != source.file)
         m_document.undoStack().resetClean();
     Q_EMIT opened(*reading.project);
-    Q_EMIT used(file);
+    if (!source.file.isEmpty())
+        Q_EMIT used(source.file);
     Q_EMIT nameChanged();
     if (!reading.notes.isEmpty())
         Q_EMIT message(reading.notes.join("  "));
+}
+
+QString ProjectFiles::autosavedAs() const
+{
+    return !m_file.isEmpty() ? m_file : m_unsaved ? m_unsaved->file() : QString();
+}
+
+// The lock of a place that was never saved to goes when its autosave has gone.
+void ProjectFiles::leave()
+{
+    m_autosaveTimer.stop();
+    ++m_saves;
+    if (autosavedAs().isEmpty())
+        return;
+    m_worker.run([this, name = autosavedAs(), unsaved = m_unsaved]() -> std::function<void()> {
+        const std::lock_guard lock(m_saving);
+        discardAutosave(name);
+        return {};
+    });
+    m_unsaved.reset();
 }
 
 Project ProjectFiles::project() const
@@ -137,6 +181,8 @@ void ProjectFiles::save(const QString& file)
                 Q_EMIT message(reason);
                 return;
             }
+            if (m_file != file)
+                leave();
             m_file = file;
             m_document.undoStack().setClean();
             Q_EMIT used(file);
@@ -150,22 +196,26 @@ void ProjectFiles::setAutosaveInterval(int milliseconds)
     m_autosaveTimer.setInterval(milliseconds);
 }
 
-// Beside the file. A project that was never saved has no place yet.
+// Beside the file, or where there is none in a place of its own.
 void ProjectFiles::autosave()
 {
-    if (m_file.isEmpty() || m_document.undoStack().isClean())
+    if (m_document.undoStack().isClean())
         return;
-    m_worker.run(
-        [this, file = autosaveName(m_file), project = project(), saves = m_saves.load()]() -> std::function<void()> {
-            const std::lock_guard lock(m_saving);
-            if (saves != m_saves)
-                return {};
-            const QString reason = saveProject(project, file);
-            return [this, reason] {
-                if (!reason.isEmpty())
-                    Q_EMIT message(reason);
-            };
-        });
+    if (autosavedAs().isEmpty())
+        m_unsaved = UnsavedPlace::make();
+    if (autosavedAs().isEmpty())
+        return;
+    m_worker.run([this, file = autosaveName(autosavedAs()), project = project(),
+                  saves = m_saves.load()]() -> std::function<void()> {
+        const std::lock_guard lock(m_saving);
+        if (saves != m_saves)
+            return {};
+        const QString reason = saveProject(project, file);
+        return [this, reason] {
+            if (!reason.isEmpty())
+                Q_EMIT message(reason);
+        };
+    });
 }
 
 void ProjectFiles::save()

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <set>
 
@@ -16,6 +17,8 @@ class QWidget;
 
 namespace Host
 {
+
+class UnsavedPlace;
 
 // The file of the document that a window edits: reading and writing it, asking before changes are lost, and saving
 // beside it from time to time. Files are read and written in the background; the window cannot be edited meanwhile. A
@@ -36,8 +39,11 @@ public:
     void open(const QString& file);
     void save(const QString& file);
     void setAutosaveInterval(int milliseconds); // a minute at first; counted from the first change after a save
+    // Offers what was being edited without ever having been saved when another process died.
+    void offerUnsaved();
     // True if nothing would be lost, or the user wants it lost.
     bool mayLeave();
+    void leave(); // for good: what was not saved is wanted no more
 
 public Q_SLOTS:
     void chooseAndOpen();
@@ -55,16 +61,24 @@ private Q_SLOTS:
     void autosave();
 
 private:
-    void chooseRecovery(const QString& file, const QString& autosave);
-    void read(const QString& file, const QString& from);
-    void take(const QString& file, const ProjectReading& reading, bool isRecovered);
+    void askForRecovery(const QString& text, std::function<void(bool recovers)> then);
+    // From the file itself or an autosave; a project that was never saved has a place instead of a file.
+    struct Source {
+        QString file;
+        QString from;
+        std::shared_ptr<UnsavedPlace> unsaved;
+    };
+    void read(const Source& source);
+    void take(const Source& source, const ProjectReading& reading);
+    QString autosavedAs() const; // the name that the autosave of what is edited goes by; empty: there is none yet
     Project project() const;
 
     Document& m_document;
     QWidget& m_window;
     std::function<void(nlohmann::ordered_json&)> m_writeView;
     QString m_file;
-    std::set<std::uint32_t> m_embedded; // resources that are saved with their bytes
+    std::shared_ptr<UnsavedPlace> m_unsaved; // of a project without a file, once it has been autosaved
+    std::set<std::uint32_t> m_embedded;      // resources that are saved with their bytes
     QTimer m_autosaveTimer;
     std::mutex m_saving;         // one file is written at a time
     std::atomic<int> m_saves{0}; // by the user, so far: an autosave from before one of them is not written

@@ -1,0 +1,157 @@
+#include "editorfixture.h"
+
+#include "projectfiles.h"
+#include "unsavedplace.h"
+
+#include <QAbstractButton>
+#include <QMessageBox>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace Host;
+
+namespace
+{
+
+class ProjectFilesOfAWindow : public Editor
+{
+protected:
+    ProjectFilesOfAWindow()
+    {
+        for (const QString& name : unsaved.entryList(QDir::Files))
+            unsaved.remove(name);
+    }
+
+    // To the question that comes.
+    void answer(EditorWindow& asked, QMessageBox::StandardButton button)
+    {
+        QMessageBox* question = nullptr;
+        EXPECT_TRUE(QTest::qWaitFor([&] { return (question = asked.findChild<QMessageBox*>()) != nullptr; }));
+        ASSERT_TRUE(question);
+        question->button(button)->click();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return asked.isSettled() && asked.isEnabled(); }));
+    }
+
+    QStringList autosaves() const { return unsaved.entryList({"*.autosave"}, QDir::Files); }
+
+    // Edits the untitled project until it has been autosaved.
+    void editAndAutosave()
+    {
+        window.files().setAutosaveInterval(1);
+        play("add essentials/levels 260 0 Levels");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !autosaves().isEmpty(); }));
+        settle();
+    }
+
+    // What is left of the untitled project when its process has died.
+    QString leaveAsDeadProcess()
+    {
+        editAndAutosave();
+        const QString left = unsaved.filePath("left.ondrel");
+        EXPECT_TRUE(QFile::copy(unsaved.filePath(autosaves().front()), autosaveName(left)));
+        QProcess process;
+        process.start("true", QStringList());
+        EXPECT_TRUE(process.waitForStarted());
+        const qint64 pid = process.processId();
+        EXPECT_TRUE(process.waitForFinished());
+        const QStringList locks = unsaved.entryList({"*.lock"}, QDir::Files);
+        EXPECT_EQ(locks.size(), 1);
+        QFile live(unsaved.filePath(locks.value(0)));
+        EXPECT_TRUE(live.open(QIODevice::ReadOnly));
+        QByteArrayList lines = live.readAll().split('\n');
+        lines[0] = QByteArray::number(pid);
+        QFile stale(left + ".lock");
+        EXPECT_TRUE(stale.open(QIODevice::WriteOnly));
+        stale.write(lines.join('\n'));
+        return left;
+    }
+
+    QDir unsaved{QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) + "/unsaved"};
+};
+
+} // namespace
+
+TEST_F(ProjectFilesOfAWindow, AutosaveIsOfferedAndASaveEndsIt)
+{
+    const QString file = path("work.ondrel");
+    play("save " + file);
+    EXPECT_FALSE(QFile::exists(autosaveName(file)));
+    window.files().setAutosaveInterval(1);
+    play("add essentials/levels 260 0 Levels");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(autosaveName(file)); }));
+    settle();
+
+    EditorWindow later(nodeTypes()); // after the first one died
+    later.files().open(file);
+    answer(later, QMessageBox::Yes);
+    EXPECT_TRUE(later.document().graph().nodeByName("Levels"));
+    EXPECT_FALSE(later.document().undoStack().isClean());
+    later.files().save(file);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return later.isSettled(); }));
+    EXPECT_FALSE(QFile::exists(autosaveName(file)));
+    EXPECT_TRUE(later.document().undoStack().isClean());
+}
+
+TEST_F(ProjectFilesOfAWindow, UntitledProjectIsAutosavedInAPlaceOfItsOwn)
+{
+    editAndAutosave();
+    EXPECT_EQ(autosaves().size(), 1);
+    EXPECT_TRUE(window.files().file().isEmpty());
+    EXPECT_FALSE(UnsavedPlace::findAbandoned()) << "it is being edited here";
+}
+
+TEST_F(ProjectFilesOfAWindow, UntitledProjectOfADeadProcessIsOfferedAndStaysUntitled)
+{
+    const QString left = leaveAsDeadProcess();
+    EditorWindow later(nodeTypes());
+    later.files().offerUnsaved();
+    answer(later, QMessageBox::Yes);
+    EXPECT_EQ(later.document().graph().nodes.size(), graph().nodes.size());
+    EXPECT_TRUE(later.document().graph().nodeByName("Levels"));
+    EXPECT_TRUE(later.files().file().isEmpty());
+    EXPECT_FALSE(later.document().undoStack().isClean());
+    EXPECT_TRUE(QFile::exists(autosaveName(left))) << "it is not saved yet";
+    later.files().save(path("found.ondrel"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return later.isSettled(); }));
+    EXPECT_FALSE(QFile::exists(autosaveName(left)));
+    EXPECT_FALSE(QFile::exists(left + ".lock"));
+    EXPECT_EQ(later.files().file(), path("found.ondrel"));
+}
+
+TEST_F(ProjectFilesOfAWindow, DeclinedUntitledProjectIsGone)
+{
+    const QString left = leaveAsDeadProcess();
+    EditorWindow later(nodeTypes());
+    later.files().offerUnsaved();
+    answer(later, QMessageBox::No);
+    EXPECT_FALSE(QFile::exists(autosaveName(left)));
+    EXPECT_TRUE(later.document().graph().nodes.empty());
+}
+
+TEST_F(ProjectFilesOfAWindow, DamagedAutosaveOfAnUntitledProjectIsNotOffered)
+{
+    const QString left = leaveAsDeadProcess();
+    QFile file(autosaveName(left));
+    ASSERT_TRUE(file.resize(file.size() / 2));
+    EXPECT_FALSE(UnsavedPlace::findAbandoned());
+}
+
+TEST_F(ProjectFilesOfAWindow, LeavingForGoodRemovesTheAutosave)
+{
+    editAndAutosave();
+    window.files().leave();
+    settle();
+    EXPECT_TRUE(unsaved.entryList(QDir::Files).isEmpty());
+}
+
+TEST_F(ProjectFilesOfAWindow, SaveUnderAnotherNameRemovesTheAutosaveOfTheFirst)
+{
+    play("save " + path("first.ondrel"));
+    window.files().setAutosaveInterval(1);
+    play("add essentials/levels 260 0 Levels");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(autosaveName(path("first.ondrel"))); }));
+    settle();
+    play("save " + path("second.ondrel"));
+    EXPECT_FALSE(QFile::exists(autosaveName(path("first.ondrel"))));
+}
