@@ -1,52 +1,18 @@
 #include "scene.h"
 
-#include "values.h"
-
 #include <ondrel/nodes/fieldbase.h>
-#include <ondrel/nodes/xmlnode.h>
-
-#include <QGraphicsSceneMouseEvent>
 
 #include <algorithm>
-#include <cmath>
 
 namespace Host
 {
-namespace
-{
-
-constexpr float kSnap = 30; // scene units
-constexpr qreal kWireReach = 7;
-
-QPointF centerOf(const Anchor& anchor)
-{
-    return anchor.sceneBoundingRect().center();
-}
-
-// What stands in for a node whose plug-in is missing.
-QString placeholderFile(const NodeRecord& record, const Graph& graph)
-{
-    QStringList inputs, outputs;
-    for (const Connection& connection : graph.touching(record.id)) {
-        QStringList& names = connection.to == record.id ? inputs : outputs;
-        const QString name = connection.to == record.id ? connection.input : connection.output;
-        if (!names.contains(name))
-            names.append(name);
-    }
-    const auto fields = [](const QStringList& names) {
-        QString text;
-        for (const QString& name : names)
-            text += QString("<field name=\"%1\">%1</field>").arg(name.toHtmlEscaped());
-        return text;
-    };
-    return QString("<node><input>%1</input><output>%2</output></node>").arg(fields(inputs), fields(outputs));
-}
-
-} // namespace
 
 Scene::Scene(Document& document, QObject* parent)
     : QGraphicsScene(parent)
     , m_document(document)
+    , m_values(document)
+    , m_wires(*this)
+    , m_loose(*this)
 {
     setItemIndexMethod(QGraphicsScene::NoIndex); // nodes move and change their size all the time
     connect(&document, &Document::nodeAdded, this, &Scene::addItemFor);
@@ -57,6 +23,8 @@ Scene::Scene(Document& document, QObject* parent)
     connect(&document, &Document::connectionRemoved, this, &Scene::removeWire);
     connect(&document, &Document::changed, this, &Scene::settleVariableNodes);
     connect(&document, &Document::reset, this, &Scene::rebuild);
+    connect(&m_loose, &LooseWire::refused, this, &Scene::refused);
+    connect(&m_loose, &LooseWire::dropped, this, &Scene::wireDropped);
     rebuild();
 }
 
@@ -64,6 +32,7 @@ Scene::Scene(Document& document, QObject* parent)
 Scene::~Scene()
 {
     m_document.disconnect(this);
+    m_loose.drop();
     m_wires.clear();
     for (const auto& [id, node] : m_items) {
         node->disconnect(this);
@@ -77,22 +46,9 @@ PreviewNode* Scene::item(NodeId id) const
     return found == m_items.end() ? nullptr : found->second;
 }
 
-NodeId Scene::idOf(const Node* node) const
-{
-    return node->id();
-}
-
-PreviewNode* Scene::makeItem(const NodeRecord& record) const
-{
-    const NodeType* const type = m_document.types().find(record.type);
-    Node* node = type ? type->entry.behaviour->createItem(type->fileText) : nullptr;
-    if (!node)
-        node = Ondrel::XmlNode::create(type ? type->fileText : placeholderFile(record, m_document.graph()));
-    return qobject_cast<PreviewNode*>(node);
-}
-
 void Scene::rebuild()
 {
+    m_loose.drop();
     m_wires.clear();
     for (const auto& [id, node] : m_items) {
         node->disconnect(this);
@@ -100,7 +56,6 @@ void Scene::rebuild()
     }
     m_items.clear();
     m_primary = m_secondary = 0;
-    clearWire();
     for (const auto& [id, record] : m_document.graph().nodes)
         addItemFor(id);
     for (const Connection& connection : m_document.graph().connections)
@@ -111,7 +66,7 @@ void Scene::rebuild()
 void Scene::addItemFor(NodeId id)
 {
     const NodeRecord& record = *m_document.graph().node(id);
-    PreviewNode* const node = makeItem(record);
+    PreviewNode* const node = makeNodeItem(record, m_document.types(), m_document.graph());
     if (!node)
         return;
     node->setId(id);
@@ -119,7 +74,7 @@ void Scene::addItemFor(NodeId id)
     node->availableColorProfilesChanged();
     m_items[id] = node;
     addItem(node);
-    fillValues(*node, record);
+    m_values.fill(*node);
     watch(*node);
     updateItemOf(id);
 }
@@ -132,12 +87,7 @@ void Scene::watch(PreviewNode& node)
     connect(&node, SIGNAL(moveComplete(Node*)), this, SLOT(nodeMoveComplete(Node*)));
     connect(&node, SIGNAL(emblemChanged(PreviewNode*, PreviewNode::Emblem)), this,
             SLOT(emblemChanged(PreviewNode*, PreviewNode::Emblem)));
-    connect(&node, SIGNAL(fieldAnchorPressEvent(Node*, Anchor*, QGraphicsSceneMouseEvent*)), this,
-            SLOT(anchorPressed(Node*, Anchor*, QGraphicsSceneMouseEvent*)));
-    connect(&node, SIGNAL(fieldAnchorMoveEvent(Node*, Anchor*, QGraphicsSceneMouseEvent*)), this,
-            SLOT(anchorMoved(Node*, Anchor*, QGraphicsSceneMouseEvent*)));
-    connect(&node, SIGNAL(fieldAnchorReleaseEvent(Node*, Anchor*, QGraphicsSceneMouseEvent*)), this,
-            SLOT(anchorReleased(Node*, Anchor*, QGraphicsSceneMouseEvent*)));
+    m_loose.watch(node);
 }
 
 void Scene::removeItemOf(NodeId id)
@@ -145,8 +95,7 @@ void Scene::removeItemOf(NodeId id)
     PreviewNode* const node = item(id);
     if (!node)
         return;
-    if (m_loose)
-        clearWire();
+    m_loose.drop();
     node->disconnect(this);
     m_items.erase(id);
     delete node;
@@ -167,61 +116,19 @@ void Scene::updateItemOf(NodeId id)
     node->setPos(record->position);
     node->setOpacity(record->bypassed ? 0.5 : 1);
     node->layout();
-    placeWires(id);
-}
-
-void Scene::fillValues(PreviewNode& node, const NodeRecord& record)
-{
-    m_filling = true;
-    const NodeType* const type = m_document.types().find(record.type);
-    const QVariantMap values = type ? completeValues(record, *type) : record.values;
-    for (unsigned long i = 0; i < node.inputFieldCount(); ++i) {
-        const QString name = node.inputNameOfFieldByIndex(i);
-        if (values.contains(name))
-            node.setInputValue(i, values.value(name));
-    }
-    m_filling = false;
+    m_wires.place(id);
 }
 
 void Scene::updateValue(NodeId id, const QString& field)
 {
-    PreviewNode* const node = item(id);
-    const NodeRecord* const record = m_document.graph().node(id);
-    const NodeType* const type = record ? m_document.types().find(record->type) : nullptr;
-    const int index = node ? node->inputIndexOfFieldByName(field) : -1;
-    if (index < 0 || !type)
-        return;
-    const QVariant value = completeValues(*record, *type).value(field);
-    if (sameValue(node->inputValue(index), value) || field == type->entry.variablePrefix + "_order")
-        return; // it came from there, or its wires say it
-    m_filling = true;
-    node->setInputValue(static_cast<unsigned long>(index), value);
-    m_filling = false;
+    if (PreviewNode* const node = item(id))
+        m_values.update(*node, field);
 }
 
-// A drag of the mouse is one gesture, however many values it passes; each key is one of its own.
 void Scene::nodeUpdated(Node* node)
 {
-    if (m_filling || item(idOf(node)) != node)
-        return;
-    storeValues(*static_cast<PreviewNode*>(node));
-}
-
-void Scene::storeValues(PreviewNode& node)
-{
-    const NodeRecord* const record = m_document.graph().node(idOf(&node));
-    const NodeType* const type = record ? m_document.types().find(record->type) : nullptr;
-    if (!type)
-        return;
-    if (!m_mousePressed)
-        ++m_gesture;
-    const QVariantMap stored = completeValues(*record, *type);
-    for (unsigned long i = 0; i < node.inputFieldCount(); ++i) {
-        const QString field = node.inputNameOfFieldByIndex(i);
-        const QVariant value = node.inputValue(int(i));
-        if (value.isValid() && type->input(field) && !sameValue(value, stored.value(field)))
-            m_document.setValue(idOf(&node), field, value, m_gesture);
-    }
+    if (!m_values.isFilling() && item(node->id()) == node)
+        m_values.store(*static_cast<PreviewNode*>(node));
 }
 
 std::vector<NodeId> Scene::selectedNodes() const
@@ -251,16 +158,16 @@ void Scene::nodeSelected(Node* node)
 {
     for (const auto& [id, each] : m_items)
         each->setFirstSelected(each == node);
-    m_beforeMove.clear();
-    for (const auto& [id, each] : m_items)
-        m_beforeMove[id] = each->pos();
 }
 
-void Scene::nodeMoved(Node* node, bool)
+// The one that the mouse holds says it for all that move with it.
+void Scene::nodeMoved(Node* node, bool movedByUser)
 {
-    placeWires(idOf(node));
+    m_wires.place(node->id());
+    if (!movedByUser)
+        return;
     for (const NodeId id : selectedNodes())
-        placeWires(id);
+        m_wires.place(id);
 }
 
 void Scene::nodeMoveComplete(Node*)
@@ -301,7 +208,7 @@ void Scene::emblemChanged(PreviewNode* node, PreviewNode::Emblem emblem)
         if (each != node)
             each->clearEmblem(emblem);
     }
-    const NodeId id = idOf(node);
+    const NodeId id = node->id();
     const auto change = [id](NodeId& shown, bool on) { shown = on ? id : shown == id ? 0 : shown; };
     change(m_primary, shows(PreviewNode::EmblemPrimary));
     change(m_secondary, shows(PreviewNode::EmblemSecondary));
@@ -325,7 +232,7 @@ void Scene::setBusy(NodeId id, bool busy)
         node->setLoading(busy);
 }
 
-Anchor* Scene::anchorOf(NodeId id, const QString& field, bool output) const
+Anchor* Scene::anchor(NodeId id, const QString& field, bool output) const
 {
     PreviewNode* const node = item(id);
     if (!node)
@@ -333,63 +240,58 @@ Anchor* Scene::anchorOf(NodeId id, const QString& field, bool output) const
     return output ? node->outputAnchorOfFieldByName(field) : node->inputAnchorOfFieldByName(field);
 }
 
-void Scene::telling(PreviewNode& node, Anchor& anchor, bool connected, const QString& other)
+void Scene::tellOfWire(NodeId id, Anchor& anchor, bool connected, const QString& other)
 {
     anchor.setConnected(connected);
-    m_filling = true; // a variable node changes its own order, which the document knows already
-    if (connected)
-        node.anchorHasBeenConnected(&anchor, other);
-    else
-        node.anchorHasBeenDisconnected(&anchor);
-    m_filling = false;
+    m_values.whileFilling([&] { // a variable node changes its own order, which the document knows already
+        if (connected)
+            item(id)->anchorHasBeenConnected(&anchor, other);
+        else
+            item(id)->anchorHasBeenDisconnected(&anchor);
+    });
 }
 
 void Scene::addWire(const Connection& connection)
 {
-    Anchor* const output = anchorOf(connection.from, connection.output, true);
-    Anchor* const input = anchorOf(connection.to, connection.input, false);
+    Anchor* const output = anchor(connection.from, connection.output, true);
+    Anchor* const input = anchor(connection.to, connection.input, false);
     m_rewired.insert(connection.to); // also where the item has no such input: it is made anew then
     if (!output || !input)
         return;
-    m_wires.push_back({connection, std::make_unique<Viewer::WireItem>()});
-    addItem(m_wires.back().item.get());
-    telling(*item(connection.from), *output, true, item(connection.to)->inputDisplayNameOfFieldByAnchor(input));
-    telling(*item(connection.to), *input, true, item(connection.from)->outputDisplayNameOfFieldByAnchor(output));
+    m_wires.add(connection);
+    tellOfWire(connection.from, *output, true, item(connection.to)->inputDisplayNameOfFieldByAnchor(input));
+    tellOfWire(connection.to, *input, true, item(connection.from)->outputDisplayNameOfFieldByAnchor(output));
     item(connection.to)->layout();
-    placeWires(connection.to);
+    m_wires.place(connection.to);
 }
 
 void Scene::removeWire(const Connection& connection)
 {
-    const auto wire =
-        std::find_if(m_wires.begin(), m_wires.end(), [&](const Wire& each) { return each.connection == connection; });
-    if (wire == m_wires.end())
+    if (!m_wires.remove(connection))
         return;
-    m_wires.erase(wire);
-    const bool more = std::any_of(m_wires.begin(), m_wires.end(), [&](const Wire& each) {
-        return each.connection.from == connection.from && each.connection.output == connection.output;
-    });
-    if (Anchor* const output = anchorOf(connection.from, connection.output, true)) {
+    if (Anchor* const output = anchor(connection.from, connection.output, true)) {
+        const bool more = m_wires.leaves(connection.from, connection.output);
         output->setConnected(more);
         if (!more)
-            telling(*item(connection.from), *output, false, QString());
+            tellOfWire(connection.from, *output, false, QString());
     }
-    if (Anchor* const input = anchorOf(connection.to, connection.input, false)) {
-        telling(*item(connection.to), *input, false, QString());
+    if (Anchor* const input = anchor(connection.to, connection.input, false)) {
+        tellOfWire(connection.to, *input, false, QString());
         m_rewired.insert(connection.to);
         item(connection.to)->layout();
-        placeWires(connection.to);
+        m_wires.place(connection.to);
     }
+}
+
+std::optional<Connection> Scene::connectionAt(const QPointF& point) const
+{
+    return m_wires.at(point);
 }
 
 bool Scene::hasAllWires(NodeId id) const
 {
-    for (const Connection& connection : m_document.graph().touching(id)) {
-        if (std::none_of(m_wires.begin(), m_wires.end(),
-                         [&](const Wire& wire) { return wire.connection == connection; }))
-            return false;
-    }
-    return true;
+    const std::vector<Connection> touching = m_document.graph().touching(id);
+    return std::all_of(touching.begin(), touching.end(), [this](const Connection& each) { return m_wires.has(each); });
 }
 
 // A variable node makes and drops inputs by its wires, and says so in its order, which belongs to the same step of
@@ -403,7 +305,7 @@ void Scene::settleVariableNodes()
         if (!type || type->entry.variablePrefix.isEmpty() || !item(id))
             continue;
         if (hasAllWires(id))
-            storeValues(*item(id));
+            m_values.store(*item(id));
         else
             remakeItem(id);
     }
@@ -413,10 +315,7 @@ void Scene::remakeItem(NodeId id)
 {
     const PreviewNode::Emblem emblem = item(id)->emblem();
     const bool selected = item(id)->isSelected();
-    m_wires.erase(
-        std::remove_if(m_wires.begin(), m_wires.end(),
-                       [id](const Wire& wire) { return wire.connection.from == id || wire.connection.to == id; }),
-        m_wires.end());
+    m_wires.removeTouching(id);
     item(id)->disconnect(this);
     delete item(id);
     m_items.erase(id);
@@ -430,128 +329,14 @@ void Scene::remakeItem(NodeId id)
 
 void Scene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
-    m_mousePressed = true;
-    ++m_gesture;
+    m_values.press();
     QGraphicsScene::mousePressEvent(event);
 }
 
 void Scene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 {
     QGraphicsScene::mouseReleaseEvent(event);
-    m_mousePressed = false;
-}
-
-void Scene::placeWires(NodeId id)
-{
-    for (const Wire& wire : m_wires) {
-        const Connection& connection = wire.connection;
-        if (connection.from != id && connection.to != id)
-            continue;
-        const Anchor* const output = anchorOf(connection.from, connection.output, true);
-        const Anchor* const input = anchorOf(connection.to, connection.input, false);
-        if (output && input)
-            wire.item->setEnds(centerOf(*output), centerOf(*input));
-    }
-}
-
-std::optional<Connection> Scene::connectionAt(const QPointF& point) const
-{
-    QPainterPathStroker stroker;
-    stroker.setWidth(2 * kWireReach);
-    for (auto wire = m_wires.rbegin(); wire != m_wires.rend(); ++wire) {
-        if (stroker.createStroke(wire->item->path()).contains(point))
-            return wire->connection;
-    }
-    return std::nullopt;
-}
-
-std::optional<Scene::Grip> Scene::gripNear(const QPointF& point, bool outputs) const
-{
-    std::optional<Grip> closest;
-    float least = kSnap;
-    for (const auto& [id, node] : m_items) {
-        Anchor* anchor = nullptr;
-        float distance = 0;
-        node->findClosestAnchor(point.toPoint(), outputs ? Anchor::Output : Anchor::Input, nullptr, &anchor, distance);
-        if (!anchor || !anchor->isVisible() || distance >= least)
-            continue;
-        least = distance;
-        closest = Grip{id, outputs ? node->outputNameOfFieldByAnchor(anchor) : node->inputNameOfFieldByAnchor(anchor),
-                       outputs};
-    }
-    return closest;
-}
-
-Connection Scene::connectionOf(const Grip& a, const Grip& b) const
-{
-    const Grip& output = a.isOutput ? a : b;
-    const Grip& input = a.isOutput ? b : a;
-    return {output.node, output.field, input.node, input.field};
-}
-
-// An input that has a wire gives it back to the mouse.
-void Scene::anchorPressed(Node* node, Anchor* anchor, QGraphicsSceneMouseEvent* event)
-{
-    clearWire();
-    const NodeId id = idOf(node);
-    const bool isOutput = anchor->direction() == Anchor::Output;
-    m_start = {id, isOutput ? node->outputNameOfFieldByAnchor(anchor) : node->inputNameOfFieldByAnchor(anchor),
-               isOutput};
-    if (!isOutput) {
-        if (const Connection* const connection = m_document.graph().into(id, m_start.field)) {
-            m_pulled = *connection;
-            m_start = {connection->from, connection->output, true};
-            for (const Wire& wire : m_wires)
-                wire.item->setVisible(!(wire.connection == *m_pulled));
-        }
-    }
-    m_loose = std::make_unique<Viewer::WireItem>();
-    m_loose->setLoose(true);
-    addItem(m_loose.get());
-    anchorMoved(node, anchor, event);
-}
-
-void Scene::anchorMoved(Node*, Anchor*, QGraphicsSceneMouseEvent* event)
-{
-    if (!m_loose)
-        return;
-    m_target = gripNear(event->scenePos(), !m_start.isOutput);
-    const Anchor* const start = anchorOf(m_start.node, m_start.field, m_start.isOutput);
-    const Anchor* const target = m_target ? anchorOf(m_target->node, m_target->field, m_target->isOutput) : nullptr;
-    const QPointF free = target ? centerOf(*target) : event->scenePos();
-    if (start)
-        m_loose->setEnds(m_start.isOutput ? centerOf(*start) : free, m_start.isOutput ? free : centerOf(*start));
-}
-
-void Scene::anchorReleased(Node*, Anchor*, QGraphicsSceneMouseEvent* event)
-{
-    if (!m_loose)
-        return;
-    const Grip start = m_start;
-    const std::optional<Grip> target = m_target;
-    const std::optional<Connection> pulled = m_pulled;
-    clearWire();
-    if (target && pulled && connectionOf(start, *target) == *pulled)
-        return; // back where it was
-    m_document.beginStep(tr("Connect"));
-    if (pulled)
-        m_document.removeConnection(*pulled);
-    const QString reason = target ? m_document.addConnection(connectionOf(start, *target)) : QString();
-    m_document.endStep();
-    if (!reason.isEmpty())
-        Q_EMIT refused(reason);
-    else if (!target && !pulled)
-        Q_EMIT wireDropped(start.node, start.field, start.isOutput, event->scenePos());
-}
-
-void Scene::clearWire()
-{
-    for (const Wire& wire : m_wires)
-        wire.item->setVisible(true);
-    m_loose.reset();
-    m_target.reset();
-    m_pulled.reset();
-    m_start = Grip();
+    m_values.release();
 }
 
 bool Scene::moveFocus(bool next)

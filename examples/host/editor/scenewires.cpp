@@ -1,0 +1,126 @@
+#include "scenewires.h"
+
+#include "scene.h"
+
+#include <QPainterPathStroker>
+
+#include <algorithm>
+
+namespace Host
+{
+namespace
+{
+
+constexpr qreal kReach = 7; // of the mouse, on both sides
+
+} // namespace
+
+SceneWires::SceneWires(Scene& scene)
+    : m_scene(scene)
+{
+}
+
+void SceneWires::add(const Connection& connection)
+{
+    m_wires.push_back(std::make_unique<Wire>());
+    Wire* const wire = m_wires.back().get();
+    wire->connection = connection;
+    m_touch[connection.from].push_back(wire);
+    m_touch[connection.to].push_back(wire);
+    m_scene.addItem(&wire->item);
+}
+
+SceneWires::Wire* SceneWires::find(const Connection& connection) const
+{
+    const auto touching = m_touch.find(connection.to);
+    if (touching == m_touch.end())
+        return nullptr;
+    const auto found = std::find_if(touching->second.begin(), touching->second.end(),
+                                    [&](const Wire* wire) { return wire->connection == connection; });
+    return found == touching->second.end() ? nullptr : *found;
+}
+
+void SceneWires::forget(NodeId id, const Wire* wire)
+{
+    std::vector<Wire*>& touching = m_touch[id];
+    touching.erase(std::remove(touching.begin(), touching.end(), wire), touching.end());
+    if (touching.empty())
+        m_touch.erase(id);
+}
+
+void SceneWires::erase(const Wire* wire)
+{
+    forget(wire->connection.from, wire);
+    forget(wire->connection.to, wire);
+    m_wires.erase(
+        std::find_if(m_wires.begin(), m_wires.end(), [wire](const auto& each) { return each.get() == wire; }));
+}
+
+bool SceneWires::remove(const Connection& connection)
+{
+    const Wire* const wire = find(connection);
+    if (wire)
+        erase(wire);
+    return wire != nullptr;
+}
+
+void SceneWires::removeTouching(NodeId id)
+{
+    while (m_touch.count(id) != 0)
+        erase(m_touch[id].back());
+}
+
+void SceneWires::clear()
+{
+    m_touch.clear();
+    m_wires.clear();
+}
+
+bool SceneWires::leaves(NodeId id, const QString& output) const
+{
+    const auto touching = m_touch.find(id);
+    return touching != m_touch.end() &&
+           std::any_of(touching->second.begin(), touching->second.end(), [&](const Wire* wire) {
+               return wire->connection.from == id && wire->connection.output == output;
+           });
+}
+
+std::optional<Connection> SceneWires::at(const QPointF& point) const
+{
+    QPainterPathStroker stroker;
+    stroker.setWidth(2 * kReach);
+    for (auto wire = m_wires.rbegin(); wire != m_wires.rend(); ++wire) {
+        const QRectF near = (*wire)->item.boundingRect().adjusted(-kReach, -kReach, kReach, kReach);
+        if (near.contains(point) && stroker.createStroke((*wire)->item.path()).contains(point))
+            return (*wire)->connection;
+    }
+    return std::nullopt;
+}
+
+void SceneWires::place(NodeId id)
+{
+    const auto touching = m_touch.find(id);
+    if (touching == m_touch.end())
+        return;
+    for (Wire* wire : touching->second) {
+        const Connection& connection = wire->connection;
+        const Anchor* const output = m_scene.anchor(connection.from, connection.output, true);
+        const Anchor* const input = m_scene.anchor(connection.to, connection.input, false);
+        if (output && input)
+            wire->item.setEnds(centerOf(*output), centerOf(*input));
+    }
+}
+
+void SceneWires::hide(const Connection& connection)
+{
+    if (Wire* const wire = find(connection))
+        wire->item.setVisible(false);
+}
+
+void SceneWires::showAll()
+{
+    for (const auto& wire : m_wires)
+        wire->item.setVisible(true);
+}
+
+} // namespace Host
