@@ -29,6 +29,7 @@ class CanvasView : public QGraphicsView
 public:
     explicit CanvasView(QGraphicsScene* scene);
     void setMode(Ondrel::ModeInterface* mode); // null for none; not owned
+    Ondrel::ModeInterface* mode() const { return m_mode; }
 
 Q_SIGNALS:
     void zoomWanted(double factor, QPoint anchor);

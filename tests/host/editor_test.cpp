@@ -476,50 +476,6 @@ TEST_F(Editor, DroppedFilesAreImportedWhereTheyFall)
     EXPECT_EQ(graph().nodeByName("photo 2")->position, window.sceneView().mapToScene(100, 80));
 }
 
-TEST_F(Editor, ViewComparesWithTheSecondaryPicture)
-{
-    addChain();
-    play("set Levels gain 40\nshow photo\nselect Levels\nkey 2\nwait");
-    const auto alone = [](const Picture& picture) { return renderForView(picture, Picture(), ViewOptions()); };
-    const QImage first = alone(freshPicture(id("photo"))), second = alone(freshPicture(id("Levels")));
-    ASSERT_NE(first, second);
-    EXPECT_EQ(window.imagePane().rendered(), first);
-    play("key S\nwait");
-    EXPECT_EQ(window.imagePane().rendered(), second);
-    play("key S\nkey W\nwait");
-    const QImage both = window.imagePane().rendered();
-    EXPECT_EQ(both.copy(0, 0, 44, 60), first.copy(0, 0, 44, 60));
-    EXPECT_EQ(both.copy(46, 0, 44, 60), second.copy(46, 0, 44, 60));
-    play("key W\nwait");
-    EXPECT_EQ(window.imagePane().rendered(), first);
-}
-
-TEST_F(Editor, ViewMarksClippingAndProofs)
-{
-    play("key M\nwait");
-    const Picture picture = freshPicture(id("photo"));
-    const QImage marked = window.imagePane().rendered();
-    EXPECT_EQ(marked.pixel(0, 0) == qRgb(0, 0, 255), picture.image->data[2] == 0); // its red and green are 0
-    const QImage plain = renderForView(picture, Picture(), ViewOptions());
-    int marks = 0;
-    for (int y = 0; y < 60; ++y) {
-        for (int x = 0; x < 90; ++x) {
-            const std::uint16_t* const p = picture.image->data + (y * 90 + x) * 4;
-            const bool high = p[0] == 65535 || p[1] == 65535 || p[2] == 65535, low = p[0] + p[1] + p[2] == 0;
-            marks += high || low ? 1 : 0;
-            const QRgb wanted = high ? qRgb(255, 0, 0) : low ? qRgb(0, 0, 255) : plain.pixel(x, y);
-            ASSERT_EQ(marked.pixel(x, y), wanted) << x << ", " << y;
-        }
-    }
-    EXPECT_GT(marks, 0);
-    play("key M\nkey P\nkey Shift+P\nwait");
-    ViewOptions options;
-    options.proofs = options.marksGamut = true;
-    options.proofProfile = QByteArray(reinterpret_cast<const char*>(Ondrel::DefaultColorProfileHash.data()), 32);
-    EXPECT_EQ(window.imagePane().options().proofProfile, options.proofProfile);
-    EXPECT_EQ(window.imagePane().rendered(), renderForView(picture, Picture(), options));
-}
-
 // Whatever would wait for the store, waits for ever here.
 TEST_F(Editor, NothingOnTheUserInterfaceThreadWaitsForTheStore)
 {

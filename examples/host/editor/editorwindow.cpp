@@ -139,6 +139,9 @@ void EditorWindow::addViewMenu()
     connect(m_editInView, SIGNAL(triggered(bool)), this, SLOT(editInView(bool)));
     QAction* const fit = view->addAction(tr("Fit &picture"), m_imagePane, SLOT(fit()), QKeySequence("Ctrl+0"));
     fit->setObjectName("fitPicture");
+    QAction* const pixels = view->addAction(tr("P&ixels of the picture"), m_imagePane, SLOT(showPixels()));
+    pixels->setObjectName("showPixels");
+    pixels->setShortcut(QKeySequence("Ctrl+1"));
 }
 
 void EditorWindow::updateTitle()

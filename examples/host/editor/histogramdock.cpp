@@ -24,7 +24,7 @@ HistogramDock::HistogramDock(const ImagePane& pane, QWidget* parent)
     layout->addStretch();
     setWidget(panel);
     connect(&pane, &ImagePane::pictureShown, histogram,
-            [histogram, &pane] { histogram->update(pane.picture().image); });
+            [histogram, &pane] { histogram->update(pane.shownPicture().image); });
 }
 
 } // namespace Host

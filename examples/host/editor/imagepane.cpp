@@ -1,9 +1,13 @@
 #include "imagepane.h"
 
+#include "pictureitem.h"
+#include "wipehandle.h"
+
 #include "../../mode/canvasview.h"
 
 #include <ondrel/color/colormanager.h>
 
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QScrollBar>
@@ -18,6 +22,19 @@ namespace
 {
 
 constexpr double kSmallest = 0.02, kLargest = 16;
+constexpr double kWipeStep = 0.01; // by a key
+constexpr int kGap = 4;            // between both views
+
+QLabel* captionOver(QWidget* viewport, const QString& text)
+{
+    auto* const label = new QLabel(text, viewport);
+    label->setStyleSheet("background: rgba(14, 14, 14, 170); color: rgb(201, 198, 198); padding: 2px 7px;"
+                         "border-radius: 3px;");
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    label->move(8, 8);
+    label->hide();
+    return label;
+}
 
 bool isOfMiddleButton(const QEvent& event)
 {
@@ -27,100 +44,180 @@ bool isOfMiddleButton(const QEvent& event)
            static_cast<const QMouseEvent&>(event).button() == Qt::MiddleButton;
 }
 
+QImage firstLevel(const RenderedPicture& rendered)
+{
+    return rendered.isNull() ? QImage() : rendered.levels.front();
+}
+
+// The same part in both: their scenes and zooms are equal.
+void scrollTogether(QScrollBar* one, QScrollBar* other)
+{
+    QObject::connect(one, SIGNAL(valueChanged(int)), other, SLOT(setValue(int)));
+    QObject::connect(other, SIGNAL(valueChanged(int)), one, SLOT(setValue(int)));
+}
+
 } // namespace
 
 ImagePane::ImagePane(QWidget* parent)
     : QWidget(parent)
-    , m_canvas(new CanvasItem)
+    , m_canvas(new PictureItem)
+    , m_secondCanvas(new PictureItem)
     , m_view(new CanvasView(&m_scene))
+    , m_secondView(new CanvasView(&m_secondScene))
+    , m_caption(captionOver(m_view->viewport(), QString()))
+    , m_secondCaption(captionOver(m_secondView->viewport(), tr("Secondary")))
+    , m_wipe(new WipeHandle(m_view->viewport()))
     , m_readOut(new QLabel(this))
+    , m_zoomText(new QLabel(this))
 {
     m_scene.addItem(m_canvas);
-    m_view->viewport()->setMouseTracking(true);
-    m_view->viewport()->installEventFilter(this);
-    m_view->setAcceptDrops(false); // files are the window's
-    m_view->viewport()->setAcceptDrops(false);
+    m_secondScene.addItem(m_secondCanvas);
     m_view->setAccessibleName(tr("Picture"));
+    m_secondView->setAccessibleName(tr("Secondary picture"));
     m_readOut->setAccessibleName(tr("Colour under the pointer"));
+    m_zoomText->setAccessibleName(tr("Zoom"));
     m_readOut->setText(" ");
-    auto* layout = new QVBoxLayout(this);
+    auto* const views = new QHBoxLayout;
+    views->setSpacing(kGap);
+    views->addWidget(m_view, 1);
+    views->addWidget(m_secondView, 1);
+    auto* const below = new QHBoxLayout;
+    below->setContentsMargins(6, 0, 6, 0);
+    below->addWidget(m_readOut, 1);
+    below->addWidget(m_zoomText);
+    auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
-    layout->addWidget(m_view, 1);
-    layout->addWidget(m_readOut);
-    connect(m_view, &CanvasView::zoomWanted, this,
+    layout->addLayout(views, 1);
+    layout->addLayout(below);
+    addView(*m_view);
+    addView(*m_secondView);
+    m_secondView->hide();
+    m_wipe->hide();
+    scrollTogether(m_view->horizontalScrollBar(), m_secondView->horizontalScrollBar());
+    scrollTogether(m_view->verticalScrollBar(), m_secondView->verticalScrollBar());
+    for (const QScrollBar* const bar : {m_view->horizontalScrollBar(), m_view->verticalScrollBar()})
+        connect(bar, SIGNAL(valueChanged(int)), this, SLOT(placeWipe()));
+    connect(m_wipe, SIGNAL(dragged(double)), this, SLOT(moveWipe(double)));
+    connect(m_wipe, &WipeHandle::stepped, this, [this](int steps) { setWipe(m_options.wipe + steps * kWipeStep); });
+    connect(&m_renderer, SIGNAL(rendered()), this, SLOT(takeRendered()));
+}
+
+void ImagePane::addView(CanvasView& view)
+{
+    view.viewport()->setMouseTracking(true);
+    view.viewport()->installEventFilter(this);
+    view.setAcceptDrops(false); // files are the window's
+    view.viewport()->setAcceptDrops(false);
+    connect(&view, &CanvasView::zoomWanted, this,
             [this](double factor, QPoint anchor) { setZoom(m_zoom * factor, anchor); });
-    connect(m_view, SIGNAL(resized()), this, SLOT(placeScene()));
+    connect(&view, SIGNAL(resized()), this, SLOT(placeScene()));
 }
 
 void ImagePane::setPicture(const Picture& picture)
 {
-    m_newest = picture;
-    render();
+    m_renderer.setFirst(picture);
 }
 
 void ImagePane::setSecondPicture(const Picture& picture)
 {
-    m_second = picture;
-    render();
+    m_renderer.setSecond(picture);
+}
+
+const Picture& ImagePane::shownPicture() const
+{
+    return compare() == ViewOptions::Second ? secondPicture() : picture();
+}
+
+QImage ImagePane::rendered() const
+{
+    return firstLevel(m_renderer.first().rendered);
+}
+
+QImage ImagePane::secondRendered() const
+{
+    return firstLevel(m_renderer.second().rendered);
 }
 
 void ImagePane::setOptions(const ViewOptions& options)
 {
     m_options = options;
-    render();
+    m_renderer.setOptions(options);
+    arrange();
+    Q_EMIT pictureShown();
     Q_EMIT optionsChanged();
 }
 
-void ImagePane::render()
+ViewOptions::Compare ImagePane::compare() const
 {
-    m_again = m_rendering;
-    if (m_rendering)
-        return;
-    m_rendering = true;
-    m_worker.run([this, first = m_newest, second = m_second, options = m_options]() -> std::function<void()> {
-        const QImage rendered = renderForView(first, second, options);
-        return [this, first, rendered] {
-            m_rendering = false;
-            show(first, rendered);
-            if (m_again)
-                render();
-        };
-    });
+    return picture().image && secondPicture().image ? m_options.compare : ViewOptions::First;
 }
 
-void ImagePane::show(const Picture& picture, const QImage& rendered)
+void ImagePane::takeRendered()
 {
-    const bool sameSize = picture.fullSize == m_picture.fullSize;
-    m_picture = picture;
-    m_rendered = rendered;
-    m_canvas->setPicture(rendered, picture.image ? picture.fullSize : QSize());
-    if (!sameSize)
+    arrange();
+    const QSize size = picture().image ? picture().fullSize : QSize();
+    if (size != m_fullSize) {
+        m_fullSize = size;
         placeScene();
-    m_view->viewport()->update();
+    }
     Q_EMIT pictureShown();
 }
 
-// By the left button with Ctrl.
-bool ImagePane::moveWipe(const QMouseEvent& event)
+// What lies where.
+void ImagePane::arrange()
 {
-    const bool moves = m_options.compare == ViewOptions::Wipe && event.buttons().testFlag(Qt::LeftButton) &&
-                       event.modifiers().testFlag(Qt::ControlModifier);
-    if (!moves || m_picture.fullSize.isEmpty())
-        return false;
-    m_options.wipe = std::clamp(m_view->mapToScene(event.pos()).x() / m_picture.fullSize.width(), 0.0, 1.0);
-    render();
-    return true;
+    const QSize size = picture().image ? picture().fullSize : QSize();
+    const PictureItem::Layer first{m_renderer.first().rendered, QRectF(QPointF(0, 0), size)};
+    const PictureItem::Layer second{m_renderer.second().rendered, placeOver(secondPicture().fullSize, size)};
+    const ViewOptions::Compare now = compare();
+    m_canvas->setLayers(size, now == ViewOptions::Second ? second : first,
+                        now == ViewOptions::Wipe ? second : PictureItem::Layer(), m_options.wipe * size.width());
+    m_secondCanvas->setLayers(size, second, PictureItem::Layer(), 0);
+    m_caption->setText(now == ViewOptions::Second ? tr("Secondary")
+                       : now == ViewOptions::Wipe ? tr("Primary | Secondary")
+                                                  : tr("Primary"));
+    m_caption->adjustSize();
+    m_caption->setVisible(now != ViewOptions::First);
+    m_secondCaption->show();
+    m_secondView->setVisible(now == ViewOptions::SideBySide);
+    m_wipe->setVisible(now == ViewOptions::Wipe);
+    placeWipe();
+    m_view->viewport()->update();
+    m_secondView->viewport()->update();
+}
+
+void ImagePane::placeWipe()
+{
+    if (m_wipe->isHidden())
+        return;
+    m_wipe->setGripOnly(m_view->mode() != nullptr);
+    const QPolygon corners = m_view->mapFromScene(m_canvas->boundingRect());
+    const double x = m_view->viewportTransform().map(QPointF(m_options.wipe * m_canvas->boundingRect().width(), 0)).x();
+    m_wipe->placeAt(x, corners.boundingRect());
+}
+
+void ImagePane::moveWipe(double viewX)
+{
+    const QPointF inScene = m_view->viewportTransform().inverted().map(QPointF(viewX, 0));
+    if (!m_canvas->boundingRect().isEmpty())
+        setWipe(inScene.x() / m_canvas->boundingRect().width());
+}
+
+void ImagePane::setWipe(double part)
+{
+    m_options.wipe = std::clamp(part, 0.0, 1.0);
+    arrange();
 }
 
 double ImagePane::fittingZoom(QSize fullSize) const
 {
     const QSize view = m_view->viewport()->size();
     if (fullSize.isEmpty() || view.isEmpty())
-        return 1;
+        return pixelZoom();
     const double zoom =
         std::min(double(view.width()) / fullSize.width(), double(view.height()) / fullSize.height()) * 0.96;
-    return std::clamp(zoom, kSmallest, 1.0);
+    return std::clamp(zoom, kSmallest, pixelZoom());
 }
 
 double ImagePane::scaleFor(QSize fullSize) const
@@ -134,6 +231,11 @@ void ImagePane::fit()
     m_fitting = true;
     placeScene();
     Q_EMIT zoomChanged();
+}
+
+void ImagePane::showPixels()
+{
+    setZoom(pixelZoom(), m_view->viewport()->rect().center());
 }
 
 void ImagePane::setZoom(double zoom, QPoint anchor)
@@ -152,49 +254,77 @@ void ImagePane::setZoom(double zoom, QPoint anchor)
 void ImagePane::placeScene()
 {
     if (m_fitting)
-        m_zoom = fittingZoom(m_picture.fullSize);
-    m_view->setTransform(QTransform::fromScale(m_zoom, m_zoom));
+        m_zoom = fittingZoom(m_fullSize);
     const QSizeF room = QSizeF(m_view->viewport()->size()) / m_zoom;
-    m_scene.setSceneRect(m_canvas->boundingRect().adjusted(-room.width(), -room.height(), room.width(), room.height()));
+    const QRectF area = m_canvas->boundingRect().adjusted(-room.width(), -room.height(), room.width(), room.height());
+    for (CanvasView* const view : {m_view, m_secondView}) {
+        view->setTransform(QTransform::fromScale(m_zoom, m_zoom));
+        view->setSceneRect(area);
+    }
     if (m_fitting)
         m_view->centerOn(m_canvas);
+    m_secondView->horizontalScrollBar()->setValue(m_view->horizontalScrollBar()->value());
+    m_secondView->verticalScrollBar()->setValue(m_view->verticalScrollBar()->value());
+    placeWipe();
+    showZoom();
     Q_EMIT placed();
 }
 
 bool ImagePane::eventFilter(QObject* object, QEvent* event)
 {
-    if (event->type() == QEvent::MouseMove) {
-        auto* const mouse = static_cast<QMouseEvent*>(event);
-        if (mouse->buttons().testFlag(Qt::MiddleButton)) {
-            const QPoint moved = mouse->pos() - m_lastPosition;
-            m_view->horizontalScrollBar()->setValue(m_view->horizontalScrollBar()->value() - moved.x());
-            m_view->verticalScrollBar()->setValue(m_view->verticalScrollBar()->value() - moved.y());
-            m_fitting = m_fitting && moved.isNull();
-        }
-        m_lastPosition = mouse->pos();
-        showColour(m_view->mapToScene(mouse->pos()));
-    } else if (event->type() == QEvent::MouseButtonPress) {
-        m_lastPosition = static_cast<QMouseEvent*>(event)->pos();
-    } else if (event->type() == QEvent::Leave) {
+    CanvasView& view = object == m_secondView->viewport() ? *m_secondView : *m_view;
+    if (event->type() == QEvent::Leave)
         m_readOut->setText(" ");
+    const bool isMove = event->type() == QEvent::MouseMove;
+    if (isMove || event->type() == QEvent::MouseButtonPress) {
+        const auto& mouse = *static_cast<QMouseEvent*>(event);
+        if (isMove)
+            handleMouse(view, mouse);
+        m_lastPosition = mouse.pos();
+        const bool wipes = mouse.buttons().testFlag(Qt::LeftButton) && mouse.modifiers().testFlag(Qt::ControlModifier);
+        if (wipes && compare() == ViewOptions::Wipe) {
+            moveWipe(mouse.localPos().x());
+            return true;
+        }
     }
-    const bool isOfMouse = event->type() == QEvent::MouseMove || event->type() == QEvent::MouseButtonPress;
-    if (isOfMouse && moveWipe(*static_cast<QMouseEvent*>(event)))
-        return true;
     if (isOfMiddleButton(*event))
         return true; // a mode would scroll as well
     return QWidget::eventFilter(object, event);
 }
 
-void ImagePane::showColour(QPointF position)
+void ImagePane::handleMouse(CanvasView& view, const QMouseEvent& event)
+{
+    if (event.buttons().testFlag(Qt::MiddleButton)) {
+        const QPoint moved = event.pos() - m_lastPosition;
+        view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->value() - moved.x());
+        view.verticalScrollBar()->setValue(view.verticalScrollBar()->value() - moved.y());
+        m_fitting = m_fitting && moved.isNull();
+    }
+    showColour(found(&view == m_secondView, view.mapToScene(event.pos())));
+}
+
+ImagePane::Found ImagePane::found(bool inSecondView, QPointF scenePosition) const
+{
+    const ViewOptions::Compare now = compare();
+    const bool behindWipe =
+        now == ViewOptions::Wipe && scenePosition.x() >= m_options.wipe * m_canvas->boundingRect().width();
+    if (!inSecondView && now != ViewOptions::Second && !behindWipe)
+        return {&picture(), scenePosition};
+    const QSize size = secondPicture().fullSize;
+    const QRectF place = placeOver(size, picture().fullSize);
+    const QPointF in = scenePosition - place.topLeft();
+    return {&secondPicture(), QPointF(in.x() * size.width() / place.width(), in.y() * size.height() / place.height())};
+}
+
+void ImagePane::showColour(const Found& found)
 {
     m_readOut->setText(" ");
-    if (!m_picture.image || m_picture.fullSize.isEmpty())
+    if (!found.picture->image || found.picture->fullSize.isEmpty())
         return;
-    const Ondrel::Image& image = *m_picture.image;
-    const double x = position.x() * image.width / m_picture.fullSize.width();
-    const double y = position.y() * image.height / m_picture.fullSize.height();
-    if (x < 0 || y < 0 || x >= image.width || y >= image.height)
+    const Ondrel::Image& image = *found.picture->image;
+    const double x = found.position.x() * image.width / found.picture->fullSize.width();
+    const double y = found.position.y() * image.height / found.picture->fullSize.height();
+    if (!(x >= 0 && y >= 0 && x < image.width && y < image.height))
         return;
     const std::uint16_t* const pixel = image.data + (std::size_t(y) * image.width + std::size_t(x)) * 4;
     Ondrel::Image one(1, 1);
@@ -202,8 +332,8 @@ void ImagePane::showColour(QPointF position)
     one.colorProfile = image.colorProfile;
     const std::vector<float> lab = Ondrel::ColorManager::toLab(one);
     m_readOut->setText(tr("%1, %2   R %3  G %4  B %5  A %6   L %7  a %8  b %9")
-                           .arg(int(position.x()))
-                           .arg(int(position.y()))
+                           .arg(int(found.position.x()))
+                           .arg(int(found.position.y()))
                            .arg(pixel[0])
                            .arg(pixel[1])
                            .arg(pixel[2])
@@ -211,6 +341,12 @@ void ImagePane::showColour(QPointF position)
                            .arg(double(lab[0]), 0, 'f', 1)
                            .arg(double(lab[1]), 0, 'f', 1)
                            .arg(double(lab[2]), 0, 'f', 1));
+}
+
+void ImagePane::showZoom()
+{
+    const double percent = m_zoom * devicePixelRatioF() * 100;
+    m_zoomText->setText(m_fullSize.isEmpty() ? QString() : tr("%1 %").arg(percent, 0, 'f', percent < 10 ? 1 : 0));
 }
 
 } // namespace Host

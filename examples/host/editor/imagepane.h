@@ -1,13 +1,10 @@
 #pragma once
 
-#include "evaluation.h"
-#include "viewrendering.h"
-#include "worker.h"
+#include "panerenderer.h"
 
 #include <QGraphicsScene>
 #include <QWidget>
 
-class CanvasItem;
 class CanvasView;
 class QLabel;
 class QMouseEvent;
@@ -15,8 +12,12 @@ class QMouseEvent;
 namespace Host
 {
 
+class PictureItem;
+class WipeHandle;
+
 // A view of a picture: rendered for the display, zoomed by the wheel at the mouse, moved by the middle button, with the
-// colour under the mouse below it, in the picture's own space and in Lab.
+// colour under the mouse below it, in the picture's own space and in Lab. A second picture can be compared with it: in
+// its place, behind a line that is dragged, or in a view beside it that shows the same part.
 class ImagePane : public QWidget
 {
     Q_OBJECT
@@ -27,21 +28,27 @@ public:
     // the newest of those that wait; picture() is the one on the screen.
     void setPicture(const Picture& picture);
     void setSecondPicture(const Picture& picture); // to compare with
-    const Picture& picture() const { return m_picture; }
-    const QImage& rendered() const { return m_rendered; } // what is on the screen
-    bool isBusy() const { return m_rendering; }
+    const Picture& picture() const { return m_renderer.first().picture; }
+    const Picture& secondPicture() const { return m_renderer.second().picture; }
+    const Picture& shownPicture() const; // the second one where that is shown in the place of the first
+    QImage rendered() const;             // what is on the screen of picture(), in its pixels
+    QImage secondRendered() const;
+    PaneRenderer& renderer() { return m_renderer; }
+    bool isBusy() const { return m_renderer.isBusy(); }
 
     const ViewOptions& options() const { return m_options; }
     void setOptions(const ViewOptions& options);
     CanvasView& view() { return *m_view; }
-    CanvasItem& canvas() { return *m_canvas; }
-    double zoom() const { return m_zoom; } // screen pixels a pixel of full size
+    CanvasView& secondView() { return *m_secondView; } // hidden but side by side
+    PictureItem& canvas() { return *m_canvas; }
+    double zoom() const { return m_zoom; } // window pixels a pixel of full size
 
-    // The scale that suffices for a picture of this full size as it is shown now.
+    // The scale that suffices for a picture of this full size as it is shown now, on the pixels of the device.
     double scaleFor(QSize fullSize) const;
 
 public Q_SLOTS:
     void fit();
+    void showPixels(); // one pixel of the device for each of the picture
     void setZoom(double zoom, QPoint anchor);
 
 Q_SIGNALS:
@@ -54,29 +61,44 @@ protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private Q_SLOTS:
+    void takeRendered();
     void placeScene();
+    void placeWipe();
+    void moveWipe(double viewX);
 
 private:
-    void render();
-    void show(const Picture& picture, const QImage& rendered);
-    bool moveWipe(const QMouseEvent& event);
-    double fittingZoom(QSize fullSize) const;
-    void showColour(QPointF position);
+    struct Found { // under the mouse
+        const Picture* picture;
+        QPointF position; // in its full size
+    };
 
-    QGraphicsScene m_scene;
-    CanvasItem* m_canvas; // the scene's
+    void addView(CanvasView& view);
+    void arrange();
+    ViewOptions::Compare compare() const; // what the pictures that are there allow
+    void setWipe(double part);
+    void handleMouse(CanvasView& view, const QMouseEvent& event);
+    double fittingZoom(QSize fullSize) const;
+    double pixelZoom() const { return 1 / devicePixelRatioF(); }
+    Found found(bool inSecondView, QPointF scenePosition) const;
+    void showColour(const Found& found);
+    void showZoom();
+
+    QGraphicsScene m_scene, m_secondScene;
+    PictureItem* m_canvas; // the scene's
+    PictureItem* m_secondCanvas;
     CanvasView* m_view;
+    CanvasView* m_secondView;
+    QLabel* m_caption; // over the view
+    QLabel* m_secondCaption;
+    WipeHandle* m_wipe;
     QLabel* m_readOut;
-    Picture m_picture;
-    QImage m_rendered;
-    Picture m_newest, m_second;
+    QLabel* m_zoomText;
+    QSize m_fullSize; // of what the scene is placed for
     ViewOptions m_options;
-    bool m_rendering = false;
-    bool m_again = false; // something has changed since the rendering began
     QPoint m_lastPosition;
     double m_zoom = 1;
     bool m_fitting = true;
-    Worker m_worker; // the first to go: its end waits for what runs
+    PaneRenderer m_renderer; // the first to go: its end waits for what runs
 };
 
 } // namespace Host

@@ -2,6 +2,7 @@
 
 #include "evaluation.h"
 #include "imagepane.h"
+#include "pictureitem.h"
 
 #include "../../mode/canvasview.h"
 

@@ -12,19 +12,28 @@ namespace Host
 ViewMenu::ViewMenu(ImagePane& pane, QWidget* parent)
     : QMenu(tr("Com&pare and proof"), parent)
     , m_pane(pane)
-    , m_second(addOption(tr("&Secondary picture"), "S"))
-    , m_wipe(addOption(tr("&Wipe between both (Ctrl and the mouse move it)"), "W"))
-    , m_clipping(addOption(tr("Mark &clipping"), "M"))
-    , m_proof(addOption(tr("Soft &proof"), "P"))
-    , m_gamut(addOption(tr("Mark colours out of &gamut"), "Shift+P"))
+    , m_second(addOption(tr("&Secondary picture"), "view.second", "S"))
+    , m_wipe(addOption(tr("&Wipe between both"), "view.wipe", "W"))
+    , m_beside(addOption(tr("Side &by side"), "view.beside", "B"))
+    , m_clipping(addOption(tr("Mark &clipping"), "view.clipping", "M"))
+    , m_proof(addOption(tr("Soft &proof"), "view.proof", "P"))
+    , m_gamut(addOption(tr("Mark colours out of &gamut"), "view.gamut", "Shift+P"))
     , m_profiles(addProfiles())
     , m_intents(addIntents())
 {
+    m_wipe->setStatusTip(tr("Drag the line, or anywhere with Ctrl."));
+    insertSeparator(m_clipping);
+    for (const QAction* const action : {m_second, m_wipe, m_beside})
+        connect(action, SIGNAL(triggered()), this, SLOT(compare()));
+    for (const QAction* const action : {m_clipping, m_proof, m_gamut})
+        connect(action, SIGNAL(triggered()), this, SLOT(apply()));
 }
 
-QAction* ViewMenu::addOption(const QString& text, const char* shortcut)
+QAction* ViewMenu::addOption(const QString& text, const char* name, const char* shortcut)
 {
-    QAction* const action = addAction(text, this, SLOT(apply()), QKeySequence(shortcut));
+    QAction* const action = addAction(text);
+    action->setObjectName(name);
+    action->setShortcut(QKeySequence(shortcut));
     action->setCheckable(true);
     return action;
 }
@@ -63,12 +72,20 @@ QActionGroup* ViewMenu::addIntents()
     return group;
 }
 
+void ViewMenu::compare()
+{
+    for (QAction* const action : {m_second, m_wipe, m_beside})
+        action->setChecked(action->isChecked() && action == sender());
+    apply();
+}
+
 void ViewMenu::apply()
 {
     ViewOptions options = m_pane.options();
-    options.compare = m_second->isChecked() ? ViewOptions::Second
-                      : m_wipe->isChecked() ? ViewOptions::Wipe
-                                            : ViewOptions::First;
+    options.compare = m_second->isChecked()   ? ViewOptions::Second
+                      : m_wipe->isChecked()   ? ViewOptions::Wipe
+                      : m_beside->isChecked() ? ViewOptions::SideBySide
+                                              : ViewOptions::First;
     options.marksClipping = m_clipping->isChecked();
     options.proofs = m_proof->isChecked() && m_profiles->checkedAction();
     options.marksGamut = m_gamut->isChecked();

@@ -18,15 +18,17 @@ public:
 
 private Q_SLOTS:
     void apply();
+    void compare(); // by the one that was triggered; the others end
 
 private:
-    QAction* addOption(const QString& text, const char* shortcut);
+    QAction* addOption(const QString& text, const char* name, const char* shortcut);
     QActionGroup* addProfiles();
     QActionGroup* addIntents();
 
     ImagePane& m_pane;
     QAction* m_second;
     QAction* m_wipe;
+    QAction* m_beside;
     QAction* m_clipping;
     QAction* m_proof;
     QAction* m_gamut;

@@ -3,9 +3,8 @@
 #include <ondrel/color/colortransformer.h>
 #include <ondrel/color/softproof.h>
 
-#include <QPainter>
-
 #include <algorithm>
+#include <tuple>
 
 namespace Host
 {
@@ -13,6 +12,7 @@ namespace
 {
 
 constexpr std::uint16_t kTop = 65535;
+constexpr int kSmallestLevel = 256; // pixels across or down; below it, halving saves nothing
 
 void markClipping(const Ondrel::Image& image, QImage& rendered)
 {
@@ -28,8 +28,29 @@ void markClipping(const Ondrel::Image& image, QImage& rendered)
     }
 }
 
-QImage renderOne(const Ondrel::Image& image, const ViewOptions& options)
+} // namespace
+
+bool DisplayOptions::operator==(const DisplayOptions& other) const
 {
+    const auto all = [](const DisplayOptions& o) {
+        return std::tie(o.marksClipping, o.proofs, o.proofProfile, o.proofIntent, o.marksGamut);
+    };
+    return all(*this) == all(other);
+}
+
+const QImage& RenderedPicture::forWidth(double pixels) const
+{
+    std::size_t level = 0;
+    while (level + 1 < levels.size() && levels[level + 1].width() >= pixels)
+        ++level;
+    return levels[level];
+}
+
+QImage renderForView(const Picture& picture, const DisplayOptions& options)
+{
+    if (!picture.image)
+        return QImage();
+    const Ondrel::Image& image = *picture.image;
     QImage rendered =
         options.proofs
             ? Ondrel::ColorTransformer::toQImage(
@@ -40,26 +61,17 @@ QImage renderOne(const Ondrel::Image& image, const ViewOptions& options)
     return rendered;
 }
 
-} // namespace
-
-QImage renderForView(const Picture& first, const Picture& second, const ViewOptions& options)
+RenderedPicture renderWithLevels(const Picture& picture, const DisplayOptions& options)
 {
-    if (!first.image)
-        return QImage();
-    const bool compares = second.image && options.compare != ViewOptions::First;
-    if (compares && options.compare == ViewOptions::Second)
-        return renderOne(*second.image, options);
-    QImage rendered = renderOne(*first.image, options);
-    if (!compares || rendered.isNull())
-        return rendered;
-    const QImage other = renderOne(*second.image, options);
-    const double part = std::clamp(options.wipe, 0.0, 1.0);
-    const double start = part * rendered.width(), otherStart = part * other.width();
-    QPainter painter(&rendered);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(QRectF(start, 0, rendered.width() - start, rendered.height()), other,
-                      QRectF(otherStart, 0, other.width() - otherStart, other.height()));
+    RenderedPicture rendered;
+    QImage level = renderForView(picture, options);
+    while (!level.isNull()) {
+        rendered.levels.push_back(level);
+        const QSize half((level.width() + 1) / 2, (level.height() + 1) / 2);
+        if (std::max(half.width(), half.height()) < kSmallestLevel)
+            break;
+        level = level.scaled(half, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
     return rendered;
 }
 

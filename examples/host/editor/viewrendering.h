@@ -5,23 +5,41 @@
 #include <QByteArray>
 #include <QImage>
 
+#include <vector>
+
 namespace Host
 {
 
-// How pictures are shown in the view.
-struct ViewOptions {
-    enum Compare { First, Second, Wipe };
-    Compare compare = First;
-    double wipe = 0.5;            // where the second picture begins, as a part of the width
+// How a picture is made ready for the display.
+struct DisplayOptions {
     bool marksClipping = false;   // red where a colour is at its end, blue where all are black
     bool proofs = false;          // shows how the picture comes out on another device
     QByteArray proofProfile;      // the device's, by its hash
     unsigned int proofIntent = 1; // of Little CMS
     bool marksGamut = false;      // red where the device cannot reach a colour
+
+    bool operator==(const DisplayOptions& other) const;
 };
 
-// What the view shows, rendered for the display, in the pixels of the first picture; those of the second are scaled to
-// them in a wipe. Without a second picture there is nothing to compare with. Null without a first one. Any thread.
-QImage renderForView(const Picture& first, const Picture& second, const ViewOptions& options);
+// How the pictures of the primary and the secondary node are shown in the view.
+struct ViewOptions : DisplayOptions {
+    enum Compare { First, Second, Wipe, SideBySide };
+    Compare compare = First;
+    double wipe = 0.5; // where the second picture begins, as a part of the width
+};
+
+// A picture for the display: first itself, then forms that are half as large in both directions as the one before, down
+// to what a small window shows. Empty for no picture.
+struct RenderedPicture {
+    std::vector<QImage> levels;
+
+    bool isNull() const { return levels.empty(); }
+    // The smallest form with at least this many pixels across, or the picture itself.
+    const QImage& forWidth(double pixels) const;
+};
+
+// The picture in the pixels that it has. Null without an image. Any thread.
+QImage renderForView(const Picture& picture, const DisplayOptions& options);
+RenderedPicture renderWithLevels(const Picture& picture, const DisplayOptions& options);
 
 } // namespace Host

@@ -1,0 +1,68 @@
+#include "panerenderer.h"
+
+namespace Host
+{
+namespace
+{
+
+PaneRenderer::Shown renderedUnlessSame(const PaneRenderer::Shown& before, const Picture& picture,
+                                       const DisplayOptions& options)
+{
+    PaneRenderer::Shown shown{picture, options, before.rendered};
+    if (picture.image != before.picture.image || !(options == before.options))
+        shown.rendered = renderWithLevels(picture, options);
+    return shown;
+}
+
+} // namespace
+
+void PaneRenderer::setFirst(const Picture& picture)
+{
+    m_newestFirst = picture;
+    render();
+}
+
+void PaneRenderer::setSecond(const Picture& picture)
+{
+    m_newestSecond = picture;
+    render();
+}
+
+void PaneRenderer::setOptions(const DisplayOptions& options)
+{
+    m_options = options;
+    render();
+}
+
+void PaneRenderer::setPaused(bool paused)
+{
+    m_paused = paused;
+    if (paused)
+        return;
+    m_first = Shown();
+    m_second = Shown();
+    render();
+}
+
+void PaneRenderer::render()
+{
+    m_again = m_running || m_paused;
+    if (m_again)
+        return;
+    m_running = true;
+    m_worker.run([this, wanted = m_newestFirst, other = m_newestSecond, options = m_options, first = m_first,
+                  second = m_second]() -> std::function<void()> {
+        const Shown newFirst = renderedUnlessSame(first, wanted, options);
+        const Shown newSecond = renderedUnlessSame(second, other, options);
+        return [this, newFirst, newSecond] {
+            m_running = false;
+            m_first = newFirst;
+            m_second = newSecond;
+            Q_EMIT rendered();
+            if (m_again)
+                render();
+        };
+    });
+}
+
+} // namespace Host

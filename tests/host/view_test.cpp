@@ -1,0 +1,271 @@
+// The view of the editor, by a user's events.
+
+#include "editorfixture.h"
+#include "imagepane.h"
+#include "pictureitem.h"
+#include "pictures.h"
+#include "scene.h"
+#include "wipehandle.h"
+
+#include "../../examples/mode/canvasview.h"
+
+#include <ondrel/color/colormanager.h>
+
+#include <QLabel>
+#include <QScrollBar>
+#include <QTest>
+#include <QWheelEvent>
+
+using namespace Host;
+
+namespace
+{
+
+class View : public Editor
+{
+protected:
+    ImagePane& pane() { return window.imagePane(); }
+    WipeHandle& handle() { return *pane().findChild<WipeHandle*>("wipe"); }
+
+    // The photo as the primary, and a brighter form of it as the secondary picture.
+    void addBrighter()
+    {
+        addChain();
+        play("set Levels gain 40\nshow photo\nselect Levels\nkey 2\nwait");
+        first = renderForView(freshPicture(id("photo")), DisplayOptions());
+        second = renderForView(freshPicture(id("Levels")), DisplayOptions());
+        ASSERT_NE(first, second);
+    }
+
+    // The part of the picture from column x on, `width` wide, as it is on the screen. The picture is shown in its own
+    // pixels, as it is smaller than the view.
+    QImage onScreen(CanvasView& view, int x, int width)
+    {
+        QApplication::processEvents();
+        const QImage all = view.viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        return all.copy(QRect(view.mapFromScene(QPointF(x, 20)), QSize(width, 35))); // below the caption
+    }
+    static QImage part(const QImage& image, int x, int width)
+    {
+        return image.copy(x, 20, width, 35).convertToFormat(QImage::Format_RGB32);
+    }
+
+    QImage first, second;
+};
+
+void wheel(CanvasView& view, QPoint at, int delta)
+{
+    QWheelEvent event(at, view.viewport()->mapToGlobal(at), QPoint(), QPoint(0, delta), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view.viewport(), &event);
+}
+
+void mouse(QWidget& target, QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held,
+           Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+{
+    QMouseEvent event(type, at, target.mapToGlobal(at), button, held, modifiers);
+    QApplication::sendEvent(&target, &event);
+}
+
+} // namespace
+
+TEST_F(View, SecondaryPictureTakesThePlaceOfThePrimaryByAKey)
+{
+    addBrighter();
+    EXPECT_EQ(onScreen(pane().view(), 0, 90), part(first, 0, 90));
+    play("key S\nwait");
+    EXPECT_EQ(onScreen(pane().view(), 0, 90), part(second, 0, 90));
+    EXPECT_TRUE(equalPictures(pane().shownPicture(), freshPicture(id("Levels"))));
+    play("key S\nwait");
+    EXPECT_EQ(onScreen(pane().view(), 0, 90), part(first, 0, 90));
+    EXPECT_TRUE(equalPictures(pane().shownPicture(), freshPicture(id("photo"))));
+}
+
+TEST_F(View, WipeLineIsDraggedByItself)
+{
+    addBrighter();
+    EXPECT_FALSE(handle().isVisible());
+    play("key W\nwait");
+    ASSERT_TRUE(handle().isVisible());
+    EXPECT_EQ(onScreen(pane().view(), 0, 30), part(first, 0, 30));
+    EXPECT_EQ(onScreen(pane().view(), 60, 30), part(second, 60, 30));
+
+    const QPoint grip = handle().rect().center();
+    QTest::mousePress(&handle(), Qt::LeftButton, Qt::NoModifier, grip);
+    mouse(handle(), QEvent::MouseMove, grip + QPoint(-30, 0), Qt::NoButton, Qt::LeftButton);
+    QTest::mouseRelease(&handle(), Qt::LeftButton, Qt::NoModifier, grip);
+    EXPECT_NEAR(pane().options().wipe, 15 / 90.0, 0.02);
+    EXPECT_EQ(onScreen(pane().view(), 30, 60), part(second, 30, 60));
+    EXPECT_NEAR(handle().geometry().center().x(), pane().view().mapFromScene(QPointF(15, 0)).x(), 2);
+
+    mouse(handle(), QEvent::MouseMove, grip + QPoint(40, 0), Qt::NoButton, Qt::NoButton); // without a button
+    EXPECT_NEAR(pane().options().wipe, 15 / 90.0, 0.02);
+    play("key W\nwait");
+    EXPECT_FALSE(handle().isVisible());
+    EXPECT_EQ(onScreen(pane().view(), 0, 90), part(first, 0, 90));
+}
+
+TEST_F(View, WipeMovesByKeysAndByTheMouseWithControl)
+{
+    addBrighter();
+    play("key W\nwait");
+    QTest::keyClick(&handle(), Qt::Key_Right);
+    QTest::keyClick(&handle(), Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_NEAR(pane().options().wipe, 0.41, 1e-9);
+    QWidget& viewport = *pane().view().viewport();
+    mouse(viewport, QEvent::MouseButtonPress, pane().view().mapFromScene(QPointF(72, 30)), Qt::LeftButton,
+          Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_NEAR(pane().options().wipe, 0.8, 0.02);
+}
+
+TEST_F(View, WipeFollowsZoomAndScroll)
+{
+    addBrighter();
+    play("key W\nwait");
+    CanvasView& view = pane().view();
+    wheel(view, view.mapFromScene(QPointF(20, 30)), 600);
+    EXPECT_NEAR(handle().geometry().center().x(), view.mapFromScene(QPointF(45, 0)).x(), 2);
+    view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->value() + 50);
+    EXPECT_NEAR(handle().geometry().center().x(), view.mapFromScene(QPointF(45, 0)).x(), 2);
+}
+
+TEST_F(View, ModeKeepsTheMouseBesideTheGripOfTheWipe)
+{
+    addBrighter();
+    play("add essentials/paint 260 400 Paint\nkey A\nwire photo image Paint image\nselect Paint\nshow Paint\nedit "
+         "Paint\n"
+         "key W\nwait");
+    ASSERT_TRUE(handle().isVisible());
+    const auto strokes = [&] { return value("Paint", "strokes").toList().size(); };
+    const double before = pane().options().wipe;
+    const QPoint onLine(handle().rect().center().x(), 4);
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+        mouse(handle(), type, onLine, Qt::LeftButton, type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton);
+    EXPECT_EQ(strokes(), 1);
+    EXPECT_EQ(pane().options().wipe, before);
+    QTest::mousePress(&handle(), Qt::LeftButton, Qt::NoModifier, handle().rect().center());
+    mouse(handle(), QEvent::MouseMove, handle().rect().center() + QPoint(20, 0), Qt::NoButton, Qt::LeftButton);
+    QTest::mouseRelease(&handle(), Qt::LeftButton);
+    EXPECT_EQ(strokes(), 1);
+    EXPECT_GT(pane().options().wipe, before);
+}
+
+TEST_F(View, BothPicturesSideBySideZoomAndScrollTogether)
+{
+    addBrighter();
+    EXPECT_FALSE(pane().secondView().isVisible());
+    play("key B\nwait");
+    CanvasView &left = pane().view(), &right = pane().secondView();
+    ASSERT_TRUE(right.isVisible());
+    EXPECT_EQ(onScreen(left, 0, 90), part(first, 0, 90));
+    EXPECT_EQ(onScreen(right, 0, 90), part(second, 0, 90));
+
+    const auto expectTogether = [&] {
+        EXPECT_EQ(left.transform(), right.transform());
+        EXPECT_EQ(left.mapFromScene(QPointF(10, 10)), right.mapFromScene(QPointF(10, 10)));
+    };
+    expectTogether();
+    wheel(right, right.mapFromScene(QPointF(70, 50)), 900);
+    EXPECT_GT(pane().zoom(), 2);
+    expectTogether();
+    const QPoint before = left.mapFromScene(QPointF(10, 10));
+    mouse(*right.viewport(), QEvent::MouseButtonPress, QPoint(100, 100), Qt::MiddleButton, Qt::MiddleButton);
+    mouse(*right.viewport(), QEvent::MouseMove, QPoint(130, 80), Qt::NoButton, Qt::MiddleButton);
+    expectTogether();
+    EXPECT_EQ(left.mapFromScene(QPointF(10, 10)), before + QPoint(30, -20));
+    play("key Ctrl+0\nkey B\nwait");
+    EXPECT_FALSE(right.isVisible());
+    EXPECT_EQ(onScreen(left, 0, 90), part(first, 0, 90));
+}
+
+TEST_F(View, OneWayToCompareEndsTheOther)
+{
+    addBrighter();
+    play("key B\nkey W\nwait");
+    EXPECT_FALSE(pane().secondView().isVisible());
+    EXPECT_TRUE(handle().isVisible());
+    play("key S\nwait");
+    EXPECT_FALSE(handle().isVisible());
+    EXPECT_EQ(pane().options().compare, ViewOptions::Second);
+}
+
+TEST_F(View, ReadOutIsOfThePictureUnderThePointer)
+{
+    addBrighter();
+    play("key W\nwait");
+    const QLabel* readOut = nullptr;
+    for (const QLabel* const label : pane().findChildren<QLabel*>()) {
+        if (label->accessibleName() == "Colour under the pointer")
+            readOut = label;
+    }
+    ASSERT_TRUE(readOut);
+    const auto expectAt = [&](CanvasView& view, int x, const Picture& picture) {
+        mouse(*view.viewport(), QEvent::MouseMove, view.mapFromScene(QPointF(x, 30)), Qt::NoButton, Qt::NoButton);
+        const std::uint16_t* const p = picture.image->data + (30 * 90 + x) * 4;
+        const QString wanted = QString("%1, 30   R %2  G %3  B %4 ").arg(x).arg(p[0]).arg(p[1]).arg(p[2]);
+        EXPECT_TRUE(readOut->text().startsWith(wanted)) << qPrintable(readOut->text()) << qPrintable(wanted);
+    };
+    const Picture photo = freshPicture(id("photo")), bright = freshPicture(id("Levels"));
+    expectAt(pane().view(), 10, photo);
+    expectAt(pane().view(), 80, bright);
+    play("key B\nwait");
+    expectAt(pane().view(), 80, photo);
+    expectAt(pane().secondView(), 10, bright);
+}
+
+TEST_F(View, MarksClippingAndProofs)
+{
+    play("key M\nwait");
+    const Picture picture = freshPicture(id("photo"));
+    const QImage marked = pane().rendered();
+    const QImage plain = renderForView(picture, DisplayOptions());
+    int marks = 0;
+    for (int y = 0; y < 60; ++y) {
+        for (int x = 0; x < 90; ++x) {
+            const std::uint16_t* const p = picture.image->data + (y * 90 + x) * 4;
+            const bool high = p[0] == 65535 || p[1] == 65535 || p[2] == 65535, low = p[0] + p[1] + p[2] == 0;
+            marks += high || low ? 1 : 0;
+            const QRgb wanted = high ? qRgb(255, 0, 0) : low ? qRgb(0, 0, 255) : plain.pixel(x, y);
+            ASSERT_EQ(marked.pixel(x, y), wanted) << x << ", " << y;
+        }
+    }
+    EXPECT_GT(marks, 0);
+    play("key M\nkey P\nkey Shift+P\nwait");
+    DisplayOptions options;
+    options.proofs = options.marksGamut = true;
+    options.proofProfile = QByteArray(reinterpret_cast<const char*>(Ondrel::DefaultColorProfileHash.data()), 32);
+    EXPECT_EQ(pane().options().proofProfile, options.proofProfile);
+    EXPECT_EQ(pane().rendered(), renderForView(picture, options));
+}
+
+// Lines of one pixel, black and white: a picture that is shrunk by leaving out pixels is all black or all white.
+TEST_F(View, ShrinksSmoothly)
+{
+    QImage lines(2000, 1600, QImage::Format_RGB888);
+    for (int x = 0; x < lines.width(); ++x) {
+        for (int y = 0; y < lines.height(); ++y)
+            lines.setPixelColor(x, y, x % 2 == 0 ? Qt::black : Qt::white);
+    }
+    ASSERT_TRUE(lines.save(path("lines.png")));
+    play("import " + path("lines.png") + " 0 300\nshow lines\nwait");
+    ASSERT_LT(pane().zoom(), 0.5);
+    const QImage shown = pane().view().viewport()->grab().toImage();
+    const QPoint middle = pane().view().mapFromScene(QPointF(1000, 800));
+    for (int x = -20; x < 20; ++x) {
+        const int grey = qGray(shown.pixel(middle + QPoint(x, x)));
+        EXPECT_GT(grey, 80) << x;
+        EXPECT_LT(grey, 180) << x;
+    }
+    play("key Ctrl+1"); // each pixel is to be seen again
+    QApplication::processEvents();
+    const QImage pixels = pane().view().viewport()->grab().toImage();
+    EXPECT_GT(std::abs(qGray(pixels.pixel(200, 100)) - qGray(pixels.pixel(201, 100))), 250);
+}
+
+TEST(PictureItem, ComparedPictureLiesInTheMiddleOfTheOther)
+{
+    EXPECT_EQ(placeOver(QSize(50, 50), QSize(100, 60)), QRectF(20, 0, 60, 60));
+    EXPECT_EQ(placeOver(QSize(200, 50), QSize(100, 60)), QRectF(0, 17.5, 100, 25));
+    EXPECT_EQ(placeOver(QSize(33, 20), QSize(100, 60)), QRectF(0, 0, 100, 60)); // rounded
+    EXPECT_TRUE(placeOver(QSize(), QSize(100, 60)).isEmpty());
+}
