@@ -26,7 +26,7 @@ struct Project {
 struct ProjectReading {
     std::optional<Project> project;
     QString error;     // a sentence, with line and column where the file is at fault
-    QStringList notes; // what was found missing, one sentence each: pictures, kinds of nodes
+    QStringList notes; // one sentence each: pictures and kinds of nodes that are missing, pictures that were mended
 };
 
 // A project file is JSON, told apart by {"format": "ondrel-project", "version": 1}. Whatever is not as this version

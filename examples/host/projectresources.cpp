@@ -1,5 +1,6 @@
 #include "projectresources.h"
 
+#include "imageimport.h"
 #include "settledprofiles.h"
 
 #include <ondrel/resources/imagebuffer.h>
@@ -67,14 +68,13 @@ std::uint32_t insertRecord(Records& records, const StoredResource& resource)
     return id.id;
 }
 
-std::uint32_t addFile(const StoredResource& resource)
+std::uint32_t addFile(const StoredResource& resource, QStringList& notes)
 {
-    Ondrel::ResourceId id;
-    if (resource.form == StoredResource::RawFile)
-        ResourceEngine::Get().AddRawImage(localName(resource.path), id);
-    else
-        ResourceEngine::Get().AddImage(localName(resource.path), id);
-    return id.id;
+    const Import import =
+        resource.form == StoredResource::RawFile ? importRawImage(resource.path) : importImage(resource.path);
+    if (!import.note.isEmpty())
+        notes.append(import.note);
+    return import.id.id;
 }
 
 bool hasSize(std::uint32_t handle)
@@ -91,7 +91,7 @@ std::vector<std::uint32_t> addToStore(const std::vector<StoredResource>& resourc
     bool validate = false, missing = false;
     for (std::size_t i = 0; i < resources.size(); ++i) {
         if (!resources[i].embedded)
-            handles[i] = addFile(resources[i]);
+            handles[i] = addFile(resources[i], notes);
         validate = validate || resources[i].embedded;
         missing = missing || handles[i] == 0;
     }

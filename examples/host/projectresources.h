@@ -21,7 +21,8 @@ struct StoredResource {
 };
 
 // Adds the pictures to the store, those with bytes in one go, and gives their handles in the same order. One that
-// cannot be read gets a handle of which the store knows but the path; a note says so.
+// cannot be read gets a handle of which the store knows but the path; a note says so. Files are added as importImage()
+// does, with its notes.
 std::vector<std::uint32_t> addToStore(const std::vector<StoredResource>& resources, QStringList& notes);
 
 // What the store has of a handle; with the bytes only if they are wanted or there is no path. A handle that is unknown,

@@ -161,6 +161,31 @@ TEST_F(Batch, ResultsDoNotDependOnTheSplit)
     EXPECT_TRUE(contents("one") == contents("shards"));
 }
 
+// A grey file becomes the picture that the same values in three colours give, and it is told.
+TEST_F(Batch, MendedPicturesAreTold)
+{
+    QImage grey(30, 20, QImage::Format_Grayscale8), colour(30, 20, QImage::Format_RGB888);
+    for (int y = 0; y < grey.height(); ++y) {
+        for (int x = 0; x < grey.width(); ++x) {
+            grey.setPixelColor(x, y, QColor(x * 8, x * 8, x * 8));
+            colour.setPixelColor(x, y, QColor(x * 8, x * 8, x * 8));
+        }
+    }
+    ASSERT_TRUE(QDir(folder.path()).mkpath("grey") && QDir(folder.path()).mkpath("colour"));
+    ASSERT_TRUE(grey.save(path("grey/scan.png")) && colour.save(path("colour/scan.png")));
+    const Finished given = render({"--input", "Photo=" + path("grey/scan.png"), "--out", path("out/{name}.png")});
+    EXPECT_EQ(given.status, 0);
+    EXPECT_TRUE(given.errors.contains("\"scan.png\" is grey")) << qPrintable(given.errors);
+    const Finished over = render({"--over", "Photo", path("grey/*.png"), "--out", path("mended/{name}.png"), "--json"});
+    EXPECT_EQ(over.status, 0);
+    EXPECT_TRUE(over.errors.contains("\"scan.png\" is grey")) << qPrintable(over.errors);
+    const Json note = Json::parse(over.output.section('\n', 0, 0).toStdString());
+    EXPECT_EQ(note.at("event"), "note");
+    EXPECT_EQ(QString::fromStdString(note.at("text")), over.errors.trimmed().section('\n', -1));
+    EXPECT_EQ(render({"--over", "Photo", path("colour/*.png"), "--out", path("plain/{name}.png")}).status, 0);
+    EXPECT_TRUE(contents("mended") == contents("plain"));
+}
+
 TEST_F(Batch, OneAndManyThreadsGiveTheSameBytes)
 {
     ASSERT_EQ(render(over("many")).status, 0);

@@ -1,11 +1,12 @@
 #include "importer.h"
 
 #include "document.h"
+#include "imageimport.h"
 #include "scene.h"
 
-#include <ondrel/resources/resourceengine.h>
-
 #include <QFileInfo>
+
+#include <new>
 
 namespace Host
 {
@@ -21,13 +22,17 @@ void Importer::import(const QStringList& files, QPointF at)
 {
     for (const QString& file : files) {
         m_worker.run([this, file, at]() -> std::function<void()> {
-            Ondrel::ResourceId id;
-            const bool added = ResourceEngine::Get().AddImage(file.toStdString(), id);
-            return [this, file, id, added, at] {
-                if (added)
-                    addNode(file, id, at);
-                else
-                    Q_EMIT message(tr("%1 is no image that can be read.").arg(file));
+            Import made;
+            try {
+                made = importImage(file);
+            } catch (const std::bad_alloc&) { // told as any other file that cannot be read
+            }
+            return [this, file, made, at] {
+                if (made.id.id != 0)
+                    addNode(file, made.id, at);
+                const QString text = made.id.id != 0 ? made.note : tr("%1 is no image that can be read.").arg(file);
+                if (!text.isEmpty())
+                    Q_EMIT message(text);
             };
         });
         at += QPointF(40, 40);

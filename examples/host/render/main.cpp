@@ -73,8 +73,9 @@ int run(const Options& options)
     const Plan plan = makePlan(*reading.project, types, options);
     if (!plan.error.isEmpty())
         return complain(plan.error);
-    warn(reading.notes);
     Report report(out, options.json, plan.jobs.size());
+    for (const QString& note : reading.notes + plan.notes)
+        report.note(note);
     if (options.dryRun) {
         for (const Job& job : plan.jobs)
             report.planned(job);

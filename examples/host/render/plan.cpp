@@ -1,7 +1,7 @@
 #include "plan.h"
 
+#include "imageimport.h"
 #include "pictureexport.h"
-#include "settledprofiles.h"
 #include "values.h"
 
 #include <ondrel/resources/resourceengine.h>
@@ -51,26 +51,27 @@ QString pictureField(const NodeRecord& node, const NodeTypes& types)
     throw Refusal{QString("\"%1\" takes no picture.").arg(node.name)};
 }
 
-QVariant addPicture(const QString& file, bool raw)
+QVariant addPicture(const QString& file, bool raw, QStringList& notes)
 {
-    const std::string name = QFile::encodeName(QFileInfo(file).absoluteFilePath()).toStdString();
-    Ondrel::ResourceId id;
-    if (!(raw ? ResourceEngine::Get().AddRawImage(name, id) : ResourceEngine::Get().AddImage(name, id)))
+    const QString place = QFileInfo(file).absoluteFilePath();
+    const Import import = raw ? importRawImage(place) : importImage(place);
+    if (import.id.id == 0)
         throw Refusal{QString("\"%1\" cannot be read as a picture.").arg(file)};
-    settleProfiles();
-    return QVariant::fromValue(id);
+    if (!import.note.isEmpty())
+        notes.append(import.note);
+    return QVariant::fromValue(import.id);
 }
 
-void apply(const Options::Setting& setting, Graph& graph, const NodeTypes& types)
+void apply(const Options::Setting& setting, Plan& plan, const NodeTypes& types)
 {
-    NodeRecord& node = graph.nodes.at(nodeNamed(graph, setting.node));
+    NodeRecord& node = plan.graph.nodes.at(nodeNamed(plan.graph, setting.node));
     const NodeType& type = typeOf(node, types);
     const InputInfo* const input = type.input(setting.field);
     if (!input)
         throw Refusal{QString("\"%1\" has no field \"%2\".").arg(setting.node, setting.field)};
     QVariant value;
     if (input->kind == "resource")
-        value = addPicture(setting.value, takesRaw(type));
+        value = addPicture(setting.value, takesRaw(type), plan.notes);
     else if (!valueFromText(setting.value, input->kind, input->choices, value))
         throw Refusal{QString("\"%1\" is no value for \"%2\" of \"%3\"%4.")
                           .arg(setting.value, setting.field, setting.node,
@@ -182,11 +183,11 @@ Plan makePlan(const Project& project, const NodeTypes& types, const Options& opt
     plan.graph = project.graph;
     try {
         for (const Options::Setting& setting : options.settings)
-            apply(setting, plan.graph, types);
+            apply(setting, plan, types);
         for (const Options::Input& input : options.inputs) {
             NodeRecord& node = plan.graph.nodes.at(nodeNamed(plan.graph, input.node));
             const QString field = pictureField(node, types);
-            node.values.insert(field, addPicture(input.file, takesRaw(typeOf(node, types))));
+            node.values.insert(field, addPicture(input.file, takesRaw(typeOf(node, types)), plan.notes));
         }
         if (!options.overGlob.isEmpty()) {
             plan.overNode = nodeNamed(plan.graph, options.overNode);

@@ -22,6 +22,7 @@ struct Plan {
     Host::NodeId overNode = 0;
     QString overField;
     std::vector<Job> jobs; // of this shard
+    QStringList notes;     // on the pictures that the command line names, in sentences
     QString error;         // why it cannot begin, in a sentence
 };
 

@@ -1,10 +1,10 @@
 #include "renderer.h"
 
 #include "evaluation.h"
+#include "imageimport.h"
 #include "memorygate.h"
 #include "pictureexport.h"
 #include "resultcache.h"
-#include "settledprofiles.h"
 
 #include <ondrel/resources/resourceengine.h>
 
@@ -33,26 +33,23 @@ class StoredPicture
 {
 public:
     StoredPicture(const QString& file, bool raw)
+        : m_import(raw ? importRawImage(QFileInfo(file).absoluteFilePath())
+                       : importImage(QFileInfo(file).absoluteFilePath()))
     {
-        const std::string name = QFile::encodeName(QFileInfo(file).absoluteFilePath()).toStdString();
-        ResourceEngine& store = ResourceEngine::Get();
-        m_isThere = raw ? store.AddRawImage(name, m_id) : store.AddImage(name, m_id);
-        settleProfiles();
     }
     ~StoredPicture()
     {
-        if (m_isThere)
-            ResourceEngine::Get().RemoveResource(m_id);
+        if (isThere())
+            ResourceEngine::Get().RemoveResource(m_import.id);
     }
     StoredPicture(const StoredPicture&) = delete;
     StoredPicture& operator=(const StoredPicture&) = delete;
 
-    bool isThere() const { return m_isThere; }
-    Ondrel::ResourceId id() const { return m_id; }
+    bool isThere() const { return m_import.id.id != 0; }
+    const Import& import() const { return m_import; }
 
 private:
-    Ondrel::ResourceId m_id;
-    bool m_isThere = false;
+    Import m_import;
 };
 
 class Admission
@@ -178,7 +175,9 @@ private:
             picture.emplace(job.input, type && takesRaw(*type));
             if (!picture->isThere())
                 return "It cannot be read as a picture.";
-            node.values.insert(m_plan.overField, QVariant::fromValue(picture->id()));
+            node.values.insert(m_plan.overField, QVariant::fromValue(picture->import().id));
+            if (!picture->import().note.isEmpty())
+                m_report.note(picture->import().note);
         }
         const std::size_t bytes = bytesFor(graph, m_types, job.outputNode) + std::size_t(QFileInfo(job.input).size());
         const Admission admission(m_gate, bytes);

@@ -21,6 +21,15 @@ Report::Report(std::FILE* out, bool json, std::size_t jobs)
     m_clock.start();
 }
 
+void Report::note(const QString& sentence)
+{
+    const std::lock_guard lock(m_mutex);
+    erase();
+    std::fprintf(stderr, "%s\n", sentence.toUtf8().constData());
+    if (m_json)
+        print({{"event", "note"}, {"text", sentence.toStdString()}});
+}
+
 void Report::planned(const Job& job)
 {
     line(job.isDone ? "skip" : "render", job);

@@ -17,7 +17,8 @@ class Report
 public:
     Report(std::FILE* out, bool json, std::size_t jobs);
 
-    void planned(const Job& job); // for a dry run
+    void note(const QString& sentence); // on what was read; also as JSON
+    void planned(const Job& job);       // for a dry run
     void skipped(const Job& job);
     void done(const Job& job, qint64 milliseconds);
     void failed(const Job& job, const QString& reason);
