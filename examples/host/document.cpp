@@ -4,7 +4,9 @@
 #include "values.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
+#include <tuple>
 
 namespace Host
 {
@@ -13,24 +15,34 @@ namespace
 
 constexpr std::size_t kUndoBytes = std::size_t(64) << 20;
 
-void eraseTouching(Graph& graph, NodeId id)
+// The graph's connections but for some.
+template <class Predicate>
+std::vector<Connection> connectionsWithout(const Graph& graph, Predicate goes)
 {
-    auto& all = graph.connections;
-    all.erase(std::remove_if(all.begin(), all.end(), [id](const Connection& c) { return c.from == id || c.to == id; }),
-              all.end());
-}
-
-void eraseInto(Graph& graph, NodeId id, const QString& input)
-{
-    auto& all = graph.connections;
-    all.erase(
-        std::remove_if(all.begin(), all.end(), [&](const Connection& c) { return c.to == id && c.input == input; }),
-        all.end());
+    std::vector<Connection> kept;
+    std::remove_copy_if(graph.connections.begin(), graph.connections.end(), std::back_inserter(kept), goes);
+    return kept;
 }
 
 bool contains(const Graph& graph, const Connection& connection)
 {
     return std::find(graph.connections.begin(), graph.connections.end(), connection) != graph.connections.end();
+}
+
+bool comesBefore(const Connection& a, const Connection& b)
+{
+    return std::tie(a.from, a.to, a.output, a.input) < std::tie(b.from, b.to, b.output, b.input);
+}
+
+// Those of the first list that are not in the second, in the order of the first.
+std::vector<Connection> missing(const std::vector<Connection>& wanted, std::vector<Connection> there)
+{
+    std::sort(there.begin(), there.end(), comesBefore);
+    std::vector<Connection> result;
+    std::remove_copy_if(wanted.begin(), wanted.end(), std::back_inserter(result), [&there](const Connection& each) {
+        return std::binary_search(there.begin(), there.end(), each, comesBefore);
+    });
+    return result;
 }
 
 // What stands in the way of a wire when its node becomes one of another kind.
@@ -56,10 +68,13 @@ Document::Document(const NodeTypes& types, QObject* parent)
     qRegisterMetaType<Host::Connection>("Host::Connection");
 }
 
+Document::~Document() = default;
+
 void Document::load(const Graph& graph)
 {
     m_undoStack.clear();
     m_depth = 0;
+    m_step.reset();
     m_graph = graph;
     Q_EMIT reset();
     Q_EMIT changed();
@@ -69,7 +84,7 @@ void Document::beginStep(const QString& text)
 {
     if (m_depth++ == 0) {
         m_stepText = text;
-        m_stepStart = m_graph;
+        m_step = std::make_unique<GraphChange>();
     }
 }
 
@@ -77,74 +92,80 @@ void Document::endStep()
 {
     if (m_depth == 0 || --m_depth > 0)
         return;
-    finishStep(m_stepText, m_stepStart, QString());
+    finishStep(QString());
 }
 
-void Document::edit(const QString& text, const Graph& next, const QString& mergeKey)
+void Document::edit(const QString& text, const GraphChange& change, const QString& mergeKey)
 {
-    const Graph before = m_graph;
-    ++m_depth; // edits by those who are told belong to this step
-    transition(next);
+    beginStep(text); // edits by those who are told belong to this step
+    m_step->append(change);
+    apply(change, true);
     if (--m_depth == 0)
-        finishStep(text, before, mergeKey);
+        finishStep(mergeKey);
 }
 
-void Document::finishStep(const QString& text, const Graph& before, const QString& mergeKey)
+void Document::finishStep(const QString& mergeKey)
 {
-    const GraphChange change = GraphChange::between(before, m_graph);
-    if (!change.empty())
-        m_undoStack.push(std::make_unique<EditCommand>(*this, text, change, mergeKey));
+    const std::unique_ptr<GraphChange> step = std::move(m_step);
+    step->dropUnchanged();
+    if (!step->empty())
+        m_undoStack.push(std::make_unique<EditCommand>(*this, m_stepText, *step, mergeKey));
 }
 
-void Document::transition(const Graph& next)
+void Document::apply(const GraphChange& change, bool forwards)
 {
-    const Graph before = m_graph;
-    tellGone(next);
-    m_graph = next;
-    tellNew(before);
+    tellGone(change, forwards);
+    change.apply(m_graph, forwards);
+    tellNew(change, forwards);
     Q_EMIT changed();
 }
 
 // Views let go of what goes while it is still there to be asked.
-void Document::tellGone(const Graph& next)
+void Document::tellGone(const GraphChange& change, bool forwards)
 {
-    for (const Connection& connection : std::vector<Connection>(m_graph.connections)) {
-        if (!contains(next, connection))
+    if (change.connections) {
+        const auto& [before, after] = *change.connections;
+        for (const Connection& connection : missing(forwards ? before : after, forwards ? after : before))
             Q_EMIT connectionRemoved(connection);
     }
-    for (const auto& [id, record] : Graph(m_graph).nodes) {
-        if (next.nodes.count(id) == 0)
+    for (const auto& [id, pair] : change.nodes) {
+        if ((forwards ? pair.before : pair.after) && !(forwards ? pair.after : pair.before))
             Q_EMIT nodeRemoved(id);
     }
 }
 
-void Document::tellNew(const Graph& before)
+void Document::tellNew(const GraphChange& change, bool forwards)
 {
-    const Graph now = m_graph;
-    for (const auto& [id, record] : now.nodes) {
-        const NodeRecord* const old = before.node(id);
-        if (!old) {
+    for (const auto& [id, pair] : change.nodes) {
+        const auto& old = forwards ? pair.before : pair.after;
+        const auto& now = forwards ? pair.after : pair.before;
+        if (now && old)
+            tellOfNode(*old, *now);
+        else if (now)
             Q_EMIT nodeAdded(id);
-            continue;
-        }
-        std::set<QString> fields;
-        for (const QString& field : old->values.keys() + record.values.keys())
-            fields.insert(field);
-        for (const QString& field : fields) {
-            if (!sameValue(old->values.value(field), record.values.value(field)))
-                Q_EMIT valueChanged(id, field);
-        }
-        NodeRecord rest = *old;
-        rest.values = record.values;
-        if (!(rest == record))
-            Q_EMIT nodeChanged(id);
     }
-    for (const Connection& connection : now.connections) {
-        if (!contains(before, connection))
+    if (change.connections) {
+        const auto& [before, after] = *change.connections;
+        for (const Connection& connection : missing(forwards ? after : before, forwards ? before : after))
             Q_EMIT connectionAdded(connection);
     }
-    if (!(before.frames == now.frames))
+    if (!change.frames.empty())
         Q_EMIT framesChanged();
+}
+
+void Document::tellOfNode(const NodeRecord& old, const NodeRecord& now)
+{
+    std::set<QString> fields;
+    for (const QString& field : old.values.keys() + now.values.keys())
+        fields.insert(field);
+    for (const QString& field : fields) {
+        if (!sameValue(old.values.value(field), now.values.value(field)))
+            Q_EMIT valueChanged(now.id, field);
+    }
+    NodeRecord rest = old;
+    rest.values = now.values;
+    if (!(rest == now))
+        Q_EMIT nodeChanged(now.id);
 }
 
 NodeId Document::freeId(const Graph& graph) const
@@ -157,25 +178,28 @@ NodeId Document::addNode(const QString& type, QPointF position, const QString& n
     const NodeType* const known = m_types.find(type);
     if (!known)
         return 0;
-    Graph next = m_graph;
     NodeRecord record;
-    record.id = freeId(next);
+    record.id = freeId(m_graph);
     record.type = type;
-    record.name = uniqueName(next, name.isEmpty() ? known->title : name);
+    record.name = uniqueName(m_graph, name.isEmpty() ? known->title : name);
     record.position = position;
-    next.nodes[record.id] = record;
-    edit(tr("Add %1").arg(known->title), next);
+    GraphChange change;
+    change.nodes[record.id] = {std::nullopt, record};
+    edit(tr("Add %1").arg(known->title), change);
     return record.id;
 }
 
 void Document::removeNodes(const std::vector<NodeId>& ids)
 {
-    Graph next = m_graph;
+    GraphChange change;
     for (const NodeId id : ids) {
-        eraseTouching(next, id);
-        next.nodes.erase(id);
+        if (const NodeRecord* const record = m_graph.node(id))
+            change.nodes[id] = {*record, std::nullopt};
     }
-    edit(ids.size() == 1 ? tr("Delete node") : tr("Delete nodes"), next);
+    change.setConnections(m_graph.connections, connectionsWithout(m_graph, [&change](const Connection& each) {
+                              return change.nodes.count(each.from) != 0 || change.nodes.count(each.to) != 0;
+                          }));
+    edit(ids.size() == 1 ? tr("Delete node") : tr("Delete nodes"), change);
 }
 
 QString Document::addConnection(const Connection& connection)
@@ -183,19 +207,23 @@ QString Document::addConnection(const Connection& connection)
     const QString reason = whyNotConnect(m_graph, m_types, connection);
     if (!reason.isEmpty() || contains(m_graph, connection))
         return reason;
-    Graph next = m_graph;
-    eraseInto(next, connection.to, connection.input);
-    next.connections.push_back(connection);
-    edit(tr("Connect"), next);
+    std::vector<Connection> next = connectionsWithout(m_graph, [&connection](const Connection& each) {
+        return each.to == connection.to && each.input == connection.input;
+    });
+    next.push_back(connection);
+    GraphChange change;
+    change.setConnections(m_graph.connections, next);
+    edit(tr("Connect"), change);
     return QString();
 }
 
 void Document::removeConnection(const Connection& connection)
 {
-    Graph next = m_graph;
-    next.connections.erase(std::remove(next.connections.begin(), next.connections.end(), connection),
-                           next.connections.end());
-    edit(tr("Disconnect"), next);
+    GraphChange change;
+    change.setConnections(m_graph.connections, connectionsWithout(m_graph, [&connection](const Connection& each) {
+                              return each == connection;
+                          }));
+    edit(tr("Disconnect"), change);
 }
 
 void Document::setValue(NodeId id, const QString& field, const QVariant& value, int gesture)
@@ -205,103 +233,124 @@ void Document::setValue(NodeId id, const QString& field, const QVariant& value, 
         return;
     const NodeType* const type = m_types.find(record->type);
     const InputInfo* const input = type ? type->input(field) : nullptr;
-    Graph next = m_graph;
-    QVariantMap& values = next.nodes[id].values;
+    NodeRecord next = *record;
     if (input && sameValue(input->initial, value))
-        values.remove(field);
+        next.values.remove(field);
     else
-        values.insert(field, value);
-    edit(tr("Change %1").arg(input && !input->label.isEmpty() ? input->label : field), next,
-         gesture == 0 ? QString() : QString("value %1 %2 %3").arg(gesture).arg(id).arg(field));
+        next.values.insert(field, value);
+    editNode(tr("Change %1").arg(input && !input->label.isEmpty() ? input->label : field), next,
+             gesture == 0 ? QString() : QString("value %1 %2 %3").arg(gesture).arg(id).arg(field));
+}
+
+// Of a node that exists.
+void Document::editNode(const QString& text, const NodeRecord& next, const QString& mergeKey)
+{
+    GraphChange change;
+    change.nodes[next.id] = {m_graph.nodes.at(next.id), next};
+    edit(text, change, mergeKey);
 }
 
 void Document::moveNodes(const std::map<NodeId, QPointF>& positions, int gesture)
 {
-    Graph next = m_graph;
+    GraphChange change;
     for (const auto& [id, position] : positions) {
-        if (next.nodes.count(id) != 0)
-            next.nodes[id].position = position;
+        const NodeRecord* const record = m_graph.node(id);
+        if (!record)
+            continue;
+        NodeRecord next = *record;
+        next.position = position;
+        change.nodes[id] = {*record, next};
     }
-    edit(tr("Move"), next, gesture == 0 ? QString() : QString("move %1").arg(gesture));
+    edit(tr("Move"), change, gesture == 0 ? QString() : QString("move %1").arg(gesture));
 }
 
 bool Document::renameNode(NodeId id, const QString& name)
 {
+    const NodeRecord* const record = m_graph.node(id);
     const NodeRecord* const holder = m_graph.nodeByName(name);
-    if (name.isEmpty() || !m_graph.node(id) || (holder && holder->id != id))
+    if (name.isEmpty() || !record || (holder && holder->id != id))
         return false;
-    Graph next = m_graph;
-    next.nodes[id].name = name;
-    edit(tr("Rename"), next);
+    NodeRecord next = *record;
+    next.name = name;
+    editNode(tr("Rename"), next);
     return true;
 }
 
 void Document::setBypassed(NodeId id, bool bypassed)
 {
-    if (!m_graph.node(id))
+    const NodeRecord* const record = m_graph.node(id);
+    if (!record)
         return;
-    Graph next = m_graph;
-    next.nodes[id].bypassed = bypassed;
-    edit(bypassed ? tr("Bypass") : tr("Use again"), next);
+    NodeRecord next = *record;
+    next.bypassed = bypassed;
+    editNode(bypassed ? tr("Bypass") : tr("Use again"), next);
 }
 
 bool Document::replaceNode(NodeId id, const QString& typeId)
 {
     const NodeType* const type = m_types.find(typeId);
-    if (!type || !m_graph.node(id))
+    const NodeRecord* const record = m_graph.node(id);
+    if (!type || !record)
         return false;
     Graph next = m_graph;
-    NodeRecord& record = next.nodes[id];
-    record.type = typeId;
-    record.unread = QJsonObject();
-    for (const QString& field : record.values.keys()) {
+    NodeRecord& made = next.nodes[id];
+    made.type = typeId;
+    made.unread = QJsonObject();
+    for (const QString& field : made.values.keys()) {
         if (!type->input(field))
-            record.values.remove(field);
+            made.values.remove(field);
     }
-    for (const Connection& connection : m_graph.touching(id)) {
-        if (!fits(next, m_types, connection))
-            next.connections.erase(std::find(next.connections.begin(), next.connections.end(), connection));
-    }
-    record.name = uniqueName(next, type->title);
+    made.name = uniqueName(next, type->title);
+    const std::vector<Connection> others =
+        connectionsWithout(m_graph, [id](const Connection& each) { return each.from == id || each.to == id; });
+    const std::vector<Connection> kept = connectionsWithout(
+        next, [&](const Connection& each) { return (each.from == id || each.to == id) && !fits(next, m_types, each); });
     // The item is made anew: it goes and comes back.
-    Graph without = m_graph;
-    eraseTouching(without, id);
-    without.nodes.erase(id);
+    GraphChange going, coming;
+    going.nodes[id] = {*record, std::nullopt};
+    going.setConnections(m_graph.connections, others);
+    coming.nodes[id] = {std::nullopt, made};
+    coming.setConnections(others, kept);
     beginStep(tr("Replace by %1").arg(type->title));
-    transition(without);
-    transition(next);
+    edit(QString(), going);
+    edit(QString(), coming);
     endStep();
     return true;
 }
 
 quint64 Document::addFrame(const QString& title, const QRectF& area)
 {
-    Graph next = m_graph;
-    const quint64 id = next.frames.empty() ? 1 : next.frames.rbegin()->first + 1;
-    next.frames[id] = {id, title, area};
-    edit(tr("Add frame"), next);
+    const quint64 id = m_graph.frames.empty() ? 1 : m_graph.frames.rbegin()->first + 1;
+    GraphChange change;
+    change.frames[id] = {std::nullopt, FrameRecord{id, title, area}};
+    edit(tr("Add frame"), change);
     return id;
 }
 
 void Document::changeFrame(const FrameRecord& frame)
 {
-    Graph next = m_graph;
-    if (next.frames.count(frame.id) == 0)
+    const auto known = m_graph.frames.find(frame.id);
+    if (known == m_graph.frames.end())
         return;
-    next.frames[frame.id] = frame;
-    edit(tr("Change frame"), next);
+    GraphChange change;
+    change.frames[frame.id] = {known->second, frame};
+    edit(tr("Change frame"), change);
 }
 
 void Document::removeFrame(quint64 id)
 {
-    Graph next = m_graph;
-    next.frames.erase(id);
-    edit(tr("Delete frame"), next);
+    const auto known = m_graph.frames.find(id);
+    if (known == m_graph.frames.end())
+        return;
+    GraphChange change;
+    change.frames[id] = {known->second, std::nullopt};
+    edit(tr("Delete frame"), change);
 }
 
 std::map<NodeId, NodeId> Document::insert(const Graph& graph, QPointF offset)
 {
     Graph next = m_graph;
+    GraphChange change;
     std::map<NodeId, NodeId> ids;
     for (const auto& [id, record] : graph.nodes) {
         NodeRecord copy = record;
@@ -310,12 +359,14 @@ std::map<NodeId, NodeId> Document::insert(const Graph& graph, QPointF offset)
         copy.position += offset;
         ids[id] = copy.id;
         next.nodes[copy.id] = copy;
+        change.nodes[copy.id] = {std::nullopt, copy};
     }
     for (const Connection& connection : graph.connections) {
         if (ids.count(connection.from) != 0 && ids.count(connection.to) != 0)
             next.connections.push_back({ids[connection.from], connection.output, ids[connection.to], connection.input});
     }
-    edit(tr("Insert"), next);
+    change.setConnections(m_graph.connections, next.connections);
+    edit(tr("Insert"), change);
     return ids;
 }
 

@@ -6,8 +6,12 @@
 
 #include <QObject>
 
+#include <memory>
+
 namespace Host
 {
+
+struct GraphChange;
 
 // A graph that is edited, every edit a step of undo. User-interface thread only; evaluation gets copies of graph().
 class Document : public QObject
@@ -15,6 +19,7 @@ class Document : public QObject
     Q_OBJECT
 public:
     explicit Document(const NodeTypes& types, QObject* parent = nullptr);
+    ~Document() override;
 
     const NodeTypes& types() const { return m_types; }
     const Graph& graph() const { return m_graph; }
@@ -57,11 +62,13 @@ Q_SIGNALS:
 
 private:
     friend class EditCommand;
-    void edit(const QString& text, const Graph& next, const QString& mergeKey = QString());
-    void finishStep(const QString& text, const Graph& before, const QString& mergeKey);
-    void transition(const Graph& next);
-    void tellGone(const Graph& next);
-    void tellNew(const Graph& before);
+    void edit(const QString& text, const GraphChange& change, const QString& mergeKey = QString());
+    void editNode(const QString& text, const NodeRecord& next, const QString& mergeKey = QString());
+    void finishStep(const QString& mergeKey);
+    void apply(const GraphChange& change, bool forwards);
+    void tellGone(const GraphChange& change, bool forwards);
+    void tellNew(const GraphChange& change, bool forwards);
+    void tellOfNode(const NodeRecord& old, const NodeRecord& now);
     NodeId freeId(const Graph& graph) const;
 
     const NodeTypes& m_types;
@@ -69,7 +76,7 @@ private:
     Ondrel::MemoryBoundedUndoStack m_undoStack;
     int m_depth = 0; // of steps begun
     QString m_stepText;
-    Graph m_stepStart;
+    std::unique_ptr<GraphChange> m_step; // what it has changed so far
 };
 
 } // namespace Host

@@ -3,26 +3,12 @@
 #include "document.h"
 #include "values.h"
 
+#include <iterator>
+
 namespace Host
 {
 namespace
 {
-
-template <class Records, class Pairs>
-void findChanges(const Records& before, const Records& after, Pairs& pairs)
-{
-    for (const auto& [id, record] : before) {
-        const auto now = after.find(id);
-        if (now == after.end())
-            pairs[id] = {record, std::nullopt};
-        else if (!(now->second == record))
-            pairs[id] = {record, now->second};
-    }
-    for (const auto& [id, record] : after) {
-        if (before.count(id) == 0)
-            pairs[id] = {std::nullopt, record};
-    }
-}
 
 template <class Pairs, class Records>
 void applyPairs(const Pairs& pairs, Records& records, bool forwards)
@@ -46,6 +32,13 @@ void appendPairs(Pairs& pairs, const Pairs& later)
     }
 }
 
+template <class Pairs>
+void dropUnchangedPairs(Pairs& pairs)
+{
+    for (auto pair = pairs.begin(); pair != pairs.end();)
+        pair = pair->second.before == pair->second.after ? pairs.erase(pair) : std::next(pair);
+}
+
 std::size_t bytesOf(const std::optional<NodeRecord>& record)
 {
     return record ? sizeof(NodeRecord) + valueToJson(QVariant(record->values)).dump().size() : 0;
@@ -53,14 +46,10 @@ std::size_t bytesOf(const std::optional<NodeRecord>& record)
 
 } // namespace
 
-GraphChange GraphChange::between(const Graph& before, const Graph& after)
+void GraphChange::setConnections(const std::vector<Connection>& before, const std::vector<Connection>& after)
 {
-    GraphChange change;
-    findChanges(before.nodes, after.nodes, change.nodes);
-    findChanges(before.frames, after.frames, change.frames);
-    if (before.connections != after.connections)
-        change.connections = {before.connections, after.connections};
-    return change;
+    if (before != after)
+        connections = {before, after};
 }
 
 bool GraphChange::empty() const
@@ -82,6 +71,14 @@ void GraphChange::append(const GraphChange& later)
     appendPairs(frames, later.frames);
     if (later.connections)
         connections = {connections ? connections->first : later.connections->first, later.connections->second};
+}
+
+void GraphChange::dropUnchanged()
+{
+    dropUnchangedPairs(nodes);
+    dropUnchangedPairs(frames);
+    if (connections && connections->first == connections->second)
+        connections.reset();
 }
 
 std::size_t GraphChange::bytes() const
@@ -135,11 +132,8 @@ void EditCommand::performRedo()
 
 void EditCommand::apply(bool forwards)
 {
-    if (!m_document)
-        return;
-    Graph graph = m_document->graph();
-    m_change.apply(graph, forwards);
-    m_document->transition(graph);
+    if (m_document)
+        m_document->apply(m_change, forwards);
 }
 
 } // namespace Host

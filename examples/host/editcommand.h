@@ -22,10 +22,11 @@ struct GraphChange {
     std::map<quint64, Pair<FrameRecord>> frames;
     std::optional<std::pair<std::vector<Connection>, std::vector<Connection>>> connections; // before, after
 
-    static GraphChange between(const Graph& before, const Graph& after);
+    void setConnections(const std::vector<Connection>& before, const std::vector<Connection>& after);
     bool empty() const;
     void apply(Graph& graph, bool forwards) const;
     void append(const GraphChange& later); // both as one
+    void dropUnchanged();                  // what is as it was
     std::size_t bytes() const;             // about
 };
 
