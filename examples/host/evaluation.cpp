@@ -259,12 +259,12 @@ std::pair<NodeId, QString> resolved(const Graph& graph, const NodeTypes& types, 
 
 using Sizes = QHash<QString, QSize>;
 
-// Of all outputs of the nodes that the node depends on, and of its own.
-std::map<NodeId, Sizes> outputSizes(const Graph& graph, const NodeTypes& types, const std::vector<NodeId>& order,
-                                    std::map<NodeId, Sizes>& inputSizes)
+// Of the outputs and inputs of these nodes, which come in the order of their dependencies.
+void findSizes(const Graph& graph, const NodeTypes& types, const std::vector<NodeId>& order, OutputSizes& sizes,
+               OutputSizes& inputSizes)
 {
-    std::map<NodeId, Sizes> sizes;
     for (const NodeId id : order) {
+        sizes[id].clear();
         const NodeRecord* const record = graph.node(id);
         const NodeType* const type = record ? types.find(record->type) : nullptr;
         if (!type)
@@ -287,7 +287,6 @@ std::map<NodeId, Sizes> outputSizes(const Graph& graph, const NodeTypes& types, 
             break;
         }
     }
-    return sizes;
 }
 
 // Of a bypassed node: its first picture goes through as it is.
@@ -335,15 +334,28 @@ Outcome evaluate(const Graph& graph, const NodeTypes& types, const Target& targe
 QSize fullSize(const Graph& graph, const NodeTypes& types, const Target& target)
 {
     const auto [node, output] = resolved(graph, types, target);
-    std::map<NodeId, Sizes> inputs;
-    std::map<NodeId, Sizes> sizes = outputSizes(graph, types, dependencies(graph, node), inputs);
+    OutputSizes inputs, sizes;
+    findSizes(graph, types, dependencies(graph, node), sizes, inputs);
     return sizes[node].value(output);
+}
+
+void updateSizes(const Graph& graph, const NodeTypes& types, const std::vector<NodeId>& nodes, OutputSizes& sizes)
+{
+    OutputSizes inputs;
+    findSizes(graph, types, nodes, sizes, inputs);
+}
+
+QSize knownSize(const Graph& graph, const NodeTypes& types, const Target& target, const OutputSizes& sizes)
+{
+    const auto [node, output] = resolved(graph, types, target);
+    const auto known = sizes.find(node);
+    return known == sizes.end() ? QSize() : known->second.value(output);
 }
 
 TransformGraph transformGraph(const Graph& graph, const NodeTypes& types)
 {
-    std::map<NodeId, Sizes> inputs;
-    outputSizes(graph, types, allInOrder(graph), inputs);
+    OutputSizes inputs, sizes;
+    findSizes(graph, types, allInOrder(graph), sizes, inputs);
     TransformGraph result;
     for (const auto& [id, record] : graph.nodes) {
         const NodeType* const type = types.find(record.type);

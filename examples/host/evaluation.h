@@ -48,6 +48,16 @@ Outcome evaluate(const Graph& graph, const NodeTypes& types, const Target& targe
 // The size of a node's picture at full size, without computing it; empty if that is unknown.
 QSize fullSize(const Graph& graph, const NodeTypes& types, const Target& target);
 
+// The sizes of all outputs at full size, by node and field, for those who ask for many and often.
+using OutputSizes = std::map<NodeId, QHash<QString, QSize>>;
+
+// Computes the sizes of these nodes anew, each of which comes behind those it depends on; those of all others are to be
+// right.
+void updateSizes(const Graph& graph, const NodeTypes& types, const std::vector<NodeId>& nodes, OutputSizes& sizes);
+
+// What fullSize() says, looked up.
+QSize knownSize(const Graph& graph, const NodeTypes& types, const Target& target, const OutputSizes& sizes);
+
 // The relations between the nodes' pictures, for modes.
 TransformGraph transformGraph(const Graph& graph, const NodeTypes& types);
 

@@ -3,6 +3,7 @@
 #include "values.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 namespace Host
@@ -139,6 +140,38 @@ std::vector<NodeId> dependencies(const Graph& graph, NodeId node)
                 if (connection.to == step.node)
                     stack.push_back({connection.from, false});
             }
+        }
+    }
+    return order;
+}
+
+std::vector<NodeId> dependents(const Graph& graph, const std::set<NodeId>& nodes)
+{
+    std::multimap<NodeId, NodeId> next;
+    for (const Connection& connection : graph.connections)
+        next.emplace(connection.from, connection.to);
+    std::map<NodeId, int> waits; // for how many wires from among them
+    std::vector<NodeId> reached;
+    for (const NodeId id : nodes) {
+        if (graph.node(id) && waits.emplace(id, 0).second)
+            reached.push_back(id);
+    }
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        const auto [first, last] = next.equal_range(reached[i]);
+        for (auto wire = first; wire != last; ++wire) {
+            const auto [known, isNew] = waits.emplace(wire->second, 0);
+            ++known->second;
+            if (isNew)
+                reached.push_back(wire->second);
+        }
+    }
+    std::vector<NodeId> order;
+    std::copy_if(reached.begin(), reached.end(), std::back_inserter(order), [&](NodeId id) { return waits[id] == 0; });
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        const auto [first, last] = next.equal_range(order[i]);
+        for (auto wire = first; wire != last; ++wire) {
+            if (--waits[wire->second] == 0)
+                order.push_back(wire->second);
         }
     }
     return order;

@@ -9,6 +9,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace Host
@@ -65,6 +66,10 @@ QString whyNotConnect(const Graph& graph, const NodeTypes& types, const Connecti
 
 // The nodes that the node depends on, itself last, each behind those it depends on.
 std::vector<NodeId> dependencies(const Graph& graph, NodeId node);
+
+// The nodes that depend on one of these, and those themselves, each behind those it depends on. Unknown ones are left
+// out.
+std::vector<NodeId> dependents(const Graph& graph, const std::set<NodeId>& nodes);
 
 // "Blur", or "Blur 2" where that is taken.
 QString uniqueName(const Graph& graph, const QString& wanted);

@@ -34,12 +34,12 @@ void Evaluator::cancel()
         m_running->cancel();
 }
 
-void Evaluator::request(const Graph& graph, const std::vector<Wish>& wishes)
+void Evaluator::request(Graph graph, std::vector<Wish> wishes)
 {
     cancel();
     m_next = std::make_shared<Job>();
-    m_next->graph = graph;
-    m_next->wishes = wishes;
+    m_next->graph = std::move(graph);
+    m_next->wishes = std::move(wishes);
     if (!m_running)
         start();
 }

@@ -30,7 +30,7 @@ public:
     ~Evaluator() override; // cancels what runs and waits for it
 
     ResultCache& cache() { return m_cache; }
-    void request(const Graph& graph, const std::vector<Wish>& wishes);
+    void request(Graph graph, std::vector<Wish> wishes);
     void cancel();
     bool isBusy() const { return m_running || m_next; }
 

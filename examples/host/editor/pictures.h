@@ -1,8 +1,10 @@
 #pragma once
 
+#include "evaluation.h"
 #include "evaluator.h"
 #include "scene.h"
 
+#include <QPointer>
 #include <QTimer>
 
 #include <functional>
@@ -13,7 +15,8 @@ namespace Host
 class ImagePane;
 
 // Keeps all pictures on the screen up to date: that of the view, the previews of the nodes, and what nodes such as a
-// histogram show of their inputs. Whatever changes within one turn of the event loop is one request.
+// histogram show of their inputs. Whatever changes within one turn of the event loop is one request, for the pictures
+// that depend on it: a large graph costs no more than what hangs on the slider.
 class Pictures : public QObject
 {
     Q_OBJECT
@@ -30,7 +33,13 @@ public Q_SLOTS:
     void schedule();
 
 private Q_SLOTS:
+    void touch(Host::NodeId id);
+    void touchEnd(const Host::Connection& connection);
+    void forget(Host::NodeId id);
+    void forgetAll();
     void request();
+    void takeErrors(const QHash<Host::NodeId, QString>& errors);
+    void finish();
     void take(int slot, const Host::Picture& picture, double scale);
 
 private:
@@ -39,6 +48,13 @@ private:
         Use use;
         NodeId node;
     };
+    struct Shown { // what a node has been given
+        QPointer<PreviewNode> item;
+        std::weak_ptr<const Ondrel::Image> image;
+    };
+    void touchBypassed(const Graph& graph);
+    std::vector<Evaluator::Wish> wishesFor(const Graph& graph);
+    void give(const Place& place, const Picture& picture);
     void wantForView(std::vector<Evaluator::Wish>& wishes, const Graph& graph, const Place& place);
     void want(std::vector<Evaluator::Wish>& wishes, const Place& place, const Target& target);
 
@@ -49,6 +65,13 @@ private:
     std::function<Graph()> m_shownGraph;
     QTimer m_timer;
     std::vector<Place> m_places; // by slot
+    std::map<std::pair<Use, NodeId>, Shown> m_shown;
+    std::set<NodeId> m_touched;   // changed since the last request that came to its end
+    std::set<NodeId> m_requested; // what that request is about, with all that depends on it
+    std::set<NodeId> m_bypassed;  // in the graph of the last request
+    OutputSizes m_sizes;          // of that graph
+    QHash<NodeId, QString> m_errors;
+    QHash<NodeId, QString> m_newErrors; // of the request that runs
 };
 
 } // namespace Host

@@ -3,6 +3,7 @@
 #include <ondrel/nodes/fieldbase.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace Host
 {
@@ -55,6 +56,7 @@ void Scene::rebuild()
         delete node;
     }
     m_items.clear();
+    m_errors.clear();
     m_primary = m_secondary = 0;
     for (const auto& [id, record] : m_document.graph().nodes)
         addItemFor(id);
@@ -77,6 +79,7 @@ void Scene::addItemFor(NodeId id)
     m_values.fill(*node);
     watch(*node);
     updateItemOf(id);
+    showError(id);
 }
 
 void Scene::watch(PreviewNode& node)
@@ -217,13 +220,26 @@ void Scene::emblemChanged(PreviewNode* node, PreviewNode::Emblem emblem)
 
 void Scene::setErrors(const QHash<NodeId, QString>& errors)
 {
-    for (const auto& [id, node] : m_items) {
-        const QString reason = errors.value(id);
-        node->setDebugText(reason.isEmpty()
-                               ? QString()
-                               : QString("<span style=\"color:#ff7060\">%1</span>").arg(reason.toHtmlEscaped()));
-        node->setToolTip(reason);
+    const QHash<NodeId, QString> before = std::exchange(m_errors, errors);
+    for (auto gone = before.begin(); gone != before.end(); ++gone) {
+        if (!errors.contains(gone.key()))
+            showError(gone.key());
     }
+    for (auto error = errors.begin(); error != errors.end(); ++error) {
+        if (before.value(error.key()) != error.value())
+            showError(error.key());
+    }
+}
+
+void Scene::showError(NodeId id)
+{
+    PreviewNode* const node = item(id);
+    const QString reason = m_errors.value(id);
+    if (!node)
+        return;
+    node->setDebugText(
+        reason.isEmpty() ? QString() : QString("<span style=\"color:#ff7060\">%1</span>").arg(reason.toHtmlEscaped()));
+    node->setToolTip(reason);
 }
 
 void Scene::setBusy(NodeId id, bool busy)

@@ -75,6 +75,7 @@ protected:
 
 private:
     void watch(PreviewNode& node);
+    void showError(NodeId id);
     void remakeItem(NodeId id);
     bool hasAllWires(NodeId id) const;
     void tellOfWire(NodeId id, Anchor& anchor, bool connected, const QString& other);
@@ -84,6 +85,7 @@ private:
     NodeValues m_values;
     SceneWires m_wires;
     LooseWire m_loose;
+    QHash<NodeId, QString> m_errors;
     NodeId m_primary = 0;
     NodeId m_secondary = 0;
     std::set<NodeId> m_rewired; // nodes whose inputs' wires have changed: variable ones change their inputs by it
