@@ -12,9 +12,13 @@
 #include <ondrel/color/colormanager.h>
 
 #include <QLabel>
+#include <QProcess>
 #include <QScrollBar>
 #include <QTest>
 #include <QWheelEvent>
+
+#include <algorithm>
+#include <vector>
 
 using namespace Host;
 
@@ -48,6 +52,27 @@ protected:
     static QImage part(const QImage& image, int x, int width)
     {
         return image.copy(x, 20, width, 35).convertToFormat(QImage::Format_RGB32);
+    }
+
+    // Lines of one pixel, black and white: where pixels are left out, all is black or all is white.
+    void importLines()
+    {
+        QImage lines(2000, 1600, QImage::Format_RGB888);
+        for (int x = 0; x < lines.width(); ++x) {
+            for (int y = 0; y < lines.height(); ++y)
+                lines.setPixelColor(x, y, x % 2 == 0 ? Qt::black : Qt::white);
+        }
+        ASSERT_TRUE(lines.save(path("lines.png")));
+        play("import " + path("lines.png") + " 0 300\nshow lines\nwait");
+    }
+
+    // Each is one pixel of the device wide.
+    void expectLines()
+    {
+        QApplication::processEvents();
+        const QImage shown = pane().view().viewport()->grab().toImage();
+        for (int x = 200; x < 220; ++x)
+            EXPECT_GT(std::abs(qGray(shown.pixel(x, 100)) - qGray(shown.pixel(x + 1, 100))), 250) << x;
     }
 
     QImage first, second;
@@ -238,16 +263,9 @@ TEST_F(View, MarksClippingAndProofs)
     EXPECT_EQ(pane().rendered(), renderForView(picture, options));
 }
 
-// Lines of one pixel, black and white: a picture that is shrunk by leaving out pixels is all black or all white.
 TEST_F(View, ShrinksSmoothly)
 {
-    QImage lines(2000, 1600, QImage::Format_RGB888);
-    for (int x = 0; x < lines.width(); ++x) {
-        for (int y = 0; y < lines.height(); ++y)
-            lines.setPixelColor(x, y, x % 2 == 0 ? Qt::black : Qt::white);
-    }
-    ASSERT_TRUE(lines.save(path("lines.png")));
-    play("import " + path("lines.png") + " 0 300\nshow lines\nwait");
+    importLines();
     ASSERT_LT(pane().zoom(), 0.5);
     const QImage shown = pane().view().viewport()->grab().toImage();
     const QPoint middle = pane().view().mapFromScene(QPointF(1000, 800));
@@ -257,9 +275,43 @@ TEST_F(View, ShrinksSmoothly)
         EXPECT_LT(grey, 180) << x;
     }
     play("key Ctrl+1"); // each pixel is to be seen again
-    QApplication::processEvents();
-    const QImage pixels = pane().view().viewport()->grab().toImage();
-    EXPECT_GT(std::abs(qGray(pixels.pixel(200, 100)) - qGray(pixels.pixel(201, 100))), 250);
+    expectLines();
+}
+
+// Run by the next test in a process of its own: the ratio is one of the whole process.
+TEST_F(View, DISABLED_AsksForAndDrawsDevicePixels)
+{
+    ASSERT_EQ(pane().devicePixelRatioF(), 2);
+    std::vector<double> asked;
+    QObject::connect(&window.pictures().evaluator(), &Evaluator::pictureReady,
+                     [&](int, const Picture&, double scale) { asked.push_back(scale); });
+    importLines();
+    ASSERT_LT(pane().zoom(), 0.4);
+    EXPECT_NE(std::find(asked.begin(), asked.end(), 2 * pane().zoom()), asked.end());
+    play("key Ctrl+1");
+    EXPECT_EQ(pane().zoom(), 0.5);
+    expectLines();
+
+    addBrighter();
+    play("key W\nwait");
+    const QPoint grip = handle().rect().center();
+    QTest::mousePress(&handle(), Qt::LeftButton, Qt::NoModifier, grip);
+    mouse(handle(), QEvent::MouseMove, grip + QPoint(-15, 0), Qt::NoButton, Qt::LeftButton);
+    EXPECT_NEAR(pane().options().wipe, 1 / 6.0, 0.03); // 30 of the 90 pixels of the picture
+}
+
+TEST(ViewAtRatio2, AsksForAndDrawsDevicePixels)
+{
+    QProcess inner;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("QT_SCALE_FACTOR", "2");
+    inner.setProcessEnvironment(environment);
+    inner.start(QCoreApplication::applicationFilePath(),
+                {"--gtest_filter=View.DISABLED_AsksForAndDrawsDevicePixels", "--gtest_also_run_disabled_tests"});
+    ASSERT_TRUE(inner.waitForFinished(120000));
+    const QByteArray output = inner.readAllStandardOutput();
+    EXPECT_EQ(inner.exitCode(), 0) << output.constData();
+    EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.constData();
 }
 
 TEST(PictureItem, ComparedPictureLiesInTheMiddleOfTheOther)

@@ -18,10 +18,10 @@ HistogramDock::HistogramDock(const ImagePane& pane, QWidget* parent)
     histogram->setFixedHeight(150);
     histogram->setMinimumWidth(220);
     histogram->setAccessibleName(tr("Histogram of the picture in view"));
-    auto* const layout = new QVBoxLayout(panel); // keeps it at the top where the dock is high
+    auto* const layout = new QVBoxLayout(panel);
     layout->setContentsMargins(6, 0, 6, 6);
     layout->addWidget(histogram);
-    layout->addStretch();
+    panel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum); // the docks of modes follow at once
     setWidget(panel);
     connect(&pane, &ImagePane::pictureShown, histogram,
             [histogram, &pane] { histogram->update(pane.shownPicture().image); });

@@ -24,6 +24,7 @@ namespace
 constexpr double kSmallest = 0.02, kLargest = 16;
 constexpr double kWipeStep = 0.01; // by a key
 constexpr int kGap = 4;            // between both views
+constexpr int kScrollBar = 10;
 
 QLabel* captionOver(QWidget* viewport, const QString& text)
 {
@@ -108,6 +109,8 @@ void ImagePane::addView(CanvasView& view)
     view.viewport()->setMouseTracking(true);
     view.viewport()->installEventFilter(this);
     view.setAcceptDrops(false); // files are the window's
+    view.horizontalScrollBar()->setFixedHeight(kScrollBar);
+    view.verticalScrollBar()->setFixedWidth(kScrollBar);
     view.viewport()->setAcceptDrops(false);
     connect(&view, &CanvasView::zoomWanted, this,
             [this](double factor, QPoint anchor) { setZoom(m_zoom * factor, anchor); });
