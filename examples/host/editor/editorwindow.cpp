@@ -12,6 +12,7 @@
 #include "recentmenu.h"
 #include "scene.h"
 #include "sceneview.h"
+#include "shortcuts.h"
 #include "viewmenu.h"
 
 #include <QAction>
@@ -46,6 +47,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_importer(new Importer(m_document, *m_scene, this))
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
     , m_exportCommands(new ExportCommands(m_document, *m_scene, *m_files, *m_exporter, *this))
+    , m_shortcuts(new Shortcuts(*this))
 {
     auto* splitter = new QSplitter(Qt::Vertical, this);
     splitter->addWidget(m_imagePane);
@@ -58,6 +60,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     addFileMenu();
     addEditMenu();
     addViewMenu();
+    m_shortcuts->takeMenus(*menuBar());
     connectParts();
     updateTitle();
 }
@@ -100,8 +103,10 @@ void EditorWindow::connectParts()
 void EditorWindow::addFileMenu()
 {
     QMenu* const file = menuBar()->addMenu(tr("&File"));
+    file->setObjectName("file");
     file->addAction(tr("&Open..."), m_files, SLOT(chooseAndOpen()), QKeySequence::Open);
     auto* const recent = new RecentMenu(this);
+    recent->setProperty("changing", true);
     file->addMenu(recent);
     connect(recent, SIGNAL(chosen(QString)), m_files, SLOT(openAfterAsking(QString)));
     connect(m_files, &ProjectFiles::used, recent, &RecentMenu::add);
@@ -117,6 +122,7 @@ void EditorWindow::addFileMenu()
 void EditorWindow::addEditMenu()
 {
     QMenu* const edit = menuBar()->addMenu(tr("&Edit"));
+    edit->setObjectName("edit");
     QAction* const undo = m_document.undoStack().createUndoAction(this);
     undo->setShortcut(QKeySequence::Undo);
     QAction* const redo = m_document.undoStack().createRedoAction(this);
@@ -124,11 +130,14 @@ void EditorWindow::addEditMenu()
     edit->addActions({undo, redo});
     edit->addSeparator();
     m_canvasCommands->addEditActions(*edit);
+    edit->addSeparator();
+    edit->addAction(tr("&Keyboard shortcuts..."), m_shortcuts, SLOT(openDialog()))->setObjectName("edit.shortcuts");
 }
 
 void EditorWindow::addViewMenu()
 {
     QMenu* const view = menuBar()->addMenu(tr("&View"));
+    view->setObjectName("view");
     view->addAction(findChild<QDockWidget*>("histogram")->toggleViewAction());
     m_canvasCommands->addViewActions(*view);
     view->addSeparator();

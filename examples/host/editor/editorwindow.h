@@ -17,6 +17,7 @@ class Pictures;
 class ProjectFiles;
 class Scene;
 class SceneView;
+class Shortcuts;
 
 // The window: the canvas of nodes, the picture of the node that carries the primary emblem, and the menus of what is
 // done to both.
@@ -38,6 +39,7 @@ public:
     Importer& importer() { return *m_importer; }
     CanvasCommands& canvasCommands() { return *m_canvasCommands; }
     ExportCommands& exportCommands() { return *m_exportCommands; }
+    Shortcuts& shortcuts() { return *m_shortcuts; }
 
     bool isSettled() const; // no picture and no file is waited for
 
@@ -71,6 +73,7 @@ private:
     Importer* m_importer;
     CanvasCommands* m_canvasCommands;
     ExportCommands* m_exportCommands;
+    Shortcuts* m_shortcuts;
     QAction* m_editInView = nullptr; // the window's
 };
 

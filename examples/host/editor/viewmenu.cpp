@@ -50,6 +50,7 @@ QActionGroup* ViewMenu::addProfiles()
         QAction* const action = group->addAction(menu->addAction(name, this, SLOT(apply())));
         action->setCheckable(true);
         action->setData(QByteArray(reinterpret_cast<const char*>(hash.data()), int(hash.size())));
+        action->setObjectName("view.proofProfile." + action->data().toByteArray().toHex());
         action->setChecked(hash == Ondrel::DefaultColorProfileHash);
     }
     return group;
@@ -66,6 +67,7 @@ QActionGroup* ViewMenu::addIntents()
         QAction* const action = group->addAction(menu->addAction(name, this, SLOT(apply())));
         action->setCheckable(true);
         action->setData(number);
+        action->setObjectName(QString("view.proofIntent.%1").arg(number));
         action->setChecked(number == 1);
         ++number;
     }
