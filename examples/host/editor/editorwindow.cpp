@@ -1,6 +1,9 @@
 #include "editorwindow.h"
 
+#include "accessibleitems.h"
+#include "canvasaccessibility.h"
 #include "canvascommands.h"
+#include "canvaskeys.h"
 #include "exportcommands.h"
 #include "exporter.h"
 #include "histogramdock.h"
@@ -32,12 +35,19 @@ namespace
 
 constexpr int kMessageTime = 8000;
 
+// Interfaces are kept from the first time that one is asked for, which may be while an item or view is being made.
+Scene* makeAccessibleScene(Document& document, QObject* parent)
+{
+    QAccessible::installFactory(accessibleItem); // counts once
+    return new Scene(document, parent);
+}
+
 } // namespace
 
 EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     : QMainWindow(parent)
     , m_document(types)
-    , m_scene(new Scene(m_document, this))
+    , m_scene(makeAccessibleScene(m_document, this))
     , m_sceneView(new SceneView(*m_scene))
     , m_imagePane(new ImagePane)
     , m_pictures(new Pictures(m_document, *m_scene, *m_imagePane, this))
@@ -46,6 +56,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_files(new ProjectFiles(m_document, *this))
     , m_importer(new Importer(m_document, *m_scene, this))
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
+    , m_canvasKeys(new CanvasKeys(m_document, *m_scene, *m_sceneView))
     , m_exportCommands(new ExportCommands(m_document, *m_scene, *m_files, *m_exporter, *this))
     , m_shortcuts(new Shortcuts(*this))
 {
@@ -57,6 +68,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     statusBar()->addPermanentWidget(m_exporter);
     addDockWidget(Qt::RightDockWidgetArea, new HistogramDock(*m_imagePane, this));
     setAcceptDrops(true);
+    new CanvasAccessibility(m_document, *m_scene, *m_sceneView);
     addFileMenu();
     addEditMenu();
     addViewMenu();
@@ -130,6 +142,8 @@ void EditorWindow::addEditMenu()
     edit->addActions({undo, redo});
     edit->addSeparator();
     m_canvasCommands->addEditActions(*edit);
+    edit->addSeparator();
+    m_canvasKeys->addActions(*edit);
     edit->addSeparator();
     edit->addAction(tr("&Keyboard shortcuts..."), m_shortcuts, SLOT(openDialog()))->setObjectName("edit.shortcuts");
 }

@@ -8,6 +8,7 @@ namespace Host
 {
 
 class CanvasCommands;
+class CanvasKeys;
 class ExportCommands;
 class Exporter;
 class ImagePane;
@@ -72,6 +73,7 @@ private:
     ProjectFiles* m_files;
     Importer* m_importer;
     CanvasCommands* m_canvasCommands;
+    CanvasKeys* m_canvasKeys; // the canvas's
     ExportCommands* m_exportCommands;
     Shortcuts* m_shortcuts;
     QAction* m_editInView = nullptr; // the window's

@@ -35,7 +35,13 @@ Scene::~Scene()
     m_document.disconnect(this);
     m_loose.drop();
     m_wires.clear();
-    for (const auto& [id, node] : m_items) {
+    deleteItems();
+}
+
+// Those that watch the scene are told of each end, and are not to find there what has gone.
+void Scene::deleteItems()
+{
+    for (const auto& [id, node] : std::exchange(m_items, {})) {
         node->disconnect(this);
         delete node;
     }
@@ -51,11 +57,7 @@ void Scene::rebuild()
 {
     m_loose.drop();
     m_wires.clear();
-    for (const auto& [id, node] : m_items) {
-        node->disconnect(this);
-        delete node;
-    }
-    m_items.clear();
+    deleteItems();
     m_errors.clear();
     m_primary = m_secondary = 0;
     for (const auto& [id, record] : m_document.graph().nodes)
@@ -332,9 +334,10 @@ void Scene::remakeItem(NodeId id)
     const PreviewNode::Emblem emblem = item(id)->emblem();
     const bool selected = item(id)->isSelected();
     m_wires.removeTouching(id);
-    item(id)->disconnect(this);
-    delete item(id);
+    PreviewNode* const old = item(id);
+    old->disconnect(this);
     m_items.erase(id);
+    delete old;
     addItemFor(id);
     for (const Connection& connection : m_document.graph().touching(id))
         addWire(connection);

@@ -77,6 +77,7 @@ private:
     void watch(PreviewNode& node);
     void showError(NodeId id);
     void remakeItem(NodeId id);
+    void deleteItems();
     bool hasAllWires(NodeId id) const;
     void tellOfWire(NodeId id, Anchor& anchor, bool connected, const QString& other);
 
