@@ -245,4 +245,14 @@ Import importRawImage(const QString& file)
     return result;
 }
 
+bool hasRawName(const QString& file)
+{
+    static const QStringList endings =
+        QString(
+            "3fr ari arw bay cap cr2 cr3 crw dcr dng erf fff gpr iiq k25 kdc mef mos mrw nef nrw orf pef ptx raf raw "
+            "rw2 rwl sr2 srf srw x3f")
+            .split(' ');
+    return endings.contains(QFileInfo(file).suffix().toLower());
+}
+
 } // namespace Host

@@ -25,4 +25,8 @@ struct Import {
 Import importImage(const QString& file);
 Import importRawImage(const QString& file);
 
+// Whether the name ends as those of camera RAW files do. Many of these files can be read as a picture too, which is
+// then the small preview in them.
+bool hasRawName(const QString& file);
+
 } // namespace Host

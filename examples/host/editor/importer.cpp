@@ -10,6 +10,26 @@
 
 namespace Host
 {
+namespace
+{
+
+// As what its name says, else as the other. A file that takes more memory than there is counts as unreadable.
+Import importAny(const QString& file, bool& isRaw)
+{
+    isRaw = hasRawName(file);
+    try {
+        Import made = isRaw ? importRawImage(file) : importImage(file);
+        if (made.id.id == 0) {
+            isRaw = !isRaw;
+            made = isRaw ? importRawImage(file) : importImage(file);
+        }
+        return made;
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+} // namespace
 
 Importer::Importer(Document& document, Scene& scene, QObject* parent)
     : QObject(parent)
@@ -22,14 +42,11 @@ void Importer::import(const QStringList& files, QPointF at)
 {
     for (const QString& file : files) {
         m_worker.run([this, file, at]() -> std::function<void()> {
-            Import made;
-            try {
-                made = importImage(file);
-            } catch (const std::bad_alloc&) { // told as any other file that cannot be read
-            }
-            return [this, file, made, at] {
+            bool isRaw = false;
+            const Import made = importAny(file, isRaw);
+            return [this, file, made, isRaw, at] {
                 if (made.id.id != 0)
-                    addNode(file, made.id, at);
+                    addNode(file, isRaw ? "essentials/rawimage" : "essentials/image", made.id, at);
                 const QString text = made.id.id != 0 ? made.note : tr("%1 is no image that can be read.").arg(file);
                 if (!text.isEmpty())
                     Q_EMIT message(text);
@@ -39,10 +56,10 @@ void Importer::import(const QStringList& files, QPointF at)
     }
 }
 
-void Importer::addNode(const QString& file, Ondrel::ResourceId id, QPointF at)
+void Importer::addNode(const QString& file, const QString& type, Ondrel::ResourceId id, QPointF at)
 {
     m_document.beginStep(tr("Import image"));
-    const NodeId node = m_document.addNode("essentials/image", at);
+    const NodeId node = m_document.addNode(type, at);
     m_document.setValue(node, "image", QVariant::fromValue(id));
     m_document.renameNode(node, uniqueName(m_document.graph(), QFileInfo(file).completeBaseName()));
     m_document.endStep();

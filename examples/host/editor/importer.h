@@ -14,7 +14,8 @@ namespace Host
 class Document;
 class Scene;
 
-// Makes an image node of each picture file, in the background. User-interface thread only.
+// Makes a node of each picture file, camera RAW files included, in the background. Tells what had to be mended.
+// User-interface thread only.
 class Importer : public QObject
 {
     Q_OBJECT
@@ -29,7 +30,7 @@ Q_SIGNALS:
     void message(const QString& text);
 
 private:
-    void addNode(const QString& file, Ondrel::ResourceId id, QPointF at);
+    void addNode(const QString& file, const QString& type, Ondrel::ResourceId id, QPointF at);
 
     Document& m_document;
     Scene& m_scene;

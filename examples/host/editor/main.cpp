@@ -1,6 +1,7 @@
 // ondrel-editor: an editor of node graphs. Exit status: 0 all done, 1 a script could not be played to its end, 2 the
 // command line made no sense.
 
+#include "application.h"
 #include "editorwindow.h"
 #include "projectfiles.h"
 #include "script.h"
@@ -21,9 +22,7 @@ int main(int argc, char** argv)
 {
     PlatformPrivate::setup(argc, &argv);
     QApplication application(argc, argv);
-    QCoreApplication::setOrganizationName("Ondrel");
-    QCoreApplication::setApplicationName("ondrel-editor");
-    QCoreApplication::setApplicationVersion("0.1.0");
+    Host::nameApplication();
     QApplication::setPalette(Common::darkPalette(QColor(50, 49, 49)));
 
     QCommandLineParser parser;

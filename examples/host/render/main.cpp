@@ -1,5 +1,6 @@
 // Renders a project without a window.
 
+#include "application.h"
 #include "options.h"
 #include "plan.h"
 #include "project.h"
@@ -9,6 +10,7 @@
 #include <ondrel/core/platform.h>
 
 #include <QCoreApplication>
+#include <QSettings>
 
 #include <csignal>
 #include <cstdio>
@@ -97,8 +99,9 @@ int main(int argc, char** argv)
 {
     PlatformPrivate::setup(argc, &argv);
     QCoreApplication application(argc, argv);
-    QCoreApplication::setOrganizationName("Ondrel");
-    QCoreApplication::setApplicationName("ondrel-render");
+    Host::nameApplication();
+    // The editor's preferences are for one person's screen; what is rendered is the same on every machine.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null");
     Options options;
     int status = 0;
     if (!readOptions(argc, argv, options, status))
