@@ -78,6 +78,7 @@ void Scene::addItemFor(NodeId id)
     node->availableColorProfilesChanged();
     m_items[id] = node;
     addItem(node);
+    node->setGraphicsEffect(new NodePicture(m_pictures));
     m_values.fill(*node);
     watch(*node);
     updateItemOf(id);

@@ -3,6 +3,7 @@
 #include "document.h"
 #include "loosewire.h"
 #include "nodeitem.h"
+#include "nodepicture.h"
 #include "nodevalues.h"
 #include "scenewires.h"
 
@@ -25,6 +26,7 @@ public:
 
     Document& document() { return m_document; }
     SceneWires& wires() { return m_wires; }
+    NodePictures& pictures() { return m_pictures; }
     PreviewNode* item(NodeId id) const; // null if there is none
     const std::map<NodeId, PreviewNode*>& nodeItems() const { return m_items; }
     Anchor* anchor(NodeId id, const QString& field, bool output) const; // null if there is none
@@ -82,6 +84,7 @@ private:
     void tellOfWire(NodeId id, Anchor& anchor, bool connected, const QString& other);
 
     Document& m_document;
+    NodePictures m_pictures;
     std::map<NodeId, PreviewNode*> m_items; // the scene's
     NodeValues m_values;
     SceneWires m_wires;

@@ -2,7 +2,9 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QScrollBar>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -14,7 +16,7 @@ namespace
 {
 
 constexpr int kGrid = 100;
-constexpr double kSmallest = 0.1, kLargest = 4;
+constexpr double kSmallest = 0.05, kLargest = 4;
 
 } // namespace
 
@@ -50,6 +52,15 @@ QPointF SceneView::pointerInScene() const
 {
     const QPoint position = viewport()->mapFromGlobal(QCursor::pos());
     return mapToScene(viewport()->rect().contains(position) ? position : viewport()->rect().center());
+}
+
+void SceneView::paintEvent(QPaintEvent* event)
+{
+    m_scene.pictures().beginFrame(event->rect());
+    QGraphicsView::paintEvent(event);
+    m_scene.pictures().endFrame();
+    if (m_scene.pictures().isUnfinished())
+        QTimer::singleShot(0, viewport(), SLOT(update()));
 }
 
 void SceneView::drawBackground(QPainter* painter, const QRectF& rect)

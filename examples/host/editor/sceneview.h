@@ -22,6 +22,7 @@ Q_SIGNALS:
     void searchWanted(QPointF at);
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void drawBackground(QPainter* painter, const QRectF& rect) override;
     bool focusNextPrevChild(bool next) override;
     void wheelEvent(QWheelEvent* event) override;
