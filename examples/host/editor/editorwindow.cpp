@@ -11,6 +11,7 @@
 #include "importer.h"
 #include "modehost.h"
 #include "pictures.h"
+#include "preferences.h"
 #include "projectfiles.h"
 #include "recentmenu.h"
 #include "scene.h"
@@ -58,6 +59,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
     , m_canvasKeys(new CanvasKeys(m_document, *m_scene, *m_sceneView))
     , m_exportCommands(new ExportCommands(m_document, *m_scene, *m_files, *m_exporter, *this))
+    , m_preferences(new Preferences(*m_pictures, *m_imagePane, *this))
     , m_shortcuts(new Shortcuts(*this))
 {
     auto* splitter = new QSplitter(Qt::Vertical, this);
@@ -86,6 +88,7 @@ EditorWindow::~EditorWindow()
     delete m_files;
     delete m_exportCommands;
     delete m_exporter;
+    delete m_preferences;
     delete m_pictures;
     delete m_modes;
     delete m_canvasCommands;
@@ -98,6 +101,7 @@ void EditorWindow::connectParts()
     for (QObject* const part : {static_cast<QObject*>(m_files), static_cast<QObject*>(m_importer),
                                 static_cast<QObject*>(m_canvasCommands), static_cast<QObject*>(m_exportCommands)})
         connect(part, SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
+    connect(&m_preferences->device(), SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(m_scene, SIGNAL(refused(QString)), this, SLOT(showMessage(QString)));
     connect(m_files, SIGNAL(nameChanged()), this, SLOT(updateTitle()));
     m_files->setViewWriter(
@@ -145,6 +149,8 @@ void EditorWindow::addEditMenu()
     edit->addSeparator();
     m_canvasKeys->addActions(*edit);
     edit->addSeparator();
+    edit->addAction(tr("Pre&ferences..."), m_preferences, SLOT(openDialog()), QKeySequence("Ctrl+,"))
+        ->setObjectName("edit.preferences");
     edit->addAction(tr("&Keyboard shortcuts..."), m_shortcuts, SLOT(openDialog()))->setObjectName("edit.shortcuts");
 }
 
@@ -230,7 +236,7 @@ void EditorWindow::editInView(bool on)
 bool EditorWindow::isSettled() const
 {
     return !m_pictures->isWaiting() && !m_files->isBusy() && !m_importer->isBusy() && !m_exporter->isBusy() &&
-           !m_imagePane->isBusy();
+           !m_imagePane->isBusy() && !m_preferences->isBusy();
 }
 
 } // namespace Host

@@ -15,6 +15,7 @@ class ImagePane;
 class Importer;
 class ModeHost;
 class Pictures;
+class Preferences;
 class ProjectFiles;
 class Scene;
 class SceneView;
@@ -40,6 +41,7 @@ public:
     Importer& importer() { return *m_importer; }
     CanvasCommands& canvasCommands() { return *m_canvasCommands; }
     ExportCommands& exportCommands() { return *m_exportCommands; }
+    Preferences& preferences() { return *m_preferences; }
     Shortcuts& shortcuts() { return *m_shortcuts; }
 
     bool isSettled() const; // no picture and no file is waited for
@@ -75,6 +77,7 @@ private:
     CanvasCommands* m_canvasCommands;
     CanvasKeys* m_canvasKeys; // the canvas's
     ExportCommands* m_exportCommands;
+    Preferences* m_preferences;
     Shortcuts* m_shortcuts;
     QAction* m_editInView = nullptr; // the window's
 };

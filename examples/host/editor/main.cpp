@@ -3,6 +3,7 @@
 
 #include "application.h"
 #include "editorwindow.h"
+#include "preferences.h"
 #include "projectfiles.h"
 #include "script.h"
 
@@ -48,6 +49,7 @@ int main(int argc, char** argv)
     {
         Host::EditorWindow window(types);
         window.resize(1400, 900);
+        window.preferences().device().start();
         if (!parser.positionalArguments().isEmpty())
             window.files().open(parser.positionalArguments().front());
         if (parser.isSet("script")) {

@@ -54,7 +54,22 @@ Pictures::Pictures(Document& document, Scene& scene, ImagePane& pane, QObject* p
 
 void Pictures::schedule()
 {
-    m_timer.start(0);
+    if (!m_paused)
+        m_timer.start(0);
+}
+
+// Results may hang on the display: a soft proof does.
+void Pictures::setPaused(bool paused)
+{
+    m_paused = paused;
+    if (paused) {
+        m_timer.stop();
+        m_evaluator.cancel();
+        return;
+    }
+    m_evaluator.cache().clear();
+    forgetAll();
+    schedule();
 }
 
 void Pictures::want(std::vector<Evaluator::Wish>& wishes, const Place& place, const Target& target)

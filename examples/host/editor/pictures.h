@@ -29,6 +29,9 @@ public:
     // What the view shows instead of the document's graph, as while a mode edits a node.
     void setShownGraph(std::function<Graph()> shown) { m_shownGraph = std::move(shown); }
 
+    // While paused nothing is asked for, and what runs is cancelled. Afterwards all is computed and shown anew.
+    void setPaused(bool paused);
+
 public Q_SLOTS:
     void schedule();
 
@@ -64,6 +67,7 @@ private:
     Evaluator m_evaluator;
     std::function<Graph()> m_shownGraph;
     QTimer m_timer;
+    bool m_paused = false;
     std::vector<Place> m_places; // by slot
     std::map<std::pair<Use, NodeId>, Shown> m_shown;
     std::set<NodeId> m_touched;   // changed since the last request that came to its end

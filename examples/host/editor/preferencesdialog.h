@@ -1,0 +1,50 @@
+#pragma once
+
+#include "deviceselftest.h"
+
+#include <QDialog>
+
+class QAbstractButton;
+class QCheckBox;
+class QComboBox;
+class QFormLayout;
+class QLabel;
+class QSpinBox;
+
+namespace Host
+{
+
+class Preferences;
+struct PreferenceValues;
+
+// Shows the preferences and applies them by "OK" and "Apply".
+class PreferencesDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    PreferencesDialog(Preferences& preferences, QWidget* parent);
+
+private Q_SLOTS:
+    void press(QAbstractButton* button);
+    void showDeviceState();
+
+private:
+    void addColour(QFormLayout& form, const PreferenceValues& values);
+    void addPerformance(QFormLayout& form, const PreferenceValues& values);
+    void takeDevices(const std::vector<DeviceInfo>& devices);
+    void apply();
+    void applyDevice();
+
+    Preferences& m_preferences;
+    QCheckBox* m_managed;
+    QComboBox* m_profile;
+    QComboBox* m_intent;
+    QCheckBox* m_managedThumbnails;
+    QComboBox* m_thumbnailFilter;
+    QSpinBox* m_cache;
+    QComboBox* m_device;
+    QLabel* m_deviceState;
+    std::vector<DeviceInfo> m_devices; // behind the entry for none
+};
+
+} // namespace Host
