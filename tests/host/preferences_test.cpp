@@ -1,20 +1,39 @@
 // What the user changes of the editor itself, by the user's events.
 
 #include "editorfixture.h"
+#include "imagepane.h"
 #include "keystrokeedit.h"
+#include "pictures.h"
+#include "preferences.h"
+#include "preferencesdialog.h"
+#include "scene.h"
 #include "shortcuts.h"
 #include "shortcutsdialog.h"
 
+#include <ondrel/color/colormanager.h>
+#include <ondrel/color/colortransformer.h>
+#include <ondrel/pixel/opencl.h>
+
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
+#include <QProcess>
 #include <QPushButton>
 #include <QSettings>
+#include <QSpinBox>
 #include <QTableWidget>
 #include <QTest>
+#include <QThreadPool>
 
 #include <memory>
 #include <set>
@@ -29,7 +48,12 @@ class EmptySettings
 {
 public:
     EmptySettings() { clear(); }
-    ~EmptySettings() { clear(); }
+    ~EmptySettings()
+    {
+        clear();
+        Ondrel::ColorManager::reload();
+        PixelOpenCL::instance()->disable();
+    }
     EmptySettings(const EmptySettings&) = delete;
     EmptySettings& operator=(const EmptySettings&) = delete;
 
@@ -181,4 +205,345 @@ TEST_F(ShortcutsOfTheEditor, NamesByPlaceDoNotHangOnTitles)
     EXPECT_EQ(action->objectName(), "menu.0.0.0");
     ASSERT_EQ(shortcuts.entries().size(), 1u);
     EXPECT_EQ(shortcuts.entries()[0].place, "Irgendwas > Innen");
+}
+
+namespace
+{
+
+// The settings are clear again, and the library knows, when the window is gone.
+class PreferencesOfTheEditor : public EmptySettings, public Editor
+{
+protected:
+    PreferencesOfTheEditor() { choiceOf(window).selfTest().setProgram(ONDREL_DEVICETEST); }
+
+    static DeviceChoice& choiceOf(EditorWindow& editor) { return editor.preferences().device(); }
+    DeviceChoice& choice() { return choiceOf(window); }
+    ImagePane& pane() { return window.imagePane(); }
+
+    static PreferencesDialog& dialog(EditorWindow& editor)
+    {
+        if (!editor.findChild<PreferencesDialog*>())
+            editor.findChild<QAction*>("edit.preferences")->trigger();
+        return *editor.findChild<PreferencesDialog*>();
+    }
+    template <class Widget>
+    Widget& control(const char* name)
+    {
+        return *dialog(window).findChild<Widget*>(name);
+    }
+    void press(QDialogButtonBox::StandardButton button)
+    {
+        dialog(window).findChild<QDialogButtonBox*>()->button(button)->click();
+    }
+    void chooseData(const char* name, const QVariant& data)
+    {
+        auto& box = control<QComboBox>(name);
+        ASSERT_GE(box.findData(data), 0) << name;
+        box.setCurrentIndex(box.findData(data));
+    }
+
+    // A profile in which the same numbers are other colours.
+    static QByteArray wideProfile()
+    {
+        std::vector<std::pair<QString, std::array<unsigned char, 32>>> profiles;
+        using Profile = Ondrel::ColorManager::ColorProfile;
+        Ondrel::ColorManager::colorProfileNamesAndHashesSorted(profiles, {Profile::RGB}, {Profile::BuiltIn});
+        for (const auto& [name, hash] : profiles) {
+            if (name.contains("ProPhoto"))
+                return QByteArray(reinterpret_cast<const char*>(hash.data()), int(hash.size()));
+        }
+        ADD_FAILURE() << "no ProPhoto RGB";
+        return QByteArray();
+    }
+    static QByteArray displayProfile()
+    {
+        const auto hash = Ondrel::ColorManager::displayProfileAsHash();
+        return QByteArray(reinterpret_cast<const char*>(hash.data()), int(hash.size()));
+    }
+
+    // A program in the place of the test program.
+    QString script(const QString& lines)
+    {
+        QFile file(path("devicetest.sh"));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\n" + lines.toUtf8());
+        file.close();
+        EXPECT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        return file.fileName();
+    }
+
+    static bool isDeviceOn()
+    {
+        cl::Context context;
+        cl::Program program;
+        cl::Device device;
+        return PixelOpenCL::beginWork(context, program, device) != nullptr;
+    }
+};
+
+} // namespace
+
+TEST_F(PreferencesOfTheEditor, OtherDisplayProfileChangesThePictureOnTheScreen)
+{
+    const QImage before = pane().rendered();
+    chooseData("profile", wideProfile());
+    chooseData("intent", "Saturation");
+    EXPECT_EQ(displayProfile(), PreferenceValues::load().displayProfile);
+    press(QDialogButtonBox::Apply);
+    settle();
+    EXPECT_EQ(displayProfile(), wideProfile());
+    EXPECT_EQ(Ondrel::ColorManager::getDisplayRenderingIntent(), 2u);
+    EXPECT_NE(pane().rendered(), before);
+    EXPECT_EQ(pane().rendered(), renderForView(freshPicture(id("photo")), DisplayOptions()));
+
+    control<QCheckBox>("managed").setChecked(false);
+    press(QDialogButtonBox::Ok);
+    settle();
+    EXPECT_FALSE(Ondrel::ColorManager::isColorManagementEnabled());
+    EXPECT_EQ(pane().rendered(), Ondrel::ColorTransformer::toQImage(*pane().picture().image, true));
+}
+
+TEST_F(PreferencesOfTheEditor, CancelChangesNothing)
+{
+    chooseData("profile", wideProfile());
+    control<QSpinBox>("cache").setValue(100);
+    press(QDialogButtonBox::Cancel);
+    settle();
+    EXPECT_NE(displayProfile(), wideProfile());
+    EXPECT_TRUE(QSettings().allKeys().filter("settings/").isEmpty());
+}
+
+TEST_F(PreferencesOfTheEditor, SettingsSurviveARestart)
+{
+    chooseData("profile", wideProfile());
+    chooseData("intent", "Relative Colorimetric");
+    control<QCheckBox>("managedThumbnails").setChecked(true);
+    chooseData("thumbnailFilter", "Bicubic");
+    control<QSpinBox>("cache").setValue(300);
+    press(QDialogButtonBox::Ok);
+    settle();
+    const QSettings settings;
+    EXPECT_EQ(settings.value("settings/colormanagement/colormanagement"), "Enabled");
+    EXPECT_EQ(settings.value("settings/colormanagement/displayprofile"), wideProfile());
+    EXPECT_EQ(settings.value("settings/colormanagement/displayrenderingintent"), "Relative Colorimetric");
+    EXPECT_NE(settings.value("settings/colormanagement/thumbnails"), "No");
+    EXPECT_EQ(settings.value("settings/performance/interpolation/thumbnail"), "Bicubic");
+
+    EditorWindow later(nodeTypes());
+    choiceOf(later).selfTest().setProgram(ONDREL_DEVICETEST);
+    EXPECT_EQ(later.pictures().evaluator().cache().byteBudget(), std::size_t(300) << 20);
+    PreferencesDialog& shown = dialog(later);
+    EXPECT_EQ(shown.findChild<QComboBox*>("profile")->currentData(), wideProfile());
+    EXPECT_EQ(shown.findChild<QComboBox*>("intent")->currentData(), "Relative Colorimetric");
+    EXPECT_TRUE(shown.findChild<QCheckBox*>("managed")->isChecked());
+    EXPECT_TRUE(shown.findChild<QCheckBox*>("managedThumbnails")->isChecked());
+    EXPECT_EQ(shown.findChild<QComboBox*>("thumbnailFilter")->currentData(), "Bicubic");
+    EXPECT_EQ(shown.findChild<QSpinBox*>("cache")->value(), 300);
+}
+
+TEST_F(PreferencesOfTheEditor, SettingsThatMakeNoSenseAreTheDefaults)
+{
+    QSettings settings;
+    settings.setValue("settings/colormanagement/displayprofile", QByteArray(7, 'x'));
+    settings.setValue("settings/colormanagement/displayrenderingintent", 5);
+    settings.setValue("settings/performance/interpolation/thumbnail", "Magic");
+    settings.setValue("editor/cachemegabytes", "much");
+    const PreferenceValues values = PreferenceValues::load();
+    settings.clear();
+    EXPECT_TRUE(values.showsAs(PreferenceValues::load()));
+    EXPECT_EQ(values.cacheMegabytes, 1024);
+    settings.setValue("editor/cachemegabytes", -5);
+    EXPECT_EQ(PreferenceValues::load().cacheMegabytes, kLeastCacheMegabytes);
+}
+
+// With a computation and renderings under way, and more of them asked for meanwhile.
+TEST_F(PreferencesOfTheEditor, DisplaySettingsChangeOnlyWhenNoPictureIsAtWork)
+{
+    play("add essentials/gradient 0 400 Large\nset Large width 2500\nset Large height 2500\nshow Large");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.pictures().evaluator().isBusy(); }));
+    PreferenceValues values = PreferenceValues::load();
+    values.displayProfile = wideProfile();
+    window.preferences().apply(values);
+    EXPECT_TRUE(window.preferences().isBusy());
+    bool wasBusy = true; // at the last look before the change
+    QElapsedTimer clock;
+    clock.start();
+    while (displayProfile() != wideProfile() && clock.elapsed() < 60000) {
+        wasBusy = window.pictures().evaluator().isBusy() || pane().isBusy();
+        window.pictures().schedule();
+        pane().setPicture(pane().picture());
+        QApplication::processEvents(QEventLoop::AllEvents, 1);
+    }
+    EXPECT_EQ(displayProfile(), wideProfile());
+    EXPECT_FALSE(wasBusy);
+    settle();
+    EXPECT_EQ(pane().rendered(), renderForView(freshPicture(id("Large")), DisplayOptions()));
+}
+
+TEST_F(PreferencesOfTheEditor, ResultsThatHangOnTheDisplayAreComputedAnew)
+{
+    play("add essentials/softproof 260 0 Proof\nkey A\nwire photo image Proof image\nshow Proof\nwait");
+    const Picture before = pane().picture();
+    chooseData("profile", wideProfile());
+    press(QDialogButtonBox::Apply);
+    settle();
+    EXPECT_FALSE(equalPictures(pane().picture(), before));
+    EXPECT_TRUE(equalPictures(pane().picture(), freshPicture(id("Proof"))));
+}
+
+TEST_F(PreferencesOfTheEditor, ThumbnailsOfNodesAreRenderedAnew)
+{
+    const auto thumbnail = [this] {
+        settle();
+        QThreadPool::globalInstance()->waitForDone();
+        QApplication::processEvents();
+        const QGraphicsItem* const item = window.scene().item(id("photo"));
+        QImage image(item->sceneBoundingRect().size().toSize(), QImage::Format_RGB32);
+        image.fill(0);
+        QPainter painter(&image);
+        window.scene().render(&painter, QRectF(), item->sceneBoundingRect());
+        return image;
+    };
+    const QImage before = thumbnail();
+    ASSERT_EQ(thumbnail(), before);
+    chooseData("profile", wideProfile());
+    press(QDialogButtonBox::Apply);
+    EXPECT_EQ(thumbnail(), before); // not managed
+    control<QCheckBox>("managedThumbnails").setChecked(true);
+    press(QDialogButtonBox::Apply);
+    EXPECT_NE(thumbnail(), before);
+}
+
+TEST_F(PreferencesOfTheEditor, CacheHasItsBudgetAtOnce)
+{
+    play("add essentials/gradient 0 400 Large\nset Large width 3000\nset Large height 3000\nshow Large\nwait");
+    ResultCache& cache = window.pictures().evaluator().cache();
+    ASSERT_GT(cache.bytes(), std::size_t(64) << 20);
+    control<QSpinBox>("cache").setValue(64);
+    press(QDialogButtonBox::Apply);
+    EXPECT_EQ(cache.byteBudget(), std::size_t(64) << 20);
+    EXPECT_LE(cache.bytes(), cache.byteBudget());
+}
+
+TEST_F(PreferencesOfTheEditor, DeviceIsTestedOnceAndUsedAgainAtTheNextStart)
+{
+    const QString log = path("log");
+    choice().selfTest().setProgram(
+        script("echo \"$1\" >> " + log + "\nexec " + QString(ONDREL_DEVICETEST) + " \"$@\"\n"));
+    auto& box = control<QComboBox>("device");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return box.isEnabled(); }, 60000)) << "no OpenCL device";
+    box.setCurrentIndex(1);
+    const QString name = box.currentText();
+    EXPECT_FALSE(isDeviceOn());
+    press(QDialogButtonBox::Apply);
+    EXPECT_TRUE(control<QLabel>("deviceState").text().contains("Testing"));
+    settle();
+    EXPECT_EQ(choice().inUse(), name);
+    EXPECT_TRUE(control<QLabel>("deviceState").text().contains(name));
+    EXPECT_TRUE(isDeviceOn());
+    PixelOpenCL::instance()->disable();
+
+    EditorWindow later(nodeTypes());
+    EXPECT_TRUE(later.findChildren<QProcess*>().isEmpty());
+    EXPECT_FALSE(isDeviceOn()); // not by its construction
+    choiceOf(later).selfTest().setProgram(path("devicetest.sh"));
+    choiceOf(later).start();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return choiceOf(later).inUse() == name; }, 60000));
+    EXPECT_TRUE(isDeviceOn());
+    QFile lines(log);
+    ASSERT_TRUE(lines.open(QIODevice::ReadOnly));
+    EXPECT_EQ(lines.readAll(), "list\ntest\nlist\n");
+
+    choiceOf(later).chooseNone();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !choiceOf(later).isBusy(); }));
+    EXPECT_FALSE(isDeviceOn());
+    EXPECT_TRUE(choiceOf(later).kept().isEmpty());
+}
+
+TEST_F(PreferencesOfTheEditor, DeviceThatFailsItsTestIsNotUsedAndNotTestedAgain)
+{
+    const QString name = "Broken";
+    const std::pair<const char*, const char*> drivers[] = {
+        {"kill -SEGV $$", "crashed"},
+        {"exec sleep 60", "come to an end"},
+        {"echo 'compiler says nothing'; exit 1", "failed"},
+        {"echo 'no answer'", "failed"},
+        {"echo; echo '{\"passed\": false, \"reason\": \"Scaling differs.\"}'", "Scaling differs."}};
+    for (const auto& [lines, word] : drivers) {
+        const DeviceInfo device{0, 0, name, lines};
+        const QString log = path("log");
+        QFile::remove(log);
+        choice().selfTest().setProgram(script("echo run >> " + log + "\n" + lines + "\n"));
+        choice().selfTest().setTimeLimit(2000);
+        for (int i = 0; i < 2; ++i) {
+            window.statusBar()->clearMessage();
+            choice().choose(device);
+            settle();
+            EXPECT_TRUE(choice().inUse().isEmpty()) << lines;
+            EXPECT_TRUE(choice().kept().isEmpty()) << lines;
+            EXPECT_TRUE(status().contains(name) && status().contains(word)) << lines << ": " << qPrintable(status());
+            EXPECT_FALSE(isDeviceOn()) << lines;
+        }
+        QFile ran(log);
+        ASSERT_TRUE(ran.open(QIODevice::ReadOnly));
+        EXPECT_EQ(ran.readAll(), "run\n") << lines;
+    }
+}
+
+TEST_F(PreferencesOfTheEditor, AnotherDriverIsTestedAnew)
+{
+    const QString log = path("log");
+    choice().selfTest().setProgram(
+        script("echo run >> " + log + "\necho '{\"passed\": false, \"reason\": \"Old.\"}'\n"));
+    for (const char* const driver : {"1.0", "1.1", "1.0"}) {
+        choice().choose({0, 0, "Card", driver});
+        settle();
+    }
+    QFile ran(log);
+    ASSERT_TRUE(ran.open(QIODevice::ReadOnly));
+    EXPECT_EQ(ran.readAll(), "run\nrun\n");
+}
+
+TEST_F(PreferencesOfTheEditor, DeviceThatIsGoneIsNamedAtTheStart)
+{
+    QSettings().setValue("editor/opencl/device", "Taken out");
+    choice().selfTest().setProgram(script("echo '{\"devices\": []}'\n"));
+    choice().start();
+    settle();
+    EXPECT_TRUE(status().contains("Taken out")) << qPrintable(status());
+    EXPECT_EQ(choice().kept(), "Taken out"); // it may be back
+    choice().selfTest().setProgram(path("missing"));
+    choice().start();
+    settle();
+    EXPECT_TRUE(choice().inUse().isEmpty());
+}
+
+TEST_F(PreferencesOfTheEditor, LastOfSeveralChoicesHolds)
+{
+    choice().selfTest().setProgram(script("sleep 1\necho '{\"passed\": true}'\n"));
+    choice().choose({0, 0, "Slow", "1"});
+    choice().chooseNone();
+    settle();
+    EXPECT_TRUE(choice().inUse().isEmpty());
+    EXPECT_FALSE(isDeviceOn());
+}
+
+TEST(DeviceTest, AnswersInJsonAndRefusesOtherWords)
+{
+    const auto run = [](const QStringList& words, QByteArray& output) {
+        QProcess process;
+        process.start(ONDREL_DEVICETEST, words);
+        EXPECT_TRUE(process.waitForFinished(120000));
+        output = process.readAllStandardOutput();
+        return process.exitCode();
+    };
+    QByteArray output;
+    EXPECT_EQ(run({"list"}, output), 0);
+    const auto lastLine = [&output] { return QJsonDocument::fromJson(output.trimmed().split('\n').last()).object(); };
+    EXPECT_TRUE(lastLine().value("devices").isArray());
+    EXPECT_EQ(run({"test", "9999", "0"}, output), 0); // no such device
+    EXPECT_FALSE(lastLine().value("passed").toBool(true));
+    EXPECT_FALSE(lastLine().value("reason").toString().isEmpty());
+    EXPECT_EQ(run({}, output), 2);
+    EXPECT_EQ(run({"test", "x", "0"}, output), 2);
 }
