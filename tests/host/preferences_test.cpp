@@ -13,13 +13,13 @@
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colortransformer.h>
 #include <ondrel/pixel/opencl.h>
+#include <ondrel/resources/resourceengine.h>
 
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLabel>
@@ -35,8 +35,11 @@
 #include <QTest>
 #include <QThreadPool>
 
+#include <chrono>
+#include <future>
 #include <memory>
 #include <set>
+#include <thread>
 
 using namespace Host;
 
@@ -356,28 +359,35 @@ TEST_F(PreferencesOfTheEditor, SettingsThatMakeNoSenseAreTheDefaults)
     EXPECT_EQ(PreferenceValues::load().cacheMegabytes, kLeastCacheMegabytes);
 }
 
-// With a computation and renderings under way, and more of them asked for meanwhile.
+// The store is locked, so that the evaluation of a picture cannot come to its end.
 TEST_F(PreferencesOfTheEditor, DisplaySettingsChangeOnlyWhenNoPictureIsAtWork)
 {
-    play("add essentials/gradient 0 400 Large\nset Large width 2500\nset Large height 2500\nshow Large");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.pictures().evaluator().isBusy(); }));
+    std::promise<void> locked, release;
+    std::thread holder([&] {
+        std::unordered_map<unsigned int, std::shared_ptr<ResourceEngine::ImageInfo>>* resources = nullptr;
+        ResourceEngine::Get().BeginManualResources(&resources);
+        locked.set_value();
+        EXPECT_EQ(release.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+        ResourceEngine::Get().EndManualResources(ResourceEngine::EndManualNoChange);
+    });
+    locked.get_future().wait();
+    window.pictures().evaluator().cache().clear();
+    window.pictures().schedule();
+    QTest::qWait(50);
+    ASSERT_TRUE(window.pictures().evaluator().isBusy());
     PreferenceValues values = PreferenceValues::load();
     values.displayProfile = wideProfile();
     window.preferences().apply(values);
+    pane().setPicture(Picture()); // more that is not to begin
+    QTest::qWait(200);
     EXPECT_TRUE(window.preferences().isBusy());
-    bool wasBusy = true; // at the last look before the change
-    QElapsedTimer clock;
-    clock.start();
-    while (displayProfile() != wideProfile() && clock.elapsed() < 60000) {
-        wasBusy = window.pictures().evaluator().isBusy() || pane().isBusy();
-        window.pictures().schedule();
-        pane().setPicture(pane().picture());
-        QApplication::processEvents(QEventLoop::AllEvents, 1);
-    }
-    EXPECT_EQ(displayProfile(), wideProfile());
-    EXPECT_FALSE(wasBusy);
+    EXPECT_NE(displayProfile(), wideProfile());
+    EXPECT_FALSE(pane().isBusy());
+    release.set_value();
+    holder.join();
     settle();
-    EXPECT_EQ(pane().rendered(), renderForView(freshPicture(id("Large")), DisplayOptions()));
+    EXPECT_EQ(displayProfile(), wideProfile());
+    EXPECT_EQ(pane().rendered(), renderForView(freshPicture(id("photo")), DisplayOptions()));
 }
 
 TEST_F(PreferencesOfTheEditor, ResultsThatHangOnTheDisplayAreComputedAnew)
@@ -522,7 +532,13 @@ TEST_F(PreferencesOfTheEditor, LastOfSeveralChoicesHolds)
 {
     choice().selfTest().setProgram(script("sleep 1\necho '{\"passed\": true}'\n"));
     choice().choose({0, 0, "Slow", "1"});
-    choice().chooseNone();
+    choice().chooseNone(); // while it is tested
+    settle();
+    EXPECT_TRUE(choice().inUse().isEmpty());
+    EXPECT_FALSE(isDeviceOn());
+    choice().choose({0, 0, "Slow", "1"});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return choice().state().contains("Opening"); }));
+    choice().chooseNone(); // while it is opened
     settle();
     EXPECT_TRUE(choice().inUse().isEmpty());
     EXPECT_FALSE(isDeviceOn());
