@@ -2,6 +2,7 @@
 
 #include "accessibleitems.h"
 #include "connectiondialog.h"
+#include "imagepane.h"
 #include "sceneview.h"
 
 #include <ondrel/nodes/fieldbase.h>
@@ -267,4 +268,21 @@ TEST_F(Canvas, SelectedNodesGoWithTheirProject)
         play(QString("select %1\nopen %2").arg(name, path("a.ondrel")));
         EXPECT_TRUE(selected().isEmpty());
     }
+}
+
+TEST_F(Canvas, OtherPaneTakesTheFocusAndTheZoom)
+{
+    addThree();
+    QApplication::setActiveWindow(&window);
+    window.sceneView().setFocus();
+    const double canvasZoom = window.sceneView().transform().m11();
+    const double pictureZoom = window.imagePane().zoom();
+    play("key Ctrl++");
+    EXPECT_NEAR(window.sceneView().transform().m11(), canvasZoom * 1.25, 1e-9);
+    EXPECT_EQ(window.imagePane().zoom(), pictureZoom);
+    play("key F6\nkey Ctrl+-");
+    EXPECT_NEAR(window.sceneView().transform().m11(), canvasZoom * 1.25, 1e-9);
+    EXPECT_NEAR(window.imagePane().zoom(), pictureZoom / 1.25, 1e-9);
+    play("key F6");
+    EXPECT_TRUE(window.sceneView().hasFocus());
 }

@@ -1,6 +1,7 @@
 #include "editorfixture.h"
 
 #include "projectfiles.h"
+#include "scene.h"
 #include "unsavedplace.h"
 
 #include <QAbstractButton>
@@ -154,4 +155,14 @@ TEST_F(ProjectFilesOfAWindow, SaveUnderAnotherNameRemovesTheAutosaveOfTheFirst)
     settle();
     play("save " + path("second.ondrel"));
     EXPECT_FALSE(QFile::exists(autosaveName(path("first.ondrel"))));
+}
+
+TEST_F(ProjectFilesOfAWindow, NewProjectIsEmptyAndHasNoFile)
+{
+    play("add essentials/levels 260 0 Levels\nsave " + path("first.ondrel") + "\nkey Ctrl+N\nwait");
+    EXPECT_TRUE(graph().nodes.empty());
+    EXPECT_TRUE(window.files().file().isEmpty());
+    EXPECT_TRUE(window.document().undoStack().isClean());
+    EXPECT_TRUE(window.windowTitle().startsWith("Untitled"));
+    EXPECT_EQ(window.scene().primary(), 0u);
 }

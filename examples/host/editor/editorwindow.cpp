@@ -9,7 +9,9 @@
 #include "histogramdock.h"
 #include "imagepane.h"
 #include "importer.h"
+#include "memorydisplay.h"
 #include "modehost.h"
+#include "panekeys.h"
 #include "pictures.h"
 #include "preferences.h"
 #include "projectfiles.h"
@@ -58,6 +60,8 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_importer(new Importer(m_document, *m_scene, this))
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
     , m_canvasKeys(new CanvasKeys(m_document, *m_scene, *m_sceneView))
+    , m_paneKeys(new PaneKeys(*m_imagePane, *m_sceneView, this))
+    , m_memory(new MemoryDisplay(m_document, *m_pictures, this))
     , m_exportCommands(new ExportCommands(m_document, *m_scene, *m_files, *m_exporter, *this))
     , m_preferences(new Preferences(*m_pictures, *m_imagePane, *this))
     , m_shortcuts(new Shortcuts(*this))
@@ -68,6 +72,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     splitter->setSizes({500, 400});
     setCentralWidget(splitter);
     statusBar()->addPermanentWidget(m_exporter);
+    statusBar()->addPermanentWidget(m_memory);
     addDockWidget(Qt::RightDockWidgetArea, new HistogramDock(*m_imagePane, this));
     setAcceptDrops(true);
     new CanvasAccessibility(m_document, *m_scene, *m_sceneView);
@@ -88,6 +93,7 @@ EditorWindow::~EditorWindow()
     delete m_files;
     delete m_exportCommands;
     delete m_exporter;
+    delete m_memory;
     delete m_preferences;
     delete m_pictures;
     delete m_modes;
@@ -120,6 +126,7 @@ void EditorWindow::addFileMenu()
 {
     QMenu* const file = menuBar()->addMenu(tr("&File"));
     file->setObjectName("file");
+    file->addAction(tr("&New"), m_files, SLOT(startNew()), QKeySequence::New);
     file->addAction(tr("&Open..."), m_files, SLOT(chooseAndOpen()), QKeySequence::Open);
     auto* const recent = new RecentMenu(this);
     recent->setProperty("changing", true);
@@ -149,6 +156,7 @@ void EditorWindow::addEditMenu()
     edit->addSeparator();
     m_canvasKeys->addActions(*edit);
     edit->addSeparator();
+    edit->addAction(tr("&Free memory"), m_memory, SLOT(freeCaches()));
     edit->addAction(tr("Pre&ferences..."), m_preferences, SLOT(openDialog()), QKeySequence("Ctrl+,"))
         ->setObjectName("edit.preferences");
     edit->addAction(tr("&Keyboard shortcuts..."), m_shortcuts, SLOT(openDialog()))->setObjectName("edit.shortcuts");
@@ -160,6 +168,8 @@ void EditorWindow::addViewMenu()
     view->setObjectName("view");
     view->addAction(findChild<QDockWidget*>("histogram")->toggleViewAction());
     m_canvasCommands->addViewActions(*view);
+    view->addSeparator();
+    m_paneKeys->addActions(*view);
     view->addSeparator();
     view->addMenu(new ViewMenu(*m_imagePane, this));
     m_editInView = view->addAction(tr("&Edit node in view"));
@@ -236,7 +246,7 @@ void EditorWindow::editInView(bool on)
 bool EditorWindow::isSettled() const
 {
     return !m_pictures->isWaiting() && !m_files->isBusy() && !m_importer->isBusy() && !m_exporter->isBusy() &&
-           !m_imagePane->isBusy() && !m_preferences->isBusy();
+           !m_imagePane->isBusy() && !m_memory->isBusy() && !m_preferences->isBusy();
 }
 
 } // namespace Host

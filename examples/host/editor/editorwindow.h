@@ -13,7 +13,9 @@ class ExportCommands;
 class Exporter;
 class ImagePane;
 class Importer;
+class MemoryDisplay;
 class ModeHost;
+class PaneKeys;
 class Pictures;
 class Preferences;
 class ProjectFiles;
@@ -76,6 +78,8 @@ private:
     Importer* m_importer;
     CanvasCommands* m_canvasCommands;
     CanvasKeys* m_canvasKeys; // the canvas's
+    PaneKeys* m_paneKeys;
+    MemoryDisplay* m_memory;
     ExportCommands* m_exportCommands;
     Preferences* m_preferences;
     Shortcuts* m_shortcuts;

@@ -1,5 +1,7 @@
 #include "evaluator.h"
 
+#include "memoryuse.h"
+
 namespace Host
 {
 
@@ -91,6 +93,7 @@ void Evaluator::runJob(const Job& job, const std::function<void(std::function<vo
             });
         }
     }
+    keepStoreWithinBudget(job.graph, m_cache);
 }
 
 void Evaluator::finishJob(const Job& job)

@@ -41,6 +41,12 @@ bool ProjectFiles::mayLeave()
     return answer == QMessageBox::Discard;
 }
 
+void ProjectFiles::startNew()
+{
+    if (mayLeave())
+        take(Source(), ProjectReading{Project(), QString(), QStringList()});
+}
+
 void ProjectFiles::chooseAndOpen()
 {
     if (!mayLeave())

@@ -46,13 +46,14 @@ public:
     void leave(); // for good: what was not saved is wanted no more
 
 public Q_SLOTS:
+    void startNew(); // an empty project, unless the user wants to keep what is open
     void chooseAndOpen();
     void openAfterAsking(const QString& file); // unless the user wants to keep what is open
     void save();
     void chooseAndSave();
 
 Q_SIGNALS:
-    void opened(const Host::Project& project); // the document holds its graph already
+    void opened(const Host::Project& project); // the document holds its graph already; also of a new, empty one
     void nameChanged();                        // of the file, or whether there is something to save
     void used(const QString& file);            // was opened or saved
     void message(const QString& text);

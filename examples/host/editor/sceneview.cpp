@@ -27,7 +27,6 @@ SceneView::SceneView(Scene& scene)
     setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
     setFrameShape(QFrame::NoFrame);
     setDragMode(QGraphicsView::RubberBandDrag);
-    setTransformationAnchor(QGraphicsView::AnchorUnderMouse);
     setViewportUpdateMode(QGraphicsView::SmartViewportUpdate);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -86,10 +85,16 @@ bool SceneView::focusNextPrevChild(bool next)
 
 void SceneView::wheelEvent(QWheelEvent* event)
 {
-    const qreal wanted = transform().m11() * std::pow(1.0015, event->angleDelta().y());
-    const qreal factor = std::clamp(wanted, kSmallest, kLargest) / transform().m11();
-    scale(factor, factor);
+    zoomBy(std::pow(1.0015, event->angleDelta().y()), AnchorUnderMouse);
     event->accept();
+}
+
+void SceneView::zoomBy(double factor, ViewportAnchor anchor)
+{
+    const double zoom = transform().m11();
+    const double possible = std::clamp(zoom * factor, kSmallest, kLargest) / zoom;
+    setTransformationAnchor(anchor);
+    scale(possible, possible);
 }
 
 void SceneView::mousePressEvent(QMouseEvent* event)

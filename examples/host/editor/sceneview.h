@@ -16,7 +16,8 @@ class SceneView : public QGraphicsView
 public:
     explicit SceneView(Scene& scene);
     void fit(const QRectF& area);
-    QPointF pointerInScene() const; // or the middle, where the pointer is elsewhere
+    void zoomBy(double factor, ViewportAnchor anchor); // as far as the limits allow
+    QPointF pointerInScene() const;                    // or the middle, where the pointer is elsewhere
 
 Q_SIGNALS:
     void searchWanted(QPointF at);
