@@ -88,11 +88,11 @@ void Document::beginStep(const QString& text)
     }
 }
 
-void Document::endStep()
+void Document::endStep(int gesture)
 {
     if (m_depth == 0 || --m_depth > 0)
         return;
-    finishStep(QString());
+    finishStep(gesture == 0 ? QString() : QString("step %1").arg(gesture));
 }
 
 void Document::edit(const QString& text, const GraphChange& change, const QString& mergeKey)

@@ -29,7 +29,7 @@ public:
 
     // Several edits as one step: what comes between begin and end, which may be nested.
     void beginStep(const QString& text);
-    void endStep();
+    void endStep(int gesture = 0); // steps in a row with the same gesture other than 0 are one
 
     NodeId addNode(const QString& type, QPointF position, const QString& name = QString()); // 0 if the type is unknown
     void removeNodes(const std::vector<NodeId>& ids);    // with what is connected to them

@@ -74,10 +74,12 @@ void CanvasView::mouseReleaseEvent(QMouseEvent* event)
 void CanvasView::keyPressEvent(QKeyEvent* event)
 {
     event->accept();
+    m_inKeyPress = true;
     if (m_mode)
         m_mode->viewKeyPressEvent(event);
     else
         event->ignore();
+    m_inKeyPress = false;
 }
 
 void CanvasView::wheelEvent(QWheelEvent* event)

@@ -30,6 +30,7 @@ public:
     explicit CanvasView(QGraphicsScene* scene);
     void setMode(Ondrel::ModeInterface* mode); // null for none; not owned
     Ondrel::ModeInterface* mode() const { return m_mode; }
+    bool isInKeyPress() const { return m_inKeyPress; } // what the mode does now, it does by a key
 
 Q_SIGNALS:
     void zoomWanted(double factor, QPoint anchor);
@@ -47,4 +48,5 @@ protected:
 
 private:
     Ondrel::ModeInterface* m_mode = nullptr;
+    bool m_inKeyPress = false;
 };

@@ -81,12 +81,6 @@ QWidget* CropMode::createStatusBarWidget()
     return label;
 }
 
-void CropMode::hide(bool closing)
-{
-    giveUpDrag();
-    PictureMode::hide(closing);
-}
-
 void CropMode::canvasGeometryChanged(const QSize& newDisplaySize, const QSize& newRealSize,
                                      const Ondrel::TransformSeries& series)
 {
@@ -98,7 +92,7 @@ void CropMode::canvasGeometryChanged(const QSize& newDisplaySize, const QSize& n
 
 void CropMode::currentToolAboutToChange()
 {
-    giveUpDrag();
+    giveUp();
 }
 
 void CropMode::currentToolChanged(const QString& tool)
@@ -156,16 +150,17 @@ void CropMode::resetFrame()
     finish(tr("Reset crop"), CropCommand::Drag, before);
 }
 
-void CropMode::nudge(int dx, int dy)
+bool CropMode::nudge(int dx, int dy)
 {
     if (!ready() || m_drag)
-        return;
+        return true;
     const Rect before = m_frame;
     showFrame(dragged(m_frame, Handle::Inside, QPointF(dx, dy), pictureSize(), m_aspect));
     finish(tr("Move crop"), CropCommand::Nudge, before);
+    return true;
 }
 
-void CropMode::giveUpDrag()
+void CropMode::giveUp()
 {
     if (m_drag)
         showFrame(std::exchange(m_drag, std::nullopt)->before);
@@ -261,7 +256,7 @@ void CropMode::viewMouseReleaseEvent(QMouseEvent* event)
         return;
     if (m_zoomStart) {
         const QRect area = QRect(*m_zoomStart, event->pos()).normalized();
-        giveUpDrag();
+        giveUp();
         zoomBy(area, event->modifiers().testFlag(Qt::AltModifier));
         return;
     }
@@ -288,27 +283,12 @@ void CropMode::zoomBy(const QRect& area, bool outwards)
 
 void CropMode::viewKeyPressEvent(QKeyEvent* event)
 {
-    const int step = event->modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1;
-    switch (event->key()) {
-    case Qt::Key_Left:
-        return nudge(-step, 0);
-    case Qt::Key_Right:
-        return nudge(step, 0);
-    case Qt::Key_Up:
-        return nudge(0, -step);
-    case Qt::Key_Down:
-        return nudge(0, step);
-    case Qt::Key_Escape:
-        return giveUpDrag();
-    case Qt::Key_Plus:
+    if (event->key() == Qt::Key_Plus)
         Q_EMIT requestCanvasZoomStep(1);
-        return;
-    case Qt::Key_Minus:
+    else if (event->key() == Qt::Key_Minus)
         Q_EMIT requestCanvasZoomStep(-1);
-        return;
-    default:
-        event->ignore();
-    }
+    else
+        PictureMode::viewKeyPressEvent(event);
 }
 
 QPolygonF CropMode::outline(const Rect& frame) const
@@ -320,17 +300,11 @@ QPolygonF CropMode::outline(const Rect& frame) const
     return polygon;
 }
 
-void CropMode::viewDrawOverCanvas(QPainter* painter, const QRectF&)
+void CropMode::draw(QPainter& painter)
 {
-    if (!ready())
-        return;
-    painter->save();
-    painter->resetTransform(); // lines and handles keep their size on screen at every zoom
-    painter->setRenderHint(QPainter::Antialiasing);
-    drawShade(*painter);
-    drawFrame(*painter);
-    drawHandles(*painter);
-    painter->restore();
+    drawShade(painter);
+    drawFrame(painter);
+    drawHandles(painter);
 }
 
 void CropMode::drawShade(QPainter& painter) const

@@ -40,7 +40,6 @@ public:
     void createDockWidgets(std::vector<QDockWidget*>& widgets) override;
     void createToolButtons(std::vector<QToolButton*>& buttons) override;
     QWidget* createStatusBarWidget() override;
-    void hide(bool closing) override;
     void canvasGeometryChanged(const QSize& displaySize, const QSize& realSize,
                                const Ondrel::TransformSeries& series) override;
     void currentToolAboutToChange() override;
@@ -51,7 +50,6 @@ public:
     void viewMouseReleaseEvent(QMouseEvent* event) override;
     void viewMouseLeaveEvent(QEvent* event) override;
     void viewKeyPressEvent(QKeyEvent* event) override;
-    void viewDrawOverCanvas(QPainter* painter, const QRectF& rect) override;
     QString modeName() const override;
 
 Q_SIGNALS:
@@ -62,6 +60,9 @@ public Q_SLOTS:
     void resetFrame();                            // to the whole picture, as a step of undo
 
 protected:
+    bool nudge(int dx, int dy) override;
+    void giveUp() override;
+    void draw(QPainter& painter) override;
     void showFrame(const Rect& frame); // without telling the host
     virtual void tellFrame();          // as the value of FrameField
 
@@ -75,8 +76,6 @@ private:
     std::optional<Handle> handleAt(const QPointF& viewPoint) const;
     QPolygonF outline(const Rect& frame) const;
     void finish(const QString& text, int kind, const Rect& before);
-    void nudge(int dx, int dy);
-    void giveUpDrag();
     void updateCursor(const QPointF& viewPoint);
     void zoomBy(const QRect& area, bool outwards);
     void drawShade(QPainter& painter) const;

@@ -314,6 +314,29 @@ TEST(ViewAtRatio2, AsksForAndDrawsDevicePixels)
     EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.constData();
 }
 
+TEST_F(View, NudgesSoonAfterEachOtherAreOneStep)
+{
+    play("add essentials/crop 260 0 Crop\nkey A\nwire photo image Crop image\nset Crop left 10\nset Crop width 40\n"
+         "set Crop top 5\nset Crop height 30\nshow Crop\nwait\nedit Crop\nwait");
+    const int steps = window.document().undoStack().count();
+    play("viewkey Right\nviewkey Right\nviewkey Down");
+    EXPECT_EQ(value("Crop", "left").toInt(), 12);
+    EXPECT_EQ(value("Crop", "top").toInt(), 6);
+    EXPECT_EQ(window.document().undoStack().count(), steps + 1);
+    play("key Ctrl+Z");
+    EXPECT_EQ(value("Crop", "left").toInt(), 10);
+    EXPECT_EQ(value("Crop", "top").toInt(), 5);
+    play("viewkey Right"); // the undo ends what goes together
+    EXPECT_EQ(window.document().undoStack().count(), steps + 1);
+    QTest::qWait(1100); // and so does a pause
+    play("viewkey Right\nviewkey Right");
+    EXPECT_EQ(window.document().undoStack().count(), steps + 2);
+    play("key Ctrl+Z");
+    EXPECT_EQ(value("Crop", "left").toInt(), 11);
+    play("viewkey Right\nstroke 31 20 34 20\nviewkey Right"); // and the mouse
+    EXPECT_EQ(window.document().undoStack().count(), steps + 4);
+}
+
 TEST(PictureItem, ComparedPictureLiesInTheMiddleOfTheOther)
 {
     EXPECT_EQ(placeOver(QSize(50, 50), QSize(100, 60)), QRectF(20, 0, 60, 60));

@@ -20,6 +20,12 @@
 
 namespace Host
 {
+namespace
+{
+
+constexpr int kKeysTogether = 1000; // milliseconds
+
+} // namespace
 
 ModeHost::ModeHost(Document& document, Scene& scene, ImagePane& pane, QMainWindow& window)
     : QObject(&window)
@@ -200,8 +206,22 @@ void ModeHost::storeValue(size_t fieldIndex, QVariant value, Rect)
     m_document.beginStep(m_mode->modeName());
     for (const auto& [field, kept] : std::exchange(m_kept, {}))
         m_document.setValue(m_node, field, kept);
-    m_document.endStep();
+    m_document.endStep(gestureOfStep());
+    m_undoIndex = m_document.undoStack().index();
     m_storing = false;
+}
+
+// Keys that follow each other soon are one step, as a drag of the mouse is; unless there was an undo in between.
+int ModeHost::gestureOfStep()
+{
+    if (!m_pane.view().isInKeyPress()) {
+        m_sinceKey.invalidate();
+        return 0;
+    }
+    const bool goesOn =
+        m_sinceKey.isValid() && m_sinceKey.elapsed() < kKeysTogether && m_document.undoStack().index() == m_undoIndex;
+    m_sinceKey.start();
+    return goesOn ? m_keyStep : ++m_keyStep;
 }
 
 // The document has a step of its own for each value.

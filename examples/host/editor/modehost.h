@@ -4,6 +4,8 @@
 
 #include <ondrel/nodes/modeinterface.h>
 
+#include <QElapsedTimer>
+
 #include <map>
 #include <memory>
 #include <vector>
@@ -57,6 +59,7 @@ private:
     void wire();
     void addControls();
     void tellAllValues();
+    int gestureOfStep();
     bool comesFrom(NodeId node, NodeId shown) const;
 
     Document& m_document;
@@ -67,6 +70,9 @@ private:
     NodeId m_node = 0;
     std::map<QString, QVariant> m_kept; // values that wait for the rest of their step
     bool m_storing = false;
+    QElapsedTimer m_sinceKey;         // the last value that came by a key
+    int m_keyStep = 0;                // the gesture of the values that come by keys one soon after the other
+    int m_undoIndex = 0;              // after the last of them
     std::vector<QWidget*> m_controls; // the window's
 };
 

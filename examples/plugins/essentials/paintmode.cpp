@@ -74,10 +74,10 @@ void PaintMode::setBrush(int size, int tenths)
     Q_EMIT requestCanvasUpdate();
 }
 
-void PaintMode::hide(bool closing)
+void PaintMode::giveUp()
 {
     m_points.clear();
-    PictureMode::hide(closing);
+    Q_EMIT requestCanvasUpdate();
 }
 
 void PaintMode::nodeInputChanged(unsigned long fieldIndex, const QVariant& value)
@@ -134,12 +134,8 @@ void PaintMode::viewKeyPressEvent(QKeyEvent* event)
         return setBrush(m_size, m_tenths - 1);
     case Qt::Key_BraceRight:
         return setBrush(m_size, m_tenths + 1);
-    case Qt::Key_Escape:
-        m_points.clear();
-        Q_EMIT requestCanvasUpdate();
-        return;
     default:
-        event->ignore();
+        PictureMode::viewKeyPressEvent(event);
     }
 }
 
@@ -150,25 +146,19 @@ double PaintMode::brushInView() const
 }
 
 // The stroke is shown as a line until the node has painted it.
-void PaintMode::viewDrawOverCanvas(QPainter* painter, const QRectF&)
+void PaintMode::draw(QPainter& painter)
 {
-    if (!ready())
-        return;
-    painter->save();
-    painter->resetTransform();
-    painter->setRenderHint(QPainter::Antialiasing);
     if (!m_points.isEmpty()) {
         const QColor color = QColor::fromRgba64(
             QRgba64::fromRgba64(m_color.red, m_color.green, m_color.blue, quint16(m_color.alpha * 0.8)));
-        painter->setPen(QPen(color, 2 * brushInView(), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setPen(QPen(color, 2 * brushInView(), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         const QPolygonF line = pictureToView().map(m_points);
-        line.size() == 1 ? painter->drawPoint(line.front()) : painter->drawPolyline(line);
+        line.size() == 1 ? painter.drawPoint(line.front()) : painter.drawPolyline(line);
     }
     if (m_pointer) {
-        painter->setPen(QPen(QColor(255, 255, 255, 200), 1));
-        painter->drawEllipse(*m_pointer, brushInView(), brushInView());
+        painter.setPen(QPen(QColor(255, 255, 255, 200), 1));
+        painter.drawEllipse(*m_pointer, brushInView(), brushInView());
     }
-    painter->restore();
 }
 
 } // namespace Essentials

@@ -23,16 +23,18 @@ public:
 
     void createDockWidgets(std::vector<QDockWidget*>& widgets) override;
     QWidget* createStatusBarWidget() override;
-    void hide(bool closing) override;
     void nodeInputChanged(unsigned long fieldIndex, const QVariant& value) override;
     void viewMousePressEvent(QMouseEvent* event) override;
     void viewMouseMoveEvent(QMouseEvent* event) override;
     void viewMouseReleaseEvent(QMouseEvent* event) override;
     void viewMouseLeaveEvent(QEvent* event) override;
     void viewKeyPressEvent(QKeyEvent* event) override;
-    void viewDrawOverCanvas(QPainter* painter, const QRectF& rect) override;
     bool isPaintingMode() const override { return true; }
     QString modeName() const override;
+
+protected:
+    void giveUp() override;
+    void draw(QPainter& painter) override;
 
 Q_SIGNALS:
     void brushChanged();

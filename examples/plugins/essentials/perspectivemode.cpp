@@ -30,12 +30,6 @@ std::optional<QPointF> PerspectiveMode::cornerInView(std::size_t corner) const
     return pictureToView().map(QPointF(at.x() * pictureSize().width(), at.y() * pictureSize().height()));
 }
 
-void PerspectiveMode::hide(bool closing)
-{
-    giveUpDrag();
-    PictureMode::hide(closing);
-}
-
 void PerspectiveMode::nodeInputChanged(unsigned long fieldIndex, const QVariant& value)
 {
     if (fieldIndex == SizeField)
@@ -65,20 +59,21 @@ void PerspectiveMode::tell()
     Q_EMIT inputValueChanged(CornersField, QVariant(list));
 }
 
-void PerspectiveMode::giveUpDrag()
+void PerspectiveMode::giveUp()
 {
     if (m_beforeDrag)
         showCorners(*std::exchange(m_beforeDrag, std::nullopt));
 }
 
-void PerspectiveMode::nudge(double dx, double dy)
+bool PerspectiveMode::nudge(int dx, int dy)
 {
     if (!ready() || m_beforeDrag)
-        return;
+        return true;
     Corners corners = m_corners;
-    corners[m_corner] += QPointF(dx / pictureSize().width(), dy / pictureSize().height());
+    corners[m_corner] += QPointF(double(dx) / pictureSize().width(), double(dy) / pictureSize().height());
     showCorners(corners);
     tell();
+    return true;
 }
 
 void PerspectiveMode::viewMousePressEvent(QMouseEvent* event)
@@ -113,44 +108,23 @@ void PerspectiveMode::viewMouseReleaseEvent(QMouseEvent* event)
 
 void PerspectiveMode::viewKeyPressEvent(QKeyEvent* event)
 {
-    const int step = event->modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1;
-    switch (event->key()) {
-    case Qt::Key_Left:
-        return nudge(-step, 0);
-    case Qt::Key_Right:
-        return nudge(step, 0);
-    case Qt::Key_Up:
-        return nudge(0, -step);
-    case Qt::Key_Down:
-        return nudge(0, step);
-    case Qt::Key_Space:
-        m_corner = (m_corner + 1) % m_corners.size();
-        Q_EMIT requestCanvasUpdate();
-        return;
-    case Qt::Key_Escape:
-        return giveUpDrag();
-    default:
-        event->ignore();
-    }
+    if (event->key() != Qt::Key_Space)
+        return PictureMode::viewKeyPressEvent(event);
+    m_corner = (m_corner + 1) % m_corners.size();
+    Q_EMIT requestCanvasUpdate();
 }
 
-void PerspectiveMode::viewDrawOverCanvas(QPainter* painter, const QRectF&)
+void PerspectiveMode::draw(QPainter& painter)
 {
-    if (!ready())
-        return;
-    painter->save();
-    painter->resetTransform(); // lines and handles keep their size on screen at every zoom
-    painter->setRenderHint(QPainter::Antialiasing);
     QPolygonF outline;
     for (std::size_t i = 0; i < m_corners.size(); ++i)
         outline << *cornerInView(i);
-    painter->setPen(QPen(QColor(255, 204, 0), 1.5));
-    painter->drawPolygon(outline);
+    painter.setPen(QPen(QColor(255, 204, 0), 1.5));
+    painter.drawPolygon(outline);
     for (std::size_t i = 0; i < m_corners.size(); ++i) {
-        painter->setBrush(i == m_corner ? QColor(255, 255, 255) : QColor(255, 204, 0));
-        painter->drawEllipse(outline[int(i)], 6, 6);
+        painter.setBrush(i == m_corner ? QColor(255, 255, 255) : QColor(255, 204, 0));
+        painter.drawEllipse(outline[int(i)], 6, 6);
     }
-    painter->restore();
 }
 
 } // namespace Essentials

@@ -17,22 +17,23 @@ public:
     using PictureMode::PictureMode;
     std::optional<QPointF> cornerInView(std::size_t corner) const; // nothing before the geometry is known
 
-    void hide(bool closing) override;
     void nodeInputChanged(unsigned long fieldIndex, const QVariant& value) override;
     void viewMousePressEvent(QMouseEvent* event) override;
     void viewMouseMoveEvent(QMouseEvent* event) override;
     void viewMouseReleaseEvent(QMouseEvent* event) override;
     void viewKeyPressEvent(QKeyEvent* event) override;
-    void viewDrawOverCanvas(QPainter* painter, const QRectF& rect) override;
     bool previewMode() const override { return m_growing; }
     QString modeName() const override;
+
+protected:
+    bool nudge(int dx, int dy) override;
+    void giveUp() override;
+    void draw(QPainter& painter) override;
 
 private:
     using Corners = std::array<QPointF, 4>;   // in fractions of the picture: top left, and on clockwise
     void showCorners(const Corners& corners); // without telling the host
     void tell();
-    void nudge(double dx, double dy);
-    void giveUpDrag();
 
     Corners m_corners = {QPointF(0, 0), QPointF(1, 0), QPointF(1, 1), QPointF(0, 1)};
     std::optional<Corners> m_beforeDrag;
