@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QIcon>
 
 #include <cstdio>
 
@@ -24,6 +25,8 @@ int main(int argc, char** argv)
     PlatformPrivate::setup(argc, &argv);
     QApplication application(argc, argv);
     Host::nameApplication();
+    QGuiApplication::setDesktopFileName("org.ondrel.Editor");
+    QApplication::setWindowIcon(QIcon(":/desktop/org.ondrel.Editor.svg"));
     QApplication::setPalette(Common::darkPalette(QColor(50, 49, 49)));
 
     QCommandLineParser parser;
