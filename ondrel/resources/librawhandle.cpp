@@ -1,28 +1,9 @@
 #include <ondrel/resources/decodelimits_p.h>
 #include <ondrel/resources/librawhandle_p.h>
-
-#include <algorithm>
-#include <string_view>
+#include <ondrel/resources/librawhazards_p.h>
 
 namespace Ondrel
 {
-namespace
-{
-
-bool beginsWith(const std::vector<unsigned char>& data, std::string_view word)
-{
-    return data.size() >= word.size() && std::equal(word.begin(), word.end(), data.begin());
-}
-
-// LibRaw 0.20 never returns from some files that begin with the first word, overflows its stack on others, and writes
-// past an array on some that begin with the second (docs/thirdparty-findings.md). Only video frames and the previews of
-// a model of 1998 begin so.
-bool isSafeForLibRaw(const std::vector<unsigned char>& data)
-{
-    return !beginsWith(data, "RIFF") && !beginsWith(data, "DSC-Image");
-}
-
-} // namespace
 
 std::unique_ptr<LibRaw> openRaw(const std::vector<unsigned char>& data)
 {

@@ -4,6 +4,8 @@
 
 #include "tests/reference/raw_reference.h"
 
+#include <ondrel/resources/librawhazards_p.h>
+
 #include <QThread>
 
 #include <atomic>
@@ -178,14 +180,60 @@ TEST_F(RawHostile, FlippedBytes)
         // The sizes stay as they are: larger ones fill gigabytes that no file holds.
         for (int i = 0; i < 120; ++i) {
             const std::size_t place = 46 + random() % 600;
-            if (kind == Kind::XTrans && place >= 178 && place < 190)
-                continue; // LibRaw crashes where a pattern of 36 entries is not called 6 x 6
             Bytes file = whole;
             file[place] = static_cast<unsigned char>(file[place] ^ (1 + random() % 255));
             SCOPED_TRACE(std::to_string(int(kind)) + ", byte " + std::to_string(place));
             checkIsDecodedIfAccepted(file);
         }
     }
+}
+
+// LibRaw does not survive a pattern of 36 entries that is not called 6 x 6.
+TEST_F(RawHostile, AnyChangeToTheSizeOfAPatternOfSixBySix)
+{
+    constexpr std::size_t repeatPatternDim = 178, end = repeatPatternDim + 12; // the entry in the directory
+    const Bytes whole = randomDng(Kind::XTrans, 24, 24).bytes();
+    ASSERT_EQ(whole[repeatPatternDim] | whole[repeatPatternDim + 1] << 8, 33421);
+    for (std::size_t place = repeatPatternDim; place < end; ++place) {
+        for (const int flip : {1, 2, 5, 64, 255}) {
+            Bytes file = whole;
+            file[place] = static_cast<unsigned char>(file[place] ^ flip);
+            SCOPED_TRACE(std::to_string(place) + ", " + std::to_string(flip));
+            expectRefused(file);
+        }
+    }
+    EXPECT_TRUE(StoredRaw(whole).accepted);
+}
+
+TEST_F(RawHostile, PatternOfThirtySixIsDangerousInEitherByteOrderAndAnywhere)
+{
+    const Bytes dimLittle = {0x8D, 0x82, 3, 0, 2, 0, 0, 0, 6, 0, 6, 0};
+    const Bytes dimBig = {0x82, 0x8D, 0, 3, 0, 0, 0, 2, 0, 6, 0, 6};
+    const Bytes little = {0x8E, 0x82, 1, 0, 36, 0, 0, 0}, big = {0x82, 0x8E, 0, 1, 0, 0, 0, 36};
+    const Bytes otherLittle = {0x09, 0xFD, 1, 0, 36, 0, 0, 0}, otherBig = {0xFD, 0x09, 0, 1, 0, 0, 0, 36};
+    const auto isSafe = [](std::size_t before, std::initializer_list<Bytes> parts) {
+        Bytes file(before, 0xA5);
+        for (const Bytes& part : parts)
+            file.insert(file.end(), part.begin(), part.end());
+        return Ondrel::isSafeForLibRaw(file);
+    };
+    for (const std::size_t before : {0u, 1u, 5u, 11u, 12u, 4084u, 4085u, 4088u, 4091u, 4095u, 4096u, 9001u}) {
+        SCOPED_TRACE(before);
+        EXPECT_FALSE(isSafe(before, {little}));
+        EXPECT_FALSE(isSafe(before, {big}));
+        EXPECT_FALSE(isSafe(before, {dimBig, little}));
+        EXPECT_FALSE(isSafe(before, {dimLittle, big}));
+        EXPECT_FALSE(isSafe(before, {dimLittle, otherLittle}));
+        EXPECT_FALSE(isSafe(before, {dimBig, otherBig}));
+        EXPECT_TRUE(isSafe(before, {dimLittle, little}));
+        EXPECT_TRUE(isSafe(before, {dimBig, big}));
+        EXPECT_TRUE(isSafe(before, {dimBig, big, dimLittle, little}));
+        EXPECT_FALSE(isSafe(before, {dimBig, big, little}));
+        EXPECT_TRUE(isSafe(before, {Bytes(little.begin(), little.end() - 1)})) << "cut";
+    }
+    EXPECT_TRUE(Ondrel::isSafeForLibRaw({}));
+    EXPECT_TRUE(Ondrel::isSafeForLibRaw({36, 0, 0, 0}));
+    EXPECT_TRUE(Ondrel::isSafeForLibRaw({0, 0, 0, 36}));
 }
 
 TEST_F(RawHostile, ResourceThatHasBecomeInvalidIsAnEmptyImageAndALine)
