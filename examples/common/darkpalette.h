@@ -16,6 +16,8 @@ inline QPalette darkPalette(const QColor& window)
     palette.setColor(QPalette::Base, QColor(28, 28, 28));
     palette.setColor(QPalette::Highlight, QColor(255, 204, 0));
     palette.setColor(QPalette::HighlightedText, QColor(50, 47, 47));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(118, 116, 116));
     return palette;
 }
 

@@ -314,6 +314,17 @@ TEST(ViewAtRatio2, AsksForAndDrawsDevicePixels)
     EXPECT_TRUE(output.contains("[  PASSED  ] 1 test")) << output.constData();
 }
 
+TEST_F(View, CornersOfAPerspectiveAreHeldWhereTheyAreSeen)
+{
+    play("add essentials/perspective 260 0 Tilt\nkey A\nwire photo image Tilt image\nshow Tilt\nwait\nedit Tilt\n"
+         "stroke 0 0 18 12\nwait\nstroke 18 12 27 20\nwait\nstroke 90 60 80 50\nwait");
+    const QVariantList corners = value("Tilt", "corners").toList();
+    EXPECT_NEAR(corners.value(0).toPointF().x(), 27 / 90.0, 0.02);
+    EXPECT_NEAR(corners.value(0).toPointF().y(), 20 / 60.0, 0.02);
+    EXPECT_NEAR(corners.value(2).toPointF().x(), 80 / 90.0, 0.02);
+    EXPECT_NEAR(corners.value(2).toPointF().y(), 50 / 60.0, 0.02);
+}
+
 TEST_F(View, NudgesSoonAfterEachOtherAreOneStep)
 {
     play("add essentials/crop 260 0 Crop\nkey A\nwire photo image Crop image\nset Crop left 10\nset Crop width 40\n"

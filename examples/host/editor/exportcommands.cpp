@@ -42,9 +42,11 @@ void ExportCommands::chooseAndExport()
     const QVariantMap values = shownOutputValues();
     const QString last = values.value("file").toString();
     const QString folder = m_files.file().isEmpty() ? QDir::homePath() : QFileInfo(m_files.file()).path();
-    ExportDialog dialog(last.isEmpty() ? folder + "/" + record->name : last, values, &m_window);
-    if (dialog.exec() == QDialog::Accepted)
-        exportPicture(dialog.file(), dialog.outputValues());
+    auto* const dialog = new ExportDialog(last.isEmpty() ? folder + "/" + record->name : last, values, &m_window);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this,
+            [this, dialog] { exportPicture(dialog->file(), dialog->outputValues()); });
+    dialog->open();
 }
 
 void ExportCommands::exportPicture(const QString& file, const QVariantMap& outputValues)

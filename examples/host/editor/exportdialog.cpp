@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
@@ -36,7 +37,8 @@ ExportDialog::ExportDialog(const QString& file, const QVariantMap& values, QWidg
     , m_pngCompression(new QSpinBox(this))
     , m_tiffCompression(new QComboBox(this))
     , m_profile(new QComboBox(this))
-    , m_alpha(new QCheckBox(this))
+    , m_alpha(new QCheckBox(tr("Keep &alpha"), this))
+    , m_form(new QFormLayout(this))
 {
     setWindowTitle(tr("Export picture"));
     m_format->addItems({"PNG", "JPEG", "TIFF"}); // in the order of FileFormat
@@ -61,17 +63,19 @@ ExportDialog::ExportDialog(const QString& file, const QVariantMap& values, QWidg
     place->addWidget(browse);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttons->button(QDialogButtonBox::Ok)->setText(tr("Export"));
-    auto* const form = new QFormLayout(this);
-    form->addRow(tr("&File"), place);
-    form->addRow(tr("F&ormat"), m_format);
-    form->addRow(tr("&Depth"), m_depth);
-    form->addRow(tr("&Quality"), m_quality);
-    form->addRow(tr("PNG &compression"), m_pngCompression);
-    form->addRow(tr("&TIFF compression"), m_tiffCompression);
-    form->addRow(tr("&Profile"), m_profile);
-    form->addRow(tr("&Alpha"), m_alpha);
-    form->addRow(buttons);
-    resize(480, sizeHint().height());
+    auto* const fileLabel = new QLabel(tr("&File"), this);
+    fileLabel->setBuddy(m_file);
+    m_form->addRow(fileLabel, place);
+    m_form->addRow(tr("F&ormat"), m_format);
+    m_form->addRow(tr("&Depth"), m_depth);
+    m_form->addRow(tr("&Quality"), m_quality);
+    m_form->addRow(tr("PNG &compression"), m_pngCompression);
+    m_form->addRow(tr("&TIFF compression"), m_tiffCompression);
+    m_form->addRow(tr("&Profile"), m_profile);
+    m_form->addRow(QString(), m_alpha);
+    m_form->addRow(buttons);
+    layout()->setSizeConstraint(QLayout::SetFixedSize); // as high as the rows of the format
+    m_file->setMinimumWidth(320);
     connect(browse, SIGNAL(clicked()), this, SLOT(choosePlace()));
     connect(m_format, SIGNAL(currentIndexChanged(int)), this, SLOT(showFormat()));
     connect(buttons, SIGNAL(accepted()), this, SLOT(accept()));
@@ -133,11 +137,18 @@ void ExportDialog::showFormat()
 {
     const QFileInfo place(m_file->text());
     m_file->setText(place.path() + "/" + place.completeBaseName() + "." + suffixOf(format()));
-    m_depth->setEnabled(format() != FileFormat::Jpeg);
-    m_alpha->setEnabled(format() != FileFormat::Jpeg);
-    m_quality->setEnabled(format() == FileFormat::Jpeg);
-    m_pngCompression->setEnabled(format() == FileFormat::Png);
-    m_tiffCompression->setEnabled(format() == FileFormat::Tiff);
+    showRow(m_depth, format() != FileFormat::Jpeg);
+    showRow(m_alpha, format() != FileFormat::Jpeg);
+    showRow(m_quality, format() == FileFormat::Jpeg);
+    showRow(m_pngCompression, format() == FileFormat::Png);
+    showRow(m_tiffCompression, format() == FileFormat::Tiff);
+}
+
+void ExportDialog::showRow(QWidget* control, bool visible)
+{
+    control->setVisible(visible);
+    if (QWidget* const label = m_form->labelForField(control))
+        label->setVisible(visible);
 }
 
 } // namespace Host

@@ -7,6 +7,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QFormLayout;
 class QLineEdit;
 class QSpinBox;
 
@@ -31,6 +32,7 @@ private Q_SLOTS:
 
 private:
     void fillProfiles(const QVariantMap& values);
+    void showRow(QWidget* control, bool visible);
 
     QLineEdit* m_file;
     QComboBox* m_format;
@@ -40,6 +42,7 @@ private:
     QComboBox* m_tiffCompression;
     QComboBox* m_profile;
     QCheckBox* m_alpha;
+    QFormLayout* m_form;
 };
 
 } // namespace Host

@@ -10,6 +10,7 @@
 
 #include <QAction>
 #include <QDockWidget>
+#include <QLabel>
 #include <QMainWindow>
 #include <QScrollBar>
 #include <QStatusBar>
@@ -97,6 +98,9 @@ void ModeHost::addControls()
     auto* const bar = new QToolBar(m_mode->modeName(), &m_window);
     bar->setObjectName("modeBar");
     bar->setMovable(false);
+    auto* const name = new QLabel(m_mode->modeName(), bar);
+    name->setContentsMargins(6, 0, 10, 0);
+    bar->addWidget(name);
     std::vector<QToolButton*> buttons;
     m_mode->createToolButtons(buttons);
     for (QToolButton* button : buttons) {

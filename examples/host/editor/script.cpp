@@ -18,10 +18,12 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QRegularExpression>
 #include <QStatusBar>
 #include <QTimer>
@@ -105,6 +107,8 @@ bool Script::runLine(const QStringList& words)
     }
     if (command == "wait")
         return wait();
+    if (command == "accept" || command == "cancel")
+        return endDialog(command == "accept");
     if (command == "grab")
         return grab(words.value(1));
     return runNode(words);
@@ -310,11 +314,30 @@ bool Script::wait()
     return true;
 }
 
+// With the dialogs that are open, in its middle: without a window manager they have no place of their own.
 bool Script::grab(const QString& name)
 {
     for (int i = 0; i < 3; ++i)
         QApplication::processEvents();
-    return m_window.grab().save(m_folder.filePath(name + ".png"), "PNG") || fail("the picture could not be written");
+    QPixmap picture = m_window.grab();
+    QPainter painter(&picture);
+    for (QDialog* const dialog : m_window.findChildren<QDialog*>()) {
+        if (dialog->isVisible())
+            painter.drawPixmap(m_window.rect().center() - dialog->rect().center(), dialog->grab());
+    }
+    painter.end();
+    return picture.save(m_folder.filePath(name + ".png"), "PNG") || fail("the picture could not be written");
+}
+
+bool Script::endDialog(bool accepts)
+{
+    for (QDialog* const dialog : m_window.findChildren<QDialog*>()) {
+        if (!dialog->isVisible())
+            continue;
+        accepts ? dialog->accept() : dialog->reject();
+        return true;
+    }
+    return fail("no dialog is open");
 }
 
 } // namespace Host

@@ -34,7 +34,8 @@ class EditorWindow;
 //   key SEQUENCE                     "Ctrl+Z", "Delete", "D"
 //   wait                             until all pictures are there
 //   expect nodes N | wires N | value NODE FIELD TEXT | status TEXT
-//   grab NAME                        a picture of the window
+//   accept | cancel                  the dialog that is open
+//   grab NAME                        a picture of the window, with the dialogs that are open
 class Script
 {
 public:
@@ -59,6 +60,7 @@ private:
     bool type(const QString& text);
     bool wait();
     bool grab(const QString& name);
+    bool endDialog(bool accepts);
     void drag(QGraphicsView& view, const QPointF& from, const QPointF& to);
     void answerSearch();
     bool fail(const QString& reason);

@@ -1,3 +1,4 @@
+#include "corners.h"
 #include "geometry.h"
 #include "nodes.h"
 #include "perspectivemode.h"
@@ -9,7 +10,6 @@
 
 #include <Eigen/LU>
 
-#include <array>
 #include <cmath>
 #include <optional>
 
@@ -17,10 +17,6 @@ namespace Essentials
 {
 namespace
 {
-
-using Corners = std::array<Eigen::Vector2d, 4>; // top left, top right, bottom right, bottom left
-
-const Corners kUnmoved = {Eigen::Vector2d(0, 0), Eigen::Vector2d(1, 0), Eigen::Vector2d(1, 1), Eigen::Vector2d(0, 1)};
 
 // Where the corners of the picture go, in fractions of its size. What is missing stays.
 Corners cornersOf(const QVariantMap& values)
@@ -32,22 +28,10 @@ Corners cornersOf(const QVariantMap& values)
         if (!element.canConvert<QPointF>())
             continue;
         const QPointF point = element.toPointF();
-        corners[i] = {limited(point.x(), -10, 11, corners[i].x()), limited(point.y(), -10, 11, corners[i].y())};
+        corners[i] = {limited(point.x(), kLeastCorner, kGreatestCorner, corners[i].x()),
+                      limited(point.y(), kLeastCorner, kGreatestCorner, corners[i].y())};
     }
     return corners;
-}
-
-// Turning the same way at every corner, and at none too little: only then is there a view like this of a rectangle.
-bool isConvex(const Corners& corners)
-{
-    int left = 0, right = 0;
-    for (std::size_t i = 0; i < 4; ++i) {
-        const Eigen::Vector2d a = corners[(i + 1) % 4] - corners[i], b = corners[(i + 2) % 4] - corners[(i + 1) % 4];
-        const double cross = a.x() * b.y() - a.y() * b.x();
-        left += cross < -1e-6 ? 1 : 0;
-        right += cross > 1e-6 ? 1 : 0;
-    }
-    return left == 4 || right == 4;
 }
 
 // The homography from the unit square to four points, by the linear equations of each (R. Hartley, A. Zisserman,

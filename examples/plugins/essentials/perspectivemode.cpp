@@ -1,11 +1,15 @@
 #include "perspectivemode.h"
 
+#include "corners.h"
 #include "values.h"
 
 #include <QGraphicsView>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
+
+#include <algorithm>
 
 namespace Essentials
 {
@@ -22,12 +26,34 @@ QString PerspectiveMode::modeName() const
     return tr("Perspective");
 }
 
+QWidget* PerspectiveMode::createStatusBarWidget()
+{
+    return new QLabel(tr("Drag a corner; Space chooses one, the arrow keys move it, Escape gives up"));
+}
+
+// The route of the picture to the view leads through the node as it is, but the corners lie in what it makes.
+QTransform PerspectiveMode::resultToView() const
+{
+    Corners corners = kUnmoved;
+    QPolygonF from, to;
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        corners[i] = {m_applied[i].x(), m_applied[i].y()};
+        from << QPointF(kUnmoved[i].x() * pictureSize().width(), kUnmoved[i].y() * pictureSize().height());
+        to << QPointF(m_applied[i].x() * pictureSize().width(), m_applied[i].y() * pictureSize().height());
+    }
+    QTransform toPicture;
+    const bool isBypassed = previewMode();
+    if (isBypassed || !isConvex(corners) || !QTransform::quadToQuad(to, from, toPicture))
+        return pictureToView();
+    return toPicture * pictureToView();
+}
+
 std::optional<QPointF> PerspectiveMode::cornerInView(std::size_t corner) const
 {
     if (!ready())
         return std::nullopt;
     const QPointF& at = m_corners[corner];
-    return pictureToView().map(QPointF(at.x() * pictureSize().width(), at.y() * pictureSize().height()));
+    return resultToView().map(QPointF(at.x() * pictureSize().width(), at.y() * pictureSize().height()));
 }
 
 void PerspectiveMode::nodeInputChanged(unsigned long fieldIndex, const QVariant& value)
@@ -36,16 +62,17 @@ void PerspectiveMode::nodeInputChanged(unsigned long fieldIndex, const QVariant&
         m_growing = choice({{"size", value}}, "size", {"Same Size", "Whole Picture"}) == 1;
     if (fieldIndex != CornersField)
         return;
-    Corners corners = {QPointF(0, 0), QPointF(1, 0), QPointF(1, 1), QPointF(0, 1)};
+    Points corners = {QPointF(0, 0), QPointF(1, 0), QPointF(1, 1), QPointF(0, 1)};
     const QVariantList list = value.toList();
     for (int i = 0; i < 4; ++i) {
         if (list.value(i).canConvert<QPointF>())
             corners[std::size_t(i)] = list[i].toPointF();
     }
+    m_applied = corners;
     showCorners(corners);
 }
 
-void PerspectiveMode::showCorners(const Corners& corners)
+void PerspectiveMode::showCorners(const Points& corners)
 {
     m_corners = corners;
     Q_EMIT requestCanvasUpdate();
@@ -53,6 +80,7 @@ void PerspectiveMode::showCorners(const Corners& corners)
 
 void PerspectiveMode::tell()
 {
+    m_applied = m_corners; // the host answers at once
     QVariantList list;
     for (const QPointF& corner : m_corners)
         list.append(corner);
@@ -69,7 +97,7 @@ bool PerspectiveMode::nudge(int dx, int dy)
 {
     if (!ready() || m_beforeDrag)
         return true;
-    Corners corners = m_corners;
+    Points corners = m_corners;
     corners[m_corner] += QPointF(double(dx) / pictureSize().width(), double(dy) / pictureSize().height());
     showCorners(corners);
     tell();
@@ -92,11 +120,13 @@ void PerspectiveMode::viewMousePressEvent(QMouseEvent* event)
 
 void PerspectiveMode::viewMouseMoveEvent(QMouseEvent* event)
 {
-    const std::optional<QPointF> point = m_beforeDrag ? pictureAt(event->localPos()) : std::nullopt;
-    if (!point)
+    if (!m_beforeDrag)
         return;
-    Corners corners = m_corners;
-    corners[m_corner] = QPointF(point->x() / pictureSize().width(), point->y() / pictureSize().height());
+    const QPointF point = resultToView().inverted().map(event->localPos());
+    const auto limited = [](double part) { return std::clamp(part, kLeastCorner, kGreatestCorner); };
+    Points corners = m_corners;
+    corners[m_corner] =
+        QPointF(limited(point.x() / pictureSize().width()), limited(point.y() / pictureSize().height()));
     showCorners(corners);
 }
 

@@ -23,6 +23,7 @@ public:
     void viewMouseReleaseEvent(QMouseEvent* event) override;
     void viewKeyPressEvent(QKeyEvent* event) override;
     bool previewMode() const override { return m_growing; }
+    QWidget* createStatusBarWidget() override;
     QString modeName() const override;
 
 protected:
@@ -31,12 +32,14 @@ protected:
     void draw(QPainter& painter) override;
 
 private:
-    using Corners = std::array<QPointF, 4>;   // in fractions of the picture: top left, and on clockwise
-    void showCorners(const Corners& corners); // without telling the host
+    using Points = std::array<QPointF, 4>;   // in fractions of the picture: top left, and on clockwise
+    void showCorners(const Points& corners); // without telling the host
+    QTransform resultToView() const;
     void tell();
 
-    Corners m_corners = {QPointF(0, 0), QPointF(1, 0), QPointF(1, 1), QPointF(0, 1)};
-    std::optional<Corners> m_beforeDrag;
+    Points m_corners = {QPointF(0, 0), QPointF(1, 0), QPointF(1, 1), QPointF(0, 1)};
+    Points m_applied = m_corners; // those that the node has
+    std::optional<Points> m_beforeDrag;
     std::size_t m_corner = 0; // the chosen one
     bool m_growing = false;   // the result is as large as its corners want: there is no fixed ground under them
 };
