@@ -199,14 +199,16 @@ TEST_F(ShortcutsOfTheEditor, NamesByPlaceDoNotHangOnTitles)
     QMenu* const menu = bar.addMenu("Irgendwas");
     QMenu* const inner = menu->addMenu("Innen");
     QAction* const action = inner->addAction("Tu es");
-    action->setShortcut(QKeySequence("Ctrl+T"));
+    action->setShortcut(QKeySequence("Ctrl+/"));
+    const QAction* const other = inner->addAction("Tu was anderes");
     QMenu* const recent = menu->addMenu("Zuletzt");
     recent->setProperty("changing", true);
     recent->addAction("eins");
     Shortcuts shortcuts(parent);
     shortcuts.takeMenus(bar);
-    EXPECT_EQ(action->objectName(), "menu.0.0.0");
-    ASSERT_EQ(shortcuts.entries().size(), 1u);
+    EXPECT_EQ(action->objectName(), "menu.0.0.Ctrl+slash");
+    EXPECT_EQ(other->objectName(), "menu.0.0.1");
+    ASSERT_EQ(shortcuts.entries().size(), 2u);
     EXPECT_EQ(shortcuts.entries()[0].place, "Irgendwas > Innen");
 }
 

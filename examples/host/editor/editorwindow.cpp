@@ -126,20 +126,23 @@ void EditorWindow::addFileMenu()
 {
     QMenu* const file = menuBar()->addMenu(tr("&File"));
     file->setObjectName("file");
-    file->addAction(tr("&New"), m_files, SLOT(startNew()), QKeySequence::New);
-    file->addAction(tr("&Open..."), m_files, SLOT(chooseAndOpen()), QKeySequence::Open);
+    file->addAction(tr("&New"), m_files, SLOT(startNew()), QKeySequence::New)->setObjectName("file.new");
+    file->addAction(tr("&Open..."), m_files, SLOT(chooseAndOpen()), QKeySequence::Open)->setObjectName("file.open");
     auto* const recent = new RecentMenu(this);
     recent->setProperty("changing", true);
     file->addMenu(recent);
     connect(recent, SIGNAL(chosen(QString)), m_files, SLOT(openAfterAsking(QString)));
     connect(m_files, &ProjectFiles::used, recent, &RecentMenu::add);
-    file->addAction(tr("&Save"), m_files, SLOT(save()), QKeySequence::Save);
-    file->addAction(tr("Save &as..."), m_files, SLOT(chooseAndSave()), QKeySequence::SaveAs);
+    file->addAction(tr("&Save"), m_files, SLOT(save()), QKeySequence::Save)->setObjectName("file.save");
+    file->addAction(tr("Save &as..."), m_files, SLOT(chooseAndSave()), QKeySequence::SaveAs)
+        ->setObjectName("file.saveAs");
     file->addSeparator();
-    file->addAction(tr("&Import images..."), this, SLOT(importImages()), QKeySequence("Ctrl+I"));
-    file->addAction(tr("&Export picture..."), m_exportCommands, SLOT(chooseAndExport()), QKeySequence("Ctrl+E"));
+    file->addAction(tr("&Import images..."), this, SLOT(importImages()), QKeySequence("Ctrl+I"))
+        ->setObjectName("file.import");
+    file->addAction(tr("&Export picture..."), m_exportCommands, SLOT(chooseAndExport()), QKeySequence("Ctrl+E"))
+        ->setObjectName("file.export");
     file->addSeparator();
-    file->addAction(tr("&Quit"), this, SLOT(close()), QKeySequence::Quit);
+    file->addAction(tr("&Quit"), this, SLOT(close()), QKeySequence::Quit)->setObjectName("file.quit");
 }
 
 void EditorWindow::addEditMenu()
@@ -147,8 +150,10 @@ void EditorWindow::addEditMenu()
     QMenu* const edit = menuBar()->addMenu(tr("&Edit"));
     edit->setObjectName("edit");
     QAction* const undo = m_document.undoStack().createUndoAction(this);
+    undo->setObjectName("edit.undo");
     undo->setShortcut(QKeySequence::Undo);
     QAction* const redo = m_document.undoStack().createRedoAction(this);
+    redo->setObjectName("edit.redo");
     redo->setShortcuts({QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")});
     edit->addActions({undo, redo});
     edit->addSeparator();
@@ -156,7 +161,7 @@ void EditorWindow::addEditMenu()
     edit->addSeparator();
     m_canvasKeys->addActions(*edit);
     edit->addSeparator();
-    edit->addAction(tr("&Free memory"), m_memory, SLOT(freeCaches()));
+    edit->addAction(tr("&Free memory"), m_memory, SLOT(freeCaches()))->setObjectName("edit.freeMemory");
     edit->addAction(tr("Pre&ferences..."), m_preferences, SLOT(openDialog()), QKeySequence("Ctrl+,"))
         ->setObjectName("edit.preferences");
     edit->addAction(tr("&Keyboard shortcuts..."), m_shortcuts, SLOT(openDialog()))->setObjectName("edit.shortcuts");
@@ -174,12 +179,13 @@ void EditorWindow::addViewMenu()
     view->addMenu(new ViewMenu(*m_imagePane, this));
     m_editInView = view->addAction(tr("&Edit node in view"));
     m_editInView->setShortcut(QKeySequence("E"));
+    m_editInView->setObjectName("view.editInView");
     m_editInView->setCheckable(true);
     connect(m_editInView, SIGNAL(triggered(bool)), this, SLOT(editInView(bool)));
     QAction* const fit = view->addAction(tr("Fit &picture"), m_imagePane, SLOT(fit()), QKeySequence("Ctrl+0"));
-    fit->setObjectName("fitPicture");
+    fit->setObjectName("view.fitPicture");
     QAction* const pixels = view->addAction(tr("P&ixels of the picture"), m_imagePane, SLOT(showPixels()));
-    pixels->setObjectName("showPixels");
+    pixels->setObjectName("view.showPixels");
     pixels->setShortcut(QKeySequence("Ctrl+1"));
 }
 

@@ -23,6 +23,7 @@ Exporter::Exporter(const NodeTypes& types, ResultCache& cache, QWidget* parent)
     stop->setObjectName("cancelExport");
     m_bar->setAccessibleName(tr("Export"));
     m_bar->setMaximumWidth(160);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     auto* const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_name);
@@ -71,7 +72,7 @@ void Exporter::start()
         m_running = std::make_shared<Job>();
         m_running->order = m_waiting.front();
         m_waiting.pop_front();
-        m_bar->setValue(0);
+        m_bar->setRange(0, 0); // how long computing takes is not known; writing tells how far it is
     }
     showState();
     if (!m_running)
@@ -92,7 +93,12 @@ QString Exporter::write(Job& job)
         return outcome.errors.isEmpty() ? tr("There is no picture to export.") : outcome.errors.begin().value();
     const auto progress = [this, &job](int percent) {
         QMetaObject::invokeMethod(
-            &m_worker, [this, percent] { m_bar->setValue(percent); }, Qt::QueuedConnection);
+            &m_worker,
+            [this, percent] {
+                m_bar->setRange(0, 100);
+                m_bar->setValue(percent);
+            },
+            Qt::QueuedConnection);
         return !job.cancelled;
     };
     return exportPicture(*outcome.picture.image, job.order.format, job.order.values, job.order.file, progress).error;

@@ -31,11 +31,14 @@ bool disturbs(const QKeySequence& one, const QKeySequence& other)
            (one.matches(other) != QKeySequence::NoMatch || other.matches(one) != QKeySequence::NoMatch);
 }
 
-// Its place among those beside it stays, whatever language their titles are in.
-void nameByPlace(QObject& object, const QString& parent, int index)
+// Titles are in some language or other; the keys that the program begins with, and the place, are not.
+void nameByPlace(QObject& object, const QString& parent, int index, const QKeySequence& keys = QKeySequence())
 {
-    if (object.objectName().isEmpty())
-        object.setObjectName(QString("%1.%2").arg(parent).arg(index));
+    if (!object.objectName().isEmpty())
+        return;
+    QString part = keys.toString(QKeySequence::PortableText);
+    part.replace('/', "slash").replace('\\', "backslash"); // which part groups of settings
+    object.setObjectName(QString("%1.%2").arg(parent, part.isEmpty() ? QString::number(index) : part));
 }
 
 } // namespace
@@ -68,7 +71,7 @@ void Shortcuts::takeMenu(QMenu& menu, const QString& place)
             nameByPlace(*inner, menu.objectName(), index);
             takeMenu(*inner, place + " > " + withoutMarks(inner->title()));
         } else if (!action->isSeparator()) {
-            nameByPlace(*action, menu.objectName(), index);
+            nameByPlace(*action, menu.objectName(), index, action->shortcut());
             take(*action, place);
         }
         ++index;

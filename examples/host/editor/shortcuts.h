@@ -29,8 +29,8 @@ public:
     explicit Shortcuts(QWidget& window);
 
     // Takes all actions of the menus as they are now, with their shortcuts as the initial ones, and gives them what the
-    // settings have. An action or menu without an object name gets one by its place. Actions of menus whose property
-    // "changing" is true come and go, and are left out.
+    // settings have. An action without an object name gets one by its menu's and its initial shortcut, or its place
+    // there. Actions of menus whose property "changing" is true come and go, and are left out.
     void takeMenus(const QMenuBar& bar);
 
     const std::vector<Entry>& entries() const { return m_entries; }
