@@ -348,6 +348,32 @@ TEST_F(View, NudgesSoonAfterEachOtherAreOneStep)
     EXPECT_EQ(window.document().undoStack().count(), steps + 4);
 }
 
+// One clipped pixel of a picture that is shown at a fifth of its size.
+TEST_F(View, ClippingIsSeenInASmallViewToo)
+{
+    QImage grey(4000, 3000, QImage::Format_RGB888);
+    grey.fill(QColor(120, 120, 120));
+    grey.setPixelColor(2003, 1501, Qt::white);
+    grey.setPixelColor(1003, 701, Qt::black);
+    ASSERT_TRUE(grey.save(path("grey.png")));
+    play("import " + path("grey.png") + " 0 300\nshow grey\nkey M\nwait");
+    ASSERT_LT(pane().zoom(), 0.25);
+    const QImage shown = pane().view().viewport()->grab().toImage();
+    const auto around = [&](QPointF at) {
+        return shown.copy(QRect(pane().view().mapFromScene(at) - QPoint(3, 3), QSize(7, 7)));
+    };
+    const auto reddest = [](const QImage& part) {
+        int most = 0;
+        for (int i = 0; i < 49; ++i)
+            most = std::max(most, qRed(part.pixel(i % 7, i / 7)) - qGreen(part.pixel(i % 7, i / 7)));
+        return most;
+    };
+    EXPECT_GT(reddest(around(QPointF(2003.5, 1501.5))), 100);
+    EXPECT_GT(reddest(around(QPointF(1003.5, 701.5)).rgbSwapped()), 100); // blue
+    EXPECT_EQ(reddest(around(QPointF(3000, 2000))), 0);
+    play("key M\nwait");
+}
+
 TEST(PictureItem, ComparedPictureLiesInTheMiddleOfTheOther)
 {
     EXPECT_EQ(placeOver(QSize(50, 50), QSize(100, 60)), QRectF(20, 0, 60, 60));

@@ -164,7 +164,8 @@ void EditorWindow::addEditMenu()
     edit->addAction(tr("&Free memory"), m_memory, SLOT(freeCaches()))->setObjectName("edit.freeMemory");
     edit->addAction(tr("Pre&ferences..."), m_preferences, SLOT(openDialog()), QKeySequence("Ctrl+,"))
         ->setObjectName("edit.preferences");
-    edit->addAction(tr("&Keyboard shortcuts..."), m_shortcuts, SLOT(openDialog()))->setObjectName("edit.shortcuts");
+    edit->addAction(tr("&Keyboard shortcuts..."), m_shortcuts, SLOT(openDialog()), QKeySequence("Ctrl+Alt+K"))
+        ->setObjectName("edit.shortcuts");
 }
 
 void EditorWindow::addViewMenu()

@@ -18,6 +18,7 @@ namespace Host
 namespace
 {
 
+constexpr int kPlaceWidth = 220;
 enum Column { PlaceColumn, TextColumn, KeysColumn, ColumnCount };
 
 QTableWidgetItem* fixedItem(const QString& text)
@@ -51,6 +52,7 @@ ShortcutsDialog::ShortcutsDialog(Shortcuts& shortcuts, QWidget* parent)
     m_table->setTabKeyNavigation(false);
     m_table->setAccessibleName(tr("Commands"));
     m_table->verticalHeader()->hide();
+    m_table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_table->horizontalHeader()->setSectionResizeMode(TextColumn, QHeaderView::Stretch);
     m_keys->setAccessibleName(tr("New shortcut"));
     m_conflict->setObjectName("conflict");
@@ -90,6 +92,7 @@ ShortcutsDialog::ShortcutsDialog(Shortcuts& shortcuts, QWidget* parent)
     connect(&shortcuts, SIGNAL(changed()), this, SLOT(fill()));
     fill();
     m_table->resizeColumnsToContents();
+    m_table->setColumnWidth(PlaceColumn, kPlaceWidth); // those of profiles are long
     m_filter->setFocus();
 }
 
