@@ -17,6 +17,7 @@ MemoryDisplay::MemoryDisplay(const Document& document, Pictures& pictures, QWidg
     , m_pictures(pictures)
 {
     setAccessibleName(tr("Memory of pictures"));
+    setContentsMargins(12, 0, 12, 0);
     connect(&pictures.evaluator(), SIGNAL(finished()), this, SLOT(refresh()));
 }
 

@@ -36,6 +36,7 @@ namespace
 {
 
 constexpr int kPatience = 60000; // milliseconds
+constexpr int kMostFrames = 500;
 
 QStringList wordsOf(const QString& line)
 {
@@ -314,12 +315,16 @@ bool Script::wait()
     return true;
 }
 
-// With the dialogs that are open, in its middle: without a window manager they have no place of their own.
+// With the dialogs that are open, in its middle: without a window manager they have no place of their own. The canvas
+// may take several frames until all nodes are sharp.
 bool Script::grab(const QString& name)
 {
-    for (int i = 0; i < 3; ++i)
+    QPixmap picture;
+    int frames = 0;
+    do {
         QApplication::processEvents();
-    QPixmap picture = m_window.grab();
+        picture = m_window.grab();
+    } while (++frames < kMostFrames && (frames < 3 || m_window.scene().pictures().isUnfinished()));
     QPainter painter(&picture);
     for (QDialog* const dialog : m_window.findChildren<QDialog*>()) {
         if (dialog->isVisible())
