@@ -286,25 +286,41 @@ void Document::setBypassed(NodeId id, bool bypassed)
     editNode(bypassed ? tr("Bypass") : tr("Use again"), next);
 }
 
+std::vector<Connection> Document::wiresKept(NodeId id, const QString& type) const
+{
+    Graph next;
+    std::vector<Connection> wires = m_graph.touching(id);
+    for (const Connection& wire : wires) {
+        for (const NodeId end : {wire.from, wire.to})
+            next.nodes[end] = m_graph.nodes.at(end);
+    }
+    next.nodes[id].type = type;
+    wires.erase(
+        std::remove_if(wires.begin(), wires.end(), [&](const Connection& wire) { return !fits(next, m_types, wire); }),
+        wires.end());
+    return wires;
+}
+
 bool Document::replaceNode(NodeId id, const QString& typeId)
 {
     const NodeType* const type = m_types.find(typeId);
     const NodeRecord* const record = m_graph.node(id);
     if (!type || !record)
         return false;
-    Graph next = m_graph;
-    NodeRecord& made = next.nodes[id];
+    NodeRecord made = *record;
     made.type = typeId;
     made.unread = QJsonObject();
     for (const QString& field : made.values.keys()) {
         if (!type->input(field))
             made.values.remove(field);
     }
-    made.name = uniqueName(next, type->title);
-    const std::vector<Connection> others =
-        connectionsWithout(m_graph, [id](const Connection& each) { return each.from == id || each.to == id; });
-    const std::vector<Connection> kept = connectionsWithout(
-        next, [&](const Connection& each) { return (each.from == id || each.to == id) && !fits(next, m_types, each); });
+    made.name = uniqueName(m_graph, type->title);
+    const auto touches = [id](const Connection& each) { return each.from == id || each.to == id; };
+    const std::vector<Connection> others = connectionsWithout(m_graph, touches);
+    const std::vector<Connection> fitting = wiresKept(id, typeId);
+    const std::vector<Connection> kept = connectionsWithout(m_graph, [&](const Connection& each) {
+        return touches(each) && std::find(fitting.begin(), fitting.end(), each) == fitting.end();
+    });
     // The item is made anew: it goes and comes back.
     GraphChange going, coming;
     going.nodes[id] = {*record, std::nullopt};

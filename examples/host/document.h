@@ -42,6 +42,7 @@ public:
     void setBypassed(NodeId id, bool bypassed);
     // Keeps the wires whose fields have the same names and types in the new one, and values of the same names.
     bool replaceNode(NodeId id, const QString& type);
+    std::vector<Connection> wiresKept(NodeId id, const QString& type) const; // by that
     quint64 addFrame(const QString& title, const QRectF& area);
     void changeFrame(const FrameRecord& frame);
     void removeFrame(quint64 id);

@@ -22,9 +22,11 @@ void WireItem::setEnds(const QPointF& output, const QPointF& input)
     setPath(path);
 }
 
-void WireItem::setLoose(bool loose)
+void WireItem::setLook(Look look)
 {
-    m_loose = loose;
+    if (m_look == look)
+        return;
+    m_look = look;
     update();
 }
 
@@ -33,7 +35,8 @@ void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget
     painter->setBrush(Qt::NoBrush);
     painter->setPen(QPen(QColor(14, 14, 14), 5, Qt::SolidLine, Qt::RoundCap));
     painter->drawPath(path());
-    painter->setPen(QPen(m_loose ? QColor(255, 204, 0) : QColor(165, 162, 162), 2.5, Qt::SolidLine, Qt::RoundCap));
+    const QColor color = m_look == Marked ? QColor(255, 204, 0) : m_look == Lit ? Qt::white : QColor(165, 162, 162);
+    painter->setPen(QPen(color, 2.5, Qt::SolidLine, Qt::RoundCap));
     painter->drawPath(path());
 }
 

@@ -11,12 +11,13 @@ class WireItem : public QGraphicsPathItem
 public:
     WireItem();
     void setEnds(const QPointF& output, const QPointF& input);
-    void setLoose(bool loose); // drawn in another colour while its end follows the mouse
+    enum Look { Plain, Lit, Marked }; // as it lies; below the mouse; what is spoken of, such as a wire in the hand
+    void setLook(Look look);
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
     QRectF boundingRect() const override;
 
 private:
-    bool m_loose = false;
+    Look m_look = Plain;
 };
 
 } // namespace Viewer

@@ -167,7 +167,7 @@ void Wires::press(Node* node, Anchor* anchor, QGraphicsSceneMouseEvent* event)
     }
     m_start.anchor->setInteracting(true);
     m_loose = std::make_unique<WireItem>();
-    m_loose->setLoose(true);
+    m_loose->setLook(WireItem::Marked);
     m_scene.addItem(m_loose.get());
     move(node, anchor, event);
 }

@@ -158,12 +158,14 @@ TEST_F(Editor, DroppedWireOpensTheSearchAndConnectsWhatIsChosen)
 
 TEST_F(Editor, SearchForAWireLeavesOutTypesWithoutSuchAnInput)
 {
-    const NodeSearch forOutput(nodeTypes(), "image", true, &window);
+    const NodeSearch forOutput(
+        nodeTypes(), [](const NodeType& type) { return takes(type, "image"); }, &window);
     const QStringList ids = offered(forOutput);
     EXPECT_TRUE(ids.contains("essentials/merge"));
     EXPECT_TRUE(ids.contains("essentials/histogram"));
     EXPECT_FALSE(ids.contains("essentials/image"));
-    const NodeSearch forInput(nodeTypes(), "image", false, &window);
+    const NodeSearch forInput(
+        nodeTypes(), [](const NodeType& type) { return gives(type, "image"); }, &window);
     EXPECT_FALSE(offered(forInput).contains("essentials/histogram"));
     EXPECT_TRUE(offered(forInput).contains("essentials/image"));
 }

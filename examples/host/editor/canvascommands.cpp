@@ -1,10 +1,14 @@
 #include "canvascommands.h"
 
+#include "arrangemenu.h"
+#include "canvasmenu.h"
 #include "clipboardgraph.h"
 #include "document.h"
+#include "minimap.h"
 #include "nodesearch.h"
 #include "scene.h"
 #include "sceneview.h"
+#include "splice.h"
 
 #include <QAction>
 #include <QApplication>
@@ -30,27 +34,44 @@ CanvasCommands::CanvasCommands(Document& document, Scene& scene, SceneView& view
 {
     // The search runs an event loop, which is not to run inside of the mouse event that drops the wire.
     connect(&scene, &Scene::wireDropped, this, &CanvasCommands::addWiredNode, Qt::QueuedConnection);
+    connect(&view, SIGNAL(menuWanted(QPointF)), this, SLOT(openMenu(QPointF)));
     connect(&view, SIGNAL(searchWanted(QPointF)), this, SLOT(searchNode(QPointF)), Qt::QueuedConnection);
 }
 
 void CanvasCommands::addEditActions(QMenu& menu)
 {
-    menu.addAction(tr("Cu&t"), this, SLOT(cutSelected()), QKeySequence::Cut);
-    menu.addAction(tr("&Copy"), this, SLOT(copySelected()), QKeySequence::Copy);
-    menu.addAction(tr("&Paste"), this, SLOT(paste()), QKeySequence::Paste);
-    menu.addAction(tr("D&uplicate"), this, SLOT(duplicateSelected()), QKeySequence("Ctrl+D"));
-    menu.addAction(tr("De&lete"), this, SLOT(deleteSelected()), QKeySequence::Delete);
+    const auto add = [&](const QString& text, const char* slot, const QKeySequence& shortcut, const char* name) {
+        menu.addAction(text, this, slot, shortcut)->setObjectName(name);
+    };
+    add(tr("Cu&t"), SLOT(cutSelected()), QKeySequence::Cut, "cutNodes");
+    add(tr("&Copy"), SLOT(copySelected()), QKeySequence::Copy, "copyNodes");
+    add(tr("&Paste"), SLOT(paste()), QKeySequence::Paste, "pasteNodes");
+    add(tr("D&uplicate"), SLOT(duplicateSelected()), QKeySequence("Ctrl+D"), "duplicateNodes");
+    add(tr("De&lete"), SLOT(deleteSelected()), QKeySequence::Delete, "deleteSelected");
     menu.addSeparator();
-    menu.addAction(tr("&Bypass"), this, SLOT(bypassSelected()), QKeySequence("D"));
+    add(tr("&Bypass"), SLOT(bypassSelected()), QKeySequence("D"), "bypassNodes");
+    add(tr("R&eplace node..."), SLOT(replaceSelected()), QKeySequence("R"), "replaceNode");
+    add(tr("&Frame nodes"), SLOT(frameSelected()), QKeySequence("Ctrl+G"), "frameNodes");
+    menu.addMenu(new ArrangeMenu(m_scene, &m_window));
 }
 
 void CanvasCommands::addViewActions(QMenu& menu)
 {
-    menu.addAction(tr("&Show node"), this, SLOT(showSelected()), QKeySequence("1"));
-    menu.addAction(tr("Show node as s&econdary"), this, SLOT(showSelectedAsSecondary()), QKeySequence("2"));
+    const auto add = [&](const QString& text, const char* slot, const char* shortcut, const char* name) {
+        menu.addAction(text, this, slot, QKeySequence(shortcut))->setObjectName(name);
+    };
+    add(tr("&Show node"), SLOT(showSelected()), "1", "showNode");
+    add(tr("Show node as s&econdary"), SLOT(showSelectedAsSecondary()), "2", "showNodeAsSecondary");
     menu.addSeparator();
-    menu.addAction(tr("Fit &all nodes"), this, SLOT(fitAll()), QKeySequence("A"));
-    menu.addAction(tr("Fit &selected nodes"), this, SLOT(fitSelected()), QKeySequence("F"));
+    add(tr("Fit &all nodes"), SLOT(fitAll()), "A", "fitAllNodes");
+    add(tr("Fit &selected nodes"), SLOT(fitSelected()), "F", "fitSelectedNodes");
+    auto* const miniMap = new MiniMap(m_scene, m_view);
+    QAction* const shown = menu.addAction(tr("&Overview of the nodes"));
+    shown->setObjectName("miniMap");
+    shown->setShortcut(QKeySequence("N"));
+    shown->setCheckable(true);
+    shown->setChecked(true);
+    connect(shown, SIGNAL(toggled(bool)), miniMap, SLOT(setVisible(bool)));
 }
 
 NodeId CanvasCommands::addNode(const QString& type, QPointF at)
@@ -61,18 +82,85 @@ NodeId CanvasCommands::addNode(const QString& type, QPointF at)
     return id;
 }
 
-QString CanvasCommands::chooseType(const QString& dataType, bool wantsInput, QPointF at)
+QString CanvasCommands::chooseType(const std::function<bool(const NodeType&)>& isOffered, QPointF at)
 {
-    NodeSearch search(m_document.types(), dataType, wantsInput, &m_window);
+    NodeSearch search(m_document.types(), isOffered, &m_window);
     search.move(m_view.viewport()->mapToGlobal(m_view.mapFromScene(at)));
     return search.exec() == QDialog::Accepted ? search.chosenType() : QString();
 }
 
 void CanvasCommands::searchNode(QPointF at)
 {
-    const QString type = chooseType(QString(), true, at);
+    const QString type = chooseType([](const NodeType&) { return true; }, at);
     if (!type.isEmpty())
         addNode(type, at);
+}
+
+void CanvasCommands::openMenu(QPointF at)
+{
+    const CanvasThing thing = m_scene.thingAt(at);
+    m_scene.select(thing);
+    auto* const menu = new CanvasMenu(*this, m_scene, thing, at, m_window);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(m_view.viewport()->mapToGlobal(m_view.mapFromScene(at)));
+}
+
+void CanvasCommands::replaceSelected()
+{
+    const std::vector<NodeId> ids = m_scene.selectedNodes();
+    if (ids.size() != 1) {
+        Q_EMIT message(tr("Select one node to replace it."));
+        return;
+    }
+    const NodeId id = ids.front();
+    const NodeRecord record = *m_document.graph().node(id);
+    const bool isWired = !m_document.graph().touching(id).empty();
+    const QString type = chooseType(
+        [&](const NodeType& each) {
+            return each.id != record.type && (!isWired || !m_document.wiresKept(id, each.id).empty());
+        },
+        record.position);
+    if (!type.isEmpty() && m_document.replaceNode(id, type))
+        m_scene.selectNodes({id});
+}
+
+// With its title open, as the first thing that one wants to do with it.
+void CanvasCommands::frameSelected()
+{
+    const std::vector<NodeId> ids = m_scene.selectedNodes();
+    const QPointF at = m_view.pointerInScene();
+    const QRectF area = ids.empty() ? QRectF(at, QSizeF(400, 300)) : m_scene.nodesRect(ids).adjusted(-30, -60, 30, 30);
+    const quint64 id = m_document.addFrame(tr("Frame"), area);
+    m_scene.select({0, std::nullopt, id});
+    editFrameTitle(id);
+}
+
+void CanvasCommands::editFrameTitle(quint64 id)
+{
+    m_view.setFocus();
+    if (FrameItem* const frame = m_scene.frames().item(id))
+        frame->editTitle();
+}
+
+void CanvasCommands::insertIntoWire(const Connection& wire, QPointF at)
+{
+    const NodeRecord* const from = m_document.graph().node(wire.from);
+    const NodeType* const known = from ? m_document.types().find(from->type) : nullptr;
+    const OutputInfo* const output = known ? known->output(wire.output) : nullptr;
+    if (!output)
+        return;
+    const QString type = chooseType(
+        [dataType = output->dataType](const NodeType& each) { return takes(each, dataType) && gives(each, dataType); },
+        at);
+    if (type.isEmpty())
+        return;
+    m_document.beginStep(tr("Insert into wire"));
+    const NodeId made = addNode(type, at);
+    if (const PreviewNode* const node = m_scene.item(made)) {
+        if (const std::optional<Splice> found = findSplice(m_document, *node, wire))
+            splice(m_document, *found);
+    }
+    m_document.endStep();
 }
 
 void CanvasCommands::addWiredNode(NodeId node, const QString& field, bool fromOutput, QPointF at)
@@ -84,7 +172,8 @@ void CanvasCommands::addWiredNode(NodeId node, const QString& field, bool fromOu
     const OutputInfo* const output = fromOutput ? known->output(field) : nullptr;
     const InputInfo* const input = fromOutput ? nullptr : known->input(field);
     const QString dataType = output ? output->dataType : input ? input->dataType : QString();
-    const QString type = chooseType(dataType, fromOutput, at);
+    const QString type = chooseType(
+        [&](const NodeType& each) { return fromOutput ? takes(each, dataType) : gives(each, dataType); }, at);
     if (type.isEmpty())
         return;
     m_document.beginStep(tr("Add connected node"));
@@ -111,8 +200,14 @@ void CanvasCommands::connectTo(NodeId made, NodeId node, const QString& field, b
 void CanvasCommands::deleteSelected()
 {
     const std::vector<NodeId> ids = m_scene.selectedNodes();
+    const std::optional<Connection> wire = m_scene.wires().selected();
+    const quint64 frame = m_scene.frames().selected();
     if (!ids.empty())
         m_document.removeNodes(ids);
+    else if (wire)
+        m_document.removeConnection(*wire);
+    else if (frame != 0)
+        m_document.removeFrame(frame);
 }
 
 void CanvasCommands::bypassSelected()

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <functional>
+
 class QMenu;
 class QWidget;
 
@@ -25,9 +27,14 @@ public:
     void addViewActions(QMenu& menu);
 
     NodeId addNode(const QString& type, QPointF at); // and selects it; 0 if the type is unknown
+    void editFrameTitle(quint64 id);
+    void insertIntoWire(const Connection& wire, QPointF at); // what the search finds
 
 public Q_SLOTS:
     void searchNode(QPointF at);
+    void openMenu(QPointF at); // of the canvas, or of what lies there
+    void replaceSelected();    // by what the search finds, of the kinds that keep a wire
+    void frameSelected();
     void deleteSelected();
     void bypassSelected();
     void copySelected();
@@ -46,7 +53,7 @@ private Q_SLOTS:
     void addWiredNode(Host::NodeId node, const QString& field, bool fromOutput, QPointF at);
 
 private:
-    QString chooseType(const QString& dataType, bool wantsInput, QPointF at);
+    QString chooseType(const std::function<bool(const NodeType&)>& isOffered, QPointF at);
     void connectTo(NodeId made, NodeId node, const QString& field, bool fromOutput);
     Graph selectedGraph() const;
     void insertAndSelect(const Graph& graph);

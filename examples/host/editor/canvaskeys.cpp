@@ -71,7 +71,7 @@ bool CanvasKeys::eventFilter(QObject* object, QEvent* event)
 bool CanvasKeys::press(const QKeyEvent& event)
 {
     if (m_scene.focusItem()) {
-        if (event.key() != Qt::Key_Escape)
+        if (event.key() != Qt::Key_Escape || m_scene.focusItem()->type() == FrameTitle::Type)
             return false;
         m_scene.focusItem()->clearFocus();
         return true;

@@ -72,7 +72,7 @@ void LooseWire::anchorPressed(Node* node, Anchor* anchor, QGraphicsSceneMouseEve
         }
     }
     m_item = std::make_unique<Viewer::WireItem>();
-    m_item->setLoose(true);
+    m_item->setLook(Viewer::WireItem::Marked);
     m_scene.addItem(m_item.get());
     anchorMoved(node, anchor, event);
 }
@@ -111,14 +111,16 @@ void LooseWire::anchorReleased(Node*, Anchor*, QGraphicsSceneMouseEvent* event)
         Q_EMIT dropped(start.node, start.field, start.isOutput, event->scenePos());
 }
 
-void LooseWire::drop()
+bool LooseWire::drop()
 {
+    const bool wasThere = m_item != nullptr;
     if (m_pulled)
         m_scene.wires().showAll();
     m_item.reset();
     m_target.reset();
     m_pulled.reset();
     m_start = Grip();
+    return wasThere;
 }
 
 } // namespace Host

@@ -22,7 +22,7 @@ class LooseWire : public QObject
 public:
     explicit LooseWire(Scene& scene);
     void watch(PreviewNode& node);
-    void drop(); // the wire that was taken off stays
+    bool drop(); // the wire that was taken off stays; false if there is no loose one
 
 Q_SIGNALS:
     void refused(QString reason);

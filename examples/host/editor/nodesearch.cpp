@@ -41,11 +41,24 @@ std::vector<const NodeType*> findTypes(const NodeTypes& types, const QString& wo
     return found;
 }
 
-NodeSearch::NodeSearch(const NodeTypes& types, const QString& dataType, bool wantsInput, QWidget* parent)
+bool takes(const NodeType& type, const QString& dataType)
+{
+    return dataType.isEmpty() || type.entry.variableInput.dataType == dataType ||
+           std::any_of(type.inputs.begin(), type.inputs.end(),
+                       [&dataType](const InputInfo& input) { return input.dataType == dataType; });
+}
+
+bool gives(const NodeType& type, const QString& dataType)
+{
+    return dataType.isEmpty() ||
+           std::any_of(type.outputs.begin(), type.outputs.end(),
+                       [&dataType](const OutputInfo& output) { return output.dataType == dataType; });
+}
+
+NodeSearch::NodeSearch(const NodeTypes& types, std::function<bool(const NodeType&)> isOffered, QWidget* parent)
     : QDialog(parent, Qt::Popup)
     , m_types(types)
-    , m_dataType(dataType)
-    , m_wantsInput(wantsInput)
+    , m_isOffered(std::move(isOffered))
     , m_line(new QLineEdit(this))
     , m_list(new QListWidget(this))
 {
@@ -66,23 +79,11 @@ NodeSearch::NodeSearch(const NodeTypes& types, const QString& dataType, bool wan
     m_line->setFocus();
 }
 
-bool NodeSearch::isOffered(const NodeType& type) const
-{
-    if (m_dataType.isEmpty())
-        return true;
-    if (m_wantsInput)
-        return type.entry.variableInput.dataType == m_dataType ||
-               std::any_of(type.inputs.begin(), type.inputs.end(),
-                           [this](const InputInfo& input) { return input.dataType == m_dataType; });
-    return std::any_of(type.outputs.begin(), type.outputs.end(),
-                       [this](const OutputInfo& output) { return output.dataType == m_dataType; });
-}
-
 void NodeSearch::fill(const QString& word)
 {
     m_list->clear();
     for (const NodeType* type : findTypes(m_types, word.trimmed())) {
-        if (!isOffered(*type))
+        if (!m_isOffered(*type))
             continue;
         auto* entry = new QListWidgetItem(QString("%1   %2").arg(type->title, type->category), m_list);
         entry->setData(Qt::UserRole, type->id);

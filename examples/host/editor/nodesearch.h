@@ -4,6 +4,8 @@
 
 #include <QDialog>
 
+#include <functional>
+
 class QLineEdit;
 class QListWidget;
 
@@ -14,13 +16,16 @@ namespace Host
 // that hold it, then the rest, each by title. All types for an empty word.
 std::vector<const NodeType*> findTypes(const NodeTypes& types, const QString& word);
 
+// Whether a kind of node has an input, or an output, of the data type; that is so for any kind if it is empty.
+bool takes(const NodeType& type, const QString& dataType);
+bool gives(const NodeType& type, const QString& dataType);
+
 // A list of node types under a line for typing. Return takes the marked one, Escape none.
 class NodeSearch : public QDialog
 {
     Q_OBJECT
 public:
-    // Offers only types with an input, or an output, of the data type, unless that is empty.
-    NodeSearch(const NodeTypes& types, const QString& dataType, bool wantsInput, QWidget* parent);
+    NodeSearch(const NodeTypes& types, std::function<bool(const NodeType&)> isOffered, QWidget* parent);
     QString chosenType() const; // NodeType::id; empty for none
 
 protected:
@@ -30,11 +35,8 @@ private Q_SLOTS:
     void fill(const QString& word);
 
 private:
-    bool isOffered(const NodeType& type) const;
-
     const NodeTypes& m_types;
-    QString m_dataType;
-    bool m_wantsInput;
+    std::function<bool(const NodeType&)> m_isOffered;
     QLineEdit* m_line;
     QListWidget* m_list;
 };

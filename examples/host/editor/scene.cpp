@@ -2,6 +2,8 @@
 
 #include <ondrel/nodes/fieldbase.h>
 
+#include <QGraphicsSceneMouseEvent>
+
 #include <algorithm>
 #include <utility>
 
@@ -14,6 +16,8 @@ Scene::Scene(Document& document, QObject* parent)
     , m_values(document)
     , m_wires(*this)
     , m_loose(*this)
+    , m_frames(*this)
+    , m_drag(*this)
 {
     setItemIndexMethod(QGraphicsScene::NoIndex); // nodes move and change their size all the time
     connect(&document, &Document::nodeAdded, this, &Scene::addItemFor);
@@ -24,6 +28,7 @@ Scene::Scene(Document& document, QObject* parent)
     connect(&document, &Document::connectionRemoved, this, &Scene::removeWire);
     connect(&document, &Document::changed, this, &Scene::settleVariableNodes);
     connect(&document, &Document::reset, this, &Scene::rebuild);
+    connect(&m_frames, &SceneFrames::pressed, this, [this] { selectNodes({}); });
     connect(&m_loose, &LooseWire::refused, this, &Scene::refused);
     connect(&m_loose, &LooseWire::dropped, this, &Scene::wireDropped);
     rebuild();
@@ -164,28 +169,21 @@ void Scene::nodeSelected(Node* node)
 {
     for (const auto& [id, each] : m_items)
         each->setFirstSelected(each == node);
+    m_drag.begin();
 }
 
 // The one that the mouse holds says it for all that move with it.
 void Scene::nodeMoved(Node* node, bool movedByUser)
 {
-    m_wires.place(node->id());
-    if (!movedByUser)
-        return;
-    for (const NodeId id : selectedNodes())
-        m_wires.place(id);
+    if (movedByUser)
+        m_drag.move(*node, m_snaps);
+    else
+        m_wires.place(node->id());
 }
 
 void Scene::nodeMoveComplete(Node*)
 {
-    std::map<NodeId, QPointF> moved;
-    for (const auto& [id, node] : m_items) {
-        const NodeRecord* const record = m_document.graph().node(id);
-        if (record && record->position != node->pos())
-            moved[id] = node->pos();
-    }
-    if (!moved.empty())
-        m_document.moveNodes(moved);
+    m_drag.end();
 }
 
 QRectF Scene::nodesRect(const std::vector<NodeId>& ids) const
@@ -347,10 +345,80 @@ void Scene::remakeItem(NodeId id)
     item(id)->setSelected(selected);
 }
 
+// A shadow is no part of its node.
+NodeId Scene::nodeAt(const QPointF& point) const
+{
+    for (const QGraphicsItem* each : QGraphicsScene::items(point)) {
+        while (each && each->type() != Node::Type)
+            each = each->parentItem();
+        const auto* const node = static_cast<const Node*>(each);
+        if (node && node->mapRectToScene(node->rect()).contains(point))
+            return node->id();
+    }
+    return 0;
+}
+
+CanvasThing Scene::thingAt(const QPointF& point) const
+{
+    CanvasThing thing;
+    thing.node = nodeAt(point);
+    if (thing.node == 0)
+        thing.wire = m_wires.at(point);
+    if (thing.node == 0 && !thing.wire)
+        thing.frame = m_frames.at(point);
+    return thing;
+}
+
+CanvasThing Scene::selectedThing() const
+{
+    const std::vector<NodeId> nodes = selectedNodes();
+    return nodes.empty() ? CanvasThing{0, m_wires.selected(), m_frames.selected()}
+                         : CanvasThing{nodes.front(), std::nullopt, 0};
+}
+
+void Scene::select(const CanvasThing& thing)
+{
+    if (thing.node == 0)
+        selectNodes({});
+    else if (!item(thing.node)->isSelected())
+        selectNodes({thing.node});
+    m_wires.setSelected(thing.wire);
+    m_frames.select(thing.frame);
+}
+
+bool Scene::dropLooseWire()
+{
+    return m_loose.drop();
+}
+
 void Scene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
     m_values.press();
+    const CanvasThing thing = event->button() == Qt::LeftButton ? thingAt(event->scenePos()) : CanvasThing();
+    if (event->button() == Qt::LeftButton) {
+        m_wires.setSelected(thing.wire);
+        m_frames.select(thing.frame);
+    }
+    if (thing.wire) {
+        setFocusItem(nullptr);
+        selectNodes({});
+        event->accept();
+        return;
+    }
     QGraphicsScene::mousePressEvent(event);
+}
+
+void Scene::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
+{
+    m_snaps = !event->modifiers().testFlag(Qt::AltModifier);
+    if (event->buttons() == Qt::NoButton) {
+        const auto covers = [event](const auto& each) {
+            return each.second->mapRectToScene(each.second->rect()).contains(event->scenePos());
+        };
+        const bool isCovered = std::any_of(m_items.begin(), m_items.end(), covers);
+        m_wires.setLit(isCovered ? std::nullopt : m_wires.at(event->scenePos()));
+    }
+    QGraphicsScene::mouseMoveEvent(event);
 }
 
 void Scene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
@@ -362,6 +430,10 @@ void Scene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 bool Scene::moveFocus(bool next)
 {
     QGraphicsItem* const focused = focusItem();
+    if (focused && focused->type() == FrameTitle::Type) {
+        focused->clearFocus();
+        return true;
+    }
     Ondrel::FieldBase* field = nullptr;
     for (QGraphicsItem* each = focused; each; each = each->parentItem()) {
         if (each->type() == Ondrel::FieldBase::Type)

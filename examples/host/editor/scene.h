@@ -2,9 +2,11 @@
 
 #include "document.h"
 #include "loosewire.h"
+#include "nodedrag.h"
 #include "nodeitem.h"
 #include "nodepicture.h"
 #include "nodevalues.h"
+#include "sceneframes.h"
 #include "scenewires.h"
 
 #include <QGraphicsScene>
@@ -15,8 +17,16 @@
 namespace Host
 {
 
-// The nodes and wires of a document. What the user does to them is handed to the document as edits, and what the
-// document says is shown.
+// What lies at a point of the canvas.
+struct CanvasThing {
+    NodeId node = 0;                // or
+    std::optional<Connection> wire; // or
+    quint64 frame = 0;              // by its title or its corner
+    bool isNothing() const { return node == 0 && !wire && frame == 0; }
+};
+
+// The nodes, wires and frames of a document. What the user does to them is handed to the document as edits, and what
+// the document says is shown.
 class Scene : public QGraphicsScene
 {
     Q_OBJECT
@@ -26,6 +36,8 @@ public:
 
     Document& document() { return m_document; }
     SceneWires& wires() { return m_wires; }
+    SceneFrames& frames() { return m_frames; }
+    const NodeDrag& drag() const { return m_drag; }
     NodePictures& pictures() { return m_pictures; }
     PreviewNode* item(NodeId id) const; // null if there is none
     const std::map<NodeId, PreviewNode*>& nodeItems() const { return m_items; }
@@ -41,6 +53,11 @@ public:
 
     void setErrors(const QHash<NodeId, QString>& errors);
     void setBusy(NodeId id, bool busy);
+
+    CanvasThing thingAt(const QPointF& point) const;
+    CanvasThing selectedThing() const; // the first of several nodes
+    void select(const CanvasThing& thing);
+    bool dropLooseWire(); // false if there is none
 
     // The connection whose wire passes the point; none if there is none near.
     std::optional<Connection> connectionAt(const QPointF& point) const;
@@ -73,9 +90,11 @@ private Q_SLOTS:
 
 protected:
     void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent* event) override;
     void mouseReleaseEvent(QGraphicsSceneMouseEvent* event) override;
 
 private:
+    NodeId nodeAt(const QPointF& point) const;
     void watch(PreviewNode& node);
     void showError(NodeId id);
     void remakeItem(NodeId id);
@@ -89,6 +108,9 @@ private:
     NodeValues m_values;
     SceneWires m_wires;
     LooseWire m_loose;
+    SceneFrames m_frames;
+    NodeDrag m_drag;
+    bool m_snaps = true;
     QHash<NodeId, QString> m_errors;
     NodeId m_primary = 0;
     NodeId m_secondary = 0;

@@ -1,5 +1,6 @@
 #include "sceneview.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -31,6 +32,7 @@ SceneView::SceneView(Scene& scene)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSceneRect(-20000, -20000, 40000, 40000);
+    viewport()->setMouseTracking(true);
     setAccessibleName(tr("Nodes"));
     setAcceptDrops(false); // files are the window's
     viewport()->setAcceptDrops(false);
@@ -100,7 +102,8 @@ void SceneView::zoomBy(double factor, ViewportAnchor anchor)
 void SceneView::mousePressEvent(QMouseEvent* event)
 {
     m_lastPosition = event->pos();
-    if (event->button() == Qt::MiddleButton)
+    const bool opensMenu = event->button() == Qt::RightButton && !m_scene.itemAt(mapToScene(event->pos()), transform());
+    if (event->button() == Qt::MiddleButton || opensMenu) // neither of them begins a rubber band
         event->accept();
     else
         QGraphicsView::mousePressEvent(event);
@@ -119,10 +122,31 @@ void SceneView::mouseMoveEvent(QMouseEvent* event)
 
 void SceneView::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && !itemAt(event->pos()))
+    if (event->button() == Qt::LeftButton && m_scene.thingAt(mapToScene(event->pos())).isNothing())
         Q_EMIT searchWanted(mapToScene(event->pos()));
     else
         QGraphicsView::mouseDoubleClickEvent(event);
+}
+
+// Where the menu of the selected thing opens.
+QPointF SceneView::selectedPoint() const
+{
+    const CanvasThing thing = m_scene.selectedThing();
+    if (const PreviewNode* const node = m_scene.item(thing.node))
+        return node->scenePos() + QPointF(20, 10);
+    if (const FrameItem* const frame = m_scene.frames().item(thing.frame))
+        return frame->scenePos() + QPointF(20, 10);
+    return thing.wire ? m_scene.wires().middleOf(*thing.wire) : pointerInScene();
+}
+
+// A line that is being edited has a menu of its own.
+void SceneView::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (m_scene.focusItem())
+        return QGraphicsView::contextMenuEvent(event);
+    const bool isKey = event->reason() == QContextMenuEvent::Keyboard;
+    Q_EMIT menuWanted(isKey ? selectedPoint() : mapToScene(event->pos()));
+    event->accept();
 }
 
 // The scroll area would scroll by the arrows and eat them.
@@ -131,6 +155,11 @@ void SceneView::keyPressEvent(QKeyEvent* event)
     event->ignore();
     if (scene()->focusItem())
         QGraphicsView::keyPressEvent(event);
+    else if (event->key() == Qt::Key_Escape) {
+        if (!m_scene.dropLooseWire())
+            m_scene.select({});
+        event->accept();
+    }
 }
 
 } // namespace Host

@@ -21,6 +21,7 @@ public:
 
 Q_SIGNALS:
     void searchWanted(QPointF at);
+    void menuWanted(QPointF at); // of the canvas, or of what lies there
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -30,9 +31,12 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    QPointF selectedPoint() const;
+
     Scene& m_scene;
     QPoint m_lastPosition;
 };

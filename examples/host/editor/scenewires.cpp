@@ -2,16 +2,19 @@
 
 #include "scene.h"
 
+#include <QLineF>
 #include <QPainterPathStroker>
 
 #include <algorithm>
+#include <utility>
 
 namespace Host
 {
 namespace
 {
 
-constexpr qreal kReach = 7; // of the mouse, on both sides
+constexpr qreal kReach = 7;  // of the mouse, on both sides
+constexpr int kSamples = 32; // of a wire
 
 } // namespace
 
@@ -28,6 +31,7 @@ void SceneWires::add(const Connection& connection)
     m_touch[connection.from].push_back(wire);
     m_touch[connection.to].push_back(wire);
     m_scene.addItem(&wire->item);
+    updateLook(connection);
 }
 
 SceneWires::Wire* SceneWires::find(const Connection& connection) const
@@ -61,6 +65,10 @@ bool SceneWires::remove(const Connection& connection)
     const Wire* const wire = find(connection);
     if (wire)
         erase(wire);
+    for (std::optional<Connection>* const slot : {&m_lit, &m_selected, &m_target}) {
+        if (*slot == connection)
+            slot->reset();
+    }
     return wire != nullptr;
 }
 
@@ -74,6 +82,7 @@ void SceneWires::clear()
 {
     m_touch.clear();
     m_wires.clear();
+    m_lit = m_selected = m_target = std::nullopt;
 }
 
 bool SceneWires::leaves(NodeId id, const QString& output) const
@@ -95,6 +104,60 @@ std::optional<Connection> SceneWires::at(const QPointF& point) const
             return (*wire)->connection;
     }
     return std::nullopt;
+}
+
+QPointF SceneWires::middleOf(const Connection& connection) const
+{
+    const Wire* const wire = find(connection);
+    return wire ? wire->item.path().pointAtPercent(0.5) : QPointF();
+}
+
+double SceneWires::distanceWithin(const Viewer::WireItem& item, const QRectF& area)
+{
+    double least = std::numeric_limits<double>::infinity();
+    if (!item.boundingRect().intersects(area))
+        return least;
+    for (int i = 0; i <= kSamples; ++i) {
+        const QPointF point = item.path().pointAtPercent(double(i) / kSamples);
+        if (area.contains(point))
+            least = std::min(least, QLineF(point, area.center()).length());
+    }
+    return least;
+}
+
+void SceneWires::mark(std::optional<Connection>& slot, const std::optional<Connection>& connection)
+{
+    if (slot == connection)
+        return;
+    const std::optional<Connection> before =
+        std::exchange(slot, connection && has(*connection) ? connection : std::nullopt);
+    updateLook(before);
+    updateLook(slot);
+}
+
+void SceneWires::updateLook(const std::optional<Connection>& connection)
+{
+    if (Wire* const wire = connection ? find(*connection) : nullptr) {
+        const bool isMarked = connection == m_selected || connection == m_target;
+        wire->item.setLook(isMarked              ? Viewer::WireItem::Marked
+                           : connection == m_lit ? Viewer::WireItem::Lit
+                                                 : Viewer::WireItem::Plain);
+    }
+}
+
+void SceneWires::setLit(const std::optional<Connection>& connection)
+{
+    mark(m_lit, connection);
+}
+
+void SceneWires::setSelected(const std::optional<Connection>& connection)
+{
+    mark(m_selected, connection);
+}
+
+void SceneWires::setTarget(const std::optional<Connection>& connection)
+{
+    mark(m_target, connection);
 }
 
 void SceneWires::place(NodeId id)

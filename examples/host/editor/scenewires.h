@@ -4,6 +4,7 @@
 
 #include "../../nodeviewer/wireitem.h"
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -28,6 +29,29 @@ public:
     bool has(const Connection& connection) const { return find(connection) != nullptr; }
     bool leaves(NodeId id, const QString& output) const; // whether a wire begins there
     std::optional<Connection> at(const QPointF& point) const;
+    QPointF middleOf(const Connection& connection) const;
+
+    // What is marked for the user; nothing for a connection that has no wire.
+    void setLit(const std::optional<Connection>& connection);
+    void setSelected(const std::optional<Connection>& connection);
+    void setTarget(const std::optional<Connection>& connection); // where a node would go between
+    const std::optional<Connection>& selected() const { return m_selected; }
+    const std::optional<Connection>& target() const { return m_target; }
+    // The one that comes nearest to the middle of the area, of those that pass it and that are wanted.
+    template <class Predicate>
+    std::optional<Connection> through(const QRectF& area, Predicate wanted) const
+    {
+        std::optional<Connection> nearest;
+        double least = std::numeric_limits<double>::infinity();
+        for (const auto& wire : m_wires) {
+            const double distance = distanceWithin(wire->item, area);
+            if (distance < least && wanted(wire->connection)) {
+                least = distance;
+                nearest = wire->connection;
+            }
+        }
+        return nearest;
+    }
 
     void place(NodeId id); // all that touch the node
     void hide(const Connection& connection);
@@ -38,6 +62,9 @@ private:
         Connection connection;
         Viewer::WireItem item;
     };
+    static double distanceWithin(const Viewer::WireItem& item, const QRectF& area);
+    void mark(std::optional<Connection>& slot, const std::optional<Connection>& connection);
+    void updateLook(const std::optional<Connection>& connection);
     Wire* find(const Connection& connection) const;
     void forget(NodeId id, const Wire* wire);
     void erase(const Wire* wire);
@@ -45,6 +72,7 @@ private:
     Scene& m_scene;
     std::vector<std::unique_ptr<Wire>> m_wires;             // the newest last
     std::unordered_map<NodeId, std::vector<Wire*>> m_touch; // by both ends, as one node's wires follow its every move
+    std::optional<Connection> m_lit, m_selected, m_target;
 };
 
 } // namespace Host
