@@ -1,6 +1,8 @@
 #include "nodepicture.h"
 
+#include <QGraphicsItem>
 #include <QPainter>
+#include <QStyleOptionGraphicsItem>
 
 #include <cmath>
 
@@ -14,6 +16,39 @@ constexpr qint64 kBytes = qint64(96) << 20; // for all pictures
 constexpr qreal kLargest = 2;               // beyond that a node is one of few, and its picture large
 constexpr double kSame = 1e-6;              // of two scales
 const QColor kUnknown(76, 75, 75);          // a node that no frame had time for yet
+
+// An item and all in it. The toolkit's own way leaves out what is not exposed just then.
+void drawTree(QPainter& painter, QGraphicsItem& item)
+{
+    if (!item.isVisible())
+        return;
+    const QList<QGraphicsItem*> children = item.childItems();
+    const auto drawChildren = [&](bool behind) {
+        for (QGraphicsItem* const child : children) {
+            if (child->flags().testFlag(QGraphicsItem::ItemStacksBehindParent) != behind)
+                continue;
+            painter.save();
+            painter.setTransform(child->itemTransform(&item), true);
+            drawTree(painter, *child);
+            painter.restore();
+        }
+    };
+    drawChildren(true);
+    if (!item.flags().testFlag(QGraphicsItem::ItemHasNoContents)) {
+        QStyleOptionGraphicsItem option;
+        option.exposedRect = item.boundingRect();
+        option.rect = option.exposedRect.toAlignedRect();
+        option.state = item.isEnabled() ? QStyle::State_Enabled : QStyle::State_None;
+        option.state.setFlag(QStyle::State_Selected, item.isSelected());
+        option.state.setFlag(QStyle::State_HasFocus, item.hasFocus());
+        option.state.setFlag(QStyle::State_MouseOver, item.isUnderMouse());
+        painter.save();
+        painter.setOpacity(item.effectiveOpacity());
+        item.paint(&painter, &option, nullptr);
+        painter.restore();
+    }
+    drawChildren(false);
+}
 
 } // namespace
 
@@ -42,8 +77,9 @@ void NodePictures::makeRoom(qint64 bytes)
     }
 }
 
-NodePicture::NodePicture(NodePictures& shared)
-    : m_shared(shared)
+NodePicture::NodePicture(QGraphicsItem& node, NodePictures& shared)
+    : m_node(node)
+    , m_shared(shared)
 {
     m_shared.m_all.insert(this);
 }
@@ -111,7 +147,7 @@ void NodePicture::render(QPainter& painter, const QRectF& bounds, qreal scale)
     inside.setRenderHints(painter.renderHints());
     inside.setWorldTransform(QTransform::fromScale(scale, scale) *
                              QTransform::fromTranslate(-pixels.left(), -pixels.top()));
-    drawSource(&inside);
+    drawTree(inside, m_node);
     inside.end();
     m_picture = picture;
     m_offset = pixels.topLeft();

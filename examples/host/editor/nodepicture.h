@@ -43,7 +43,7 @@ class NodePicture : public QGraphicsEffect
 {
     Q_OBJECT
 public:
-    explicit NodePicture(NodePictures& shared);
+    NodePicture(QGraphicsItem& node, NodePictures& shared); // the node takes it over
     ~NodePicture() override;
 
 protected:
@@ -58,6 +58,7 @@ private:
     void release();
     qint64 bytes() const { return qint64(m_picture.width()) * m_picture.height() * 4; }
 
+    QGraphicsItem& m_node;
     NodePictures& m_shared;
     QPixmap m_picture;
     QPoint m_offset; // of its corner from that of the node, in its pixels

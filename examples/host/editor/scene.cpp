@@ -83,7 +83,7 @@ void Scene::addItemFor(NodeId id)
     node->availableColorProfilesChanged();
     m_items[id] = node;
     addItem(node);
-    node->setGraphicsEffect(new NodePicture(m_pictures));
+    node->setGraphicsEffect(new NodePicture(*node, m_pictures));
     m_values.fill(*node);
     watch(*node);
     updateItemOf(id);
