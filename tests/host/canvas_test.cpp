@@ -557,6 +557,19 @@ TEST_F(CanvasByMouse, EachThingHasItsMenu)
     EXPECT_EQ(graph().frames.size(), 2u);
 }
 
+TEST_F(CanvasByMouse, NoTwoActionsHaveTheSameKeys)
+{
+    QMap<QString, QString> holders;
+    for (const QAction* action : window.findChildren<QAction*>()) {
+        for (const QKeySequence& keys : action->shortcuts()) {
+            EXPECT_FALSE(holders.contains(keys.toString()))
+                << qPrintable(keys.toString() + ": " + action->text() + ", " + holders.value(keys.toString()));
+            holders[keys.toString()] = action->text();
+        }
+    }
+    EXPECT_EQ(holders.value("Shift+L").remove('&'), "Align left edges");
+}
+
 TEST_F(CanvasByMouse, MenuOfSeveralNodesKeepsTheSelection)
 {
     spread();

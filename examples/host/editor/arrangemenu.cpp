@@ -18,15 +18,15 @@ ArrangeMenu::ArrangeMenu(Scene& scene, QWidget* parent)
     const auto distribute = [](Qt::Orientation orientation) {
         return [orientation](const std::vector<QRectF>& areas) { return distributed(areas, orientation); };
     };
-    add(tr("Align &left edges"), "Shift+L", "alignLeft", align(Alignment::Left));
-    add(tr("Align &right edges"), "Shift+R", "alignRight", align(Alignment::Right));
-    add(tr("Align &top edges"), "Shift+T", "alignTop", align(Alignment::Top));
-    add(tr("Align &bottom edges"), "Shift+B", "alignBottom", align(Alignment::Bottom));
-    add(tr("Align &centres in a column"), "Shift+C", "alignColumn", align(Alignment::CentersAcross));
-    add(tr("Align &middles in a row"), "Shift+M", "alignRow", align(Alignment::CentersDown));
+    add(tr("Align &left edges"), "Shift+L", "arrange.alignLeft", align(Alignment::Left));
+    add(tr("Align &right edges"), "Shift+R", "arrange.alignRight", align(Alignment::Right));
+    add(tr("Align &top edges"), "Shift+T", "arrange.alignTop", align(Alignment::Top));
+    add(tr("Align &bottom edges"), "Shift+B", "arrange.alignBottom", align(Alignment::Bottom));
+    add(tr("Align &centres in a column"), "Shift+C", "arrange.alignColumn", align(Alignment::CentersAcross));
+    add(tr("Align &middles in a row"), "Shift+M", "arrange.alignRow", align(Alignment::CentersDown));
     addSeparator();
-    add(tr("Distribute &across"), "Shift+H", "distributeAcross", distribute(Qt::Horizontal));
-    add(tr("Distribute &down"), "Shift+V", "distributeDown", distribute(Qt::Vertical));
+    add(tr("Distribute &across"), "Shift+H", "arrange.distributeAcross", distribute(Qt::Horizontal));
+    add(tr("Distribute &down"), "Shift+V", "arrange.distributeDown", distribute(Qt::Vertical));
 }
 
 void ArrangeMenu::add(const QString& text, const char* shortcut, const char* name, const Arrangement& arrangement)

@@ -43,15 +43,15 @@ void CanvasCommands::addEditActions(QMenu& menu)
     const auto add = [&](const QString& text, const char* slot, const QKeySequence& shortcut, const char* name) {
         menu.addAction(text, this, slot, shortcut)->setObjectName(name);
     };
-    add(tr("Cu&t"), SLOT(cutSelected()), QKeySequence::Cut, "cutNodes");
-    add(tr("&Copy"), SLOT(copySelected()), QKeySequence::Copy, "copyNodes");
-    add(tr("&Paste"), SLOT(paste()), QKeySequence::Paste, "pasteNodes");
-    add(tr("D&uplicate"), SLOT(duplicateSelected()), QKeySequence("Ctrl+D"), "duplicateNodes");
-    add(tr("De&lete"), SLOT(deleteSelected()), QKeySequence::Delete, "deleteSelected");
+    add(tr("Cu&t"), SLOT(cutSelected()), QKeySequence::Cut, "edit.cut");
+    add(tr("&Copy"), SLOT(copySelected()), QKeySequence::Copy, "edit.copy");
+    add(tr("&Paste"), SLOT(paste()), QKeySequence::Paste, "edit.paste");
+    add(tr("D&uplicate"), SLOT(duplicateSelected()), QKeySequence("Ctrl+D"), "edit.duplicate");
+    add(tr("De&lete"), SLOT(deleteSelected()), QKeySequence::Delete, "edit.delete");
     menu.addSeparator();
-    add(tr("&Bypass"), SLOT(bypassSelected()), QKeySequence("D"), "bypassNodes");
-    add(tr("R&eplace node..."), SLOT(replaceSelected()), QKeySequence("R"), "replaceNode");
-    add(tr("&Frame nodes"), SLOT(frameSelected()), QKeySequence("Ctrl+G"), "frameNodes");
+    add(tr("&Bypass"), SLOT(bypassSelected()), QKeySequence("D"), "edit.bypass");
+    add(tr("R&eplace node..."), SLOT(replaceSelected()), QKeySequence("R"), "edit.replaceNode");
+    add(tr("&Frame nodes"), SLOT(frameSelected()), QKeySequence("Ctrl+G"), "edit.frameNodes");
     menu.addMenu(new ArrangeMenu(m_scene, &m_window));
 }
 
@@ -60,14 +60,14 @@ void CanvasCommands::addViewActions(QMenu& menu)
     const auto add = [&](const QString& text, const char* slot, const char* shortcut, const char* name) {
         menu.addAction(text, this, slot, QKeySequence(shortcut))->setObjectName(name);
     };
-    add(tr("&Show node"), SLOT(showSelected()), "1", "showNode");
-    add(tr("Show node as s&econdary"), SLOT(showSelectedAsSecondary()), "2", "showNodeAsSecondary");
+    add(tr("&Show node"), SLOT(showSelected()), "1", "view.showNode");
+    add(tr("Show node as s&econdary"), SLOT(showSelectedAsSecondary()), "2", "view.showNodeAsSecondary");
     menu.addSeparator();
-    add(tr("Fit &all nodes"), SLOT(fitAll()), "A", "fitAllNodes");
-    add(tr("Fit &selected nodes"), SLOT(fitSelected()), "F", "fitSelectedNodes");
+    add(tr("Fit &all nodes"), SLOT(fitAll()), "A", "view.fitAllNodes");
+    add(tr("Fit &selected nodes"), SLOT(fitSelected()), "F", "view.fitSelectedNodes");
     auto* const miniMap = new MiniMap(m_scene, m_view);
     QAction* const shown = menu.addAction(tr("&Overview of the nodes"));
-    shown->setObjectName("miniMap");
+    shown->setObjectName("view.overview");
     shown->setShortcut(QKeySequence("N"));
     shown->setCheckable(true);
     shown->setChecked(true);

@@ -38,8 +38,8 @@ void CanvasMenu::fillForNode(PreviewNode& node)
 {
     QAction* const primary = addAction(tr("Show in &view"), &m_commands, SLOT(showSelected()));
     QAction* const secondary = addAction(tr("Show as &secondary"), &m_commands, SLOT(showSelectedAsSecondary()));
-    addNamed({"editInView", nullptr, "cutNodes", "copyNodes", "duplicateNodes", "deleteSelected", nullptr,
-              "bypassNodes", "replaceNode", "renameNode", "connectNode", nullptr, "frameNodes"});
+    addNamed({"view.editInView", nullptr, "edit.cut", "edit.copy", "edit.duplicate", "edit.delete", nullptr,
+              "edit.bypass", "edit.replaceNode", "renameNode", "connectNode", nullptr, "edit.frameNodes"});
     if (auto* const arrange = m_window.findChild<QMenu*>("arrange"); arrange && m_scene.selectedNodes().size() > 1)
         addMenu(arrange);
     node.displayingContextMenu(this, primary, secondary);
@@ -50,7 +50,7 @@ void CanvasMenu::fillForWire(const Connection& wire, QPointF at)
     addAction(tr("&Insert node..."), &m_commands, [this, wire, at] {
         m_commands.insertIntoWire(wire, at);
     })->setObjectName("insertIntoWire");
-    addNamed({nullptr, "deleteSelected"});
+    addNamed({nullptr, "edit.delete"});
 }
 
 void CanvasMenu::fillForFrame(quint64 id)
@@ -61,13 +61,14 @@ void CanvasMenu::fillForFrame(quint64 id)
     addAction(tr("&Select nodes inside"), this, [this, id] {
         m_scene.selectNodes(m_scene.frames().nodesInside(id));
     })->setObjectName("selectFrameNodes");
-    addNamed({nullptr, "deleteSelected"});
+    addNamed({nullptr, "edit.delete"});
 }
 
 void CanvasMenu::fillForCanvas(QPointF at)
 {
     addAction(tr("&Add node..."), &m_commands, [this, at] { m_commands.searchNode(at); })->setObjectName("addNode");
-    addNamed({nullptr, "pasteNodes", "selectAllNodes", nullptr, "frameNodes", nullptr, "fitAllNodes", "miniMap"});
+    addNamed({nullptr, "edit.paste", "selectAllNodes", nullptr, "edit.frameNodes", nullptr, "view.fitAllNodes",
+              "view.overview"});
 }
 
 } // namespace Host
