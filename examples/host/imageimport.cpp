@@ -5,6 +5,7 @@
 #include "jpegsegments.h"
 #include "pngencoder.h"
 #include "settledprofiles.h"
+#include "tiffpicture.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/color/colorprofiles.h>
@@ -178,17 +179,26 @@ FileBytes jpegWithOtherProfile(const FileBytes& file, QStringList& notes)
     const JpegSegments segments(file);
     switch (segments.components()) {
     case 1:
-        notes.append("is grey without a colour profile and was given that of sRGB");
+        notes.append("is grey without a fitting colour profile and was given that of sRGB");
         return segments.withProfile(greyProfile());
     case 3:
         notes.append("has a colour profile that does not fit and was read as sRGB");
         return segments.withProfile({});
     case 4:
-        notes.append("is CMYK without a colour profile, so that its colours are a guess");
+        notes.append("is CMYK without a fitting colour profile, so that its colours are a guess");
         return segments.withProfile(inkProfile());
     default:
         return {};
     }
+}
+
+FileBytes otherTiff(const FileBytes& file, QStringList& notes)
+{
+    Ondrel::Image image;
+    FileBytes mended = readTiffPicture(file, image) ? encodePng(image, {}) : FileBytes();
+    if (!mended.empty())
+        notes = QStringList("is a TIFF of a rare kind and was read with 8 bits a colour");
+    return mended;
 }
 
 // What can be mended before the library has seen the file.
@@ -225,8 +235,10 @@ Import importImage(const QString& file)
     QStringList notes;
     mend(record, notes);
     if (!add(record, result.id)) {
-        record->data = jpegWithOtherProfile(record->data, notes);
-        mend(record, notes); // could not be decoded before, if it mirrors
+        const bool isJpeg = JpegSegments(record->data).isJpeg();
+        record->data = isJpeg ? jpegWithOtherProfile(record->data, notes) : otherTiff(record->data, notes);
+        if (isJpeg)
+            mend(record, notes); // could not be decoded before, if it mirrors
         if (record->data.empty() || !add(record, result.id))
             return {};
     }

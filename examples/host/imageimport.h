@@ -20,6 +20,7 @@ struct Import {
 //   a grey PNG: its samples are put into red, green and blue
 //   a grey or CMYK JPEG without a profile that fits: given one (see importprofiles.h)
 //   an RGB JPEG with a profile that is none or does not fit: read as sRGB
+//   a TIFF of a kind that the library does not read: as libtiff shows it, with 8 bits a colour
 //
 // No pixel value changes in turning. Blocks; any thread.
 Import importImage(const QString& file);

@@ -266,7 +266,7 @@ TEST_F(Importing, GreyJpegWithoutAProfileIsThatOfSrgb)
     ASSERT_FALSE(unmended(file));
     const Picture made = import("grey.jpg", file);
     ASSERT_TRUE(made);
-    EXPECT_EQ(note, "\"grey.jpg\" is grey without a colour profile and was given that of sRGB.");
+    EXPECT_EQ(note, "\"grey.jpg\" is grey without a fitting colour profile and was given that of sRGB.");
     EXPECT_EQ(made->colorProfile, Ondrel::DefaultColorProfileHash);
     for (unsigned int value = 0; value < 256; ++value) {
         const Pixel pixel = pixelAt(*made, value * 8 + 3, 4);
@@ -296,7 +296,7 @@ TEST_F(Importing, CmykJpegWithoutAProfileIsReadAsPlainInks)
         ASSERT_FALSE(unmended(file));
         const Picture made = import("print.jpg", file);
         ASSERT_TRUE(made) << adobe;
-        EXPECT_EQ(note, "\"print.jpg\" is CMYK without a colour profile, so that its colours are a guess.");
+        EXPECT_EQ(note, "\"print.jpg\" is CMYK without a fitting colour profile, so that its colours are a guess.");
         for (unsigned int block = 0; block < 64; ++block) {
             for (unsigned int channel = 0; channel < 3; ++channel) {
                 const double expected = double((255 - inks[block][channel]) * (255 - inks[block][3])) / 65025;
@@ -325,6 +325,38 @@ TEST_F(Importing, ProfilesThatDoNotFitAreReplaced)
     }
 }
 
+TEST_F(Importing, TiffOfRareKindsIsReadWithEightBits)
+{
+    const TiffPicture chart = randomTiff(17, 5, PHOTOMETRIC_PALETTE, 8, 1);
+    std::vector<std::uint16_t> red, green, blue;
+    for (std::uint16_t i = 0; i < 256; ++i) {
+        red.push_back(std::uint16_t(i * 257));
+        green.push_back(std::uint16_t((255 - i) * 257));
+        blue.push_back(std::uint16_t((i ^ 170) * 257));
+    }
+    const Picture page = import("page.tif", tiffFile(chart, [&](TIFF* tiff) {
+                                    TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_BOTRIGHT);
+                                    TIFFSetField(tiff, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
+                                }));
+    ASSERT_TRUE(page);
+    EXPECT_EQ(note, "\"page.tif\" is a TIFF of a rare kind and was read with 8 bits a colour.");
+    for (unsigned int y = 0; y < 5; ++y) {
+        for (unsigned int x = 0; x < 17; ++x) {
+            const std::size_t i = chart.samples[y * 17 + x];
+            ASSERT_EQ(pixelAt(*page, 16 - x, 4 - y), (Pixel{red[i], green[i], blue[i], 65535})) << x << ' ' << y;
+        }
+    }
+    const TiffPicture inks = randomTiff(9, 6, PHOTOMETRIC_SEPARATED, 8, 4);
+    ASSERT_FALSE(unmended(tiffFile(inks)));
+    const Picture print = import("print.tif", tiffFile(inks));
+    ASSERT_TRUE(print);
+    for (std::size_t i = 0; i < 9 * 6; ++i) {
+        const unsigned char* const ink = inks.samples.data() + i * 4;
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            EXPECT_NEAR(print->data[i * 4 + channel] / 257.0, (255 - ink[channel]) * (255 - ink[3]) / 255.0, 1) << i;
+    }
+}
+
 TEST_F(Importing, TurnsAndGivesAProfileAtOnce)
 {
     for (const unsigned int value : {2u, 6u}) {
@@ -334,7 +366,8 @@ TEST_F(Importing, TurnsAndGivesAProfileAtOnce)
         EXPECT_TRUE(isTurned(*made, *plain, int(value)));
     }
     import("old.jpg", jpegWithExif(JCS_GRAYSCALE, bigEndianExifOrientation(2)));
-    EXPECT_EQ(note, "\"old.jpg\" is grey without a colour profile and was given that of sRGB, was turned upright.");
+    EXPECT_EQ(note,
+              "\"old.jpg\" is grey without a fitting colour profile and was given that of sRGB, was turned upright.");
 }
 
 TEST_F(Importing, FilesInOrderAreTakenAsTheyAre)
@@ -375,7 +408,8 @@ TEST_F(Importing, DamagedFilesDoNoHarm)
                                     }),
                            pngFile(randomPng(9, 5, PNG_COLOR_TYPE_GRAY_ALPHA, 16)),
                            tiffFile(randomTiff(9, 5, PHOTOMETRIC_RGB, 8, 3),
-                                    [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_LEFTBOT); })};
+                                    [](TIFF* tiff) { TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_LEFTBOT); }),
+                           tiffFile(randomTiff(9, 6, PHOTOMETRIC_SEPARATED, 8, 4))};
     std::mt19937 random(3);
     int refused = 0, read = 0;
     const auto tryFile = [&](const Bytes& bytes) { ++(import("damaged", bytes) ? read : refused); };

@@ -1,0 +1,100 @@
+#include "tiffpicture.h"
+
+#include <tiffio.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace Host
+{
+namespace
+{
+
+constexpr std::uint64_t kMostPixels = std::uint64_t(1) << 28;
+
+struct MemoryFile {
+    const FileBytes& bytes;
+    std::uint64_t at = 0;
+};
+
+MemoryFile& fileOf(thandle_t handle)
+{
+    return *static_cast<MemoryFile*>(handle);
+}
+
+tmsize_t readBytes(thandle_t handle, void* target, tmsize_t size)
+{
+    MemoryFile& file = fileOf(handle);
+    if (size <= 0 || file.at >= file.bytes.size())
+        return 0;
+    const std::uint64_t count = std::min(std::uint64_t(size), file.bytes.size() - file.at);
+    std::memcpy(target, file.bytes.data() + file.at, count);
+    file.at += count;
+    return tmsize_t(count);
+}
+
+tmsize_t writeNothing(thandle_t, void*, tmsize_t)
+{
+    return 0;
+}
+
+toff_t seekTo(thandle_t handle, toff_t offset, int whence)
+{
+    MemoryFile& file = fileOf(handle);
+    const std::uint64_t start = whence == SEEK_CUR ? file.at : whence == SEEK_END ? file.bytes.size() : 0;
+    file.at = start + offset; // wraps for offsets below zero, as they come
+    return file.at;
+}
+
+int closeNothing(thandle_t)
+{
+    return 0;
+}
+
+toff_t sizeOf(thandle_t handle)
+{
+    return fileOf(handle).bytes.size();
+}
+
+struct CloseTiff {
+    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+};
+
+std::uint16_t straight(std::uint32_t premultiplied, std::uint32_t alpha)
+{
+    return alpha == 0 ? std::uint16_t(0)
+                      : std::uint16_t(std::min((premultiplied * 255 + alpha / 2) / alpha, std::uint32_t(255)) * 257);
+}
+
+} // namespace
+
+bool readTiffPicture(const FileBytes& bytes, Ondrel::Image& image)
+{
+    MemoryFile file{bytes};
+    const std::unique_ptr<TIFF, CloseTiff> tiff(
+        TIFFClientOpen("memory", "rm", &file, readBytes, writeNothing, seekTo, closeNothing, sizeOf, nullptr, nullptr));
+    std::uint32_t width = 0, height = 0;
+    std::uint16_t compression = 0;
+    if (!tiff || !TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width) ||
+        !TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height) ||
+        !TIFFGetFieldDefaulted(tiff.get(), TIFFTAG_COMPRESSION, &compression) || compression == COMPRESSION_OJPEG ||
+        width == 0 || height == 0 || std::uint64_t(width) * height > kMostPixels)
+        return false;
+    const std::size_t count = std::size_t(width) * height;
+    const std::unique_ptr<std::uint32_t[]> pixels(new std::uint32_t[count]); // not set, so not touched for a lie
+    if (!TIFFReadRGBAImageOriented(tiff.get(), width, height, pixels.get(), ORIENTATION_TOPLEFT, 1))
+        return false;
+    Ondrel::Image result(width, height);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t alpha = TIFFGetA(pixels[i]);
+        result.data[i * 4] = straight(TIFFGetR(pixels[i]), alpha);
+        result.data[i * 4 + 1] = straight(TIFFGetG(pixels[i]), alpha);
+        result.data[i * 4 + 2] = straight(TIFFGetB(pixels[i]), alpha);
+        result.data[i * 4 + 3] = std::uint16_t(alpha * 257);
+    }
+    image = std::move(result);
+    return true;
+}
+
+} // namespace Host
