@@ -501,6 +501,41 @@ TEST_F(PreferencesOfTheEditor, DeviceThatFailsItsTestIsNotUsedAndNotTestedAgain)
     }
 }
 
+TEST_F(PreferencesOfTheEditor, DeviceIsTestedAgainWhenAsked)
+{
+    const QString log = path("log");
+    choice().selfTest().setProgram(
+        script("echo $1 >> " + log +
+               "\n[ $1 = list ] && exec echo '{\"devices\": [{\"name\": \"Card\", \"driver\": \"1\", "
+               "\"platform\": 0, \"device\": 0}]}'\necho '{\"passed\": false, \"reason\": \"Hot.\"}'\n"));
+    auto& box = control<QComboBox>("device");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return box.isEnabled(); }));
+    EXPECT_FALSE(control<QPushButton>("testAgain").isEnabled());
+    box.setCurrentIndex(1);
+    press(QDialogButtonBox::Apply);
+    settle();
+    press(QDialogButtonBox::Apply); // nothing new
+    settle();
+    EXPECT_TRUE(control<QLabel>("deviceState").text().contains("Hot.")) << qPrintable(choice().state());
+    control<QPushButton>("testAgain").click();
+    settle();
+    QFile ran(log);
+    ASSERT_TRUE(ran.open(QIODevice::ReadOnly));
+    EXPECT_EQ(ran.readAll(), "list\ntest\ntest\n");
+}
+
+TEST_F(PreferencesOfTheEditor, OtherPreferencesLeaveADeviceThatIsNotThereChosen)
+{
+    QSettings().setValue("editor/opencl/device", "Taken out");
+    choice().selfTest().setProgram(script("echo '{\"devices\": []}'\n"));
+    auto& box = control<QComboBox>("device");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return box.isEnabled(); }));
+    control<QSpinBox>("cache").setValue(400);
+    press(QDialogButtonBox::Ok);
+    settle();
+    EXPECT_EQ(choice().kept(), "Taken out");
+}
+
 TEST_F(PreferencesOfTheEditor, AnotherDriverIsTestedAnew)
 {
     const QString log = path("log");

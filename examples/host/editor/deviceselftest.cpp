@@ -79,7 +79,8 @@ void DeviceSelfTest::list(std::function<void(std::vector<DeviceInfo>)> then)
 {
     run({"list"}, [then](const QJsonObject& answer, const QString&) {
         std::vector<DeviceInfo> devices;
-        for (const QJsonValue& value : answer.value("devices").toArray()) {
+        const QJsonArray found = answer.value("devices").toArray();
+        for (const QJsonValue& value : found) {
             const QJsonObject object = value.toObject();
             devices.push_back({unsigned(object.value("platform").toInt()), unsigned(object.value("device").toInt()),
                                object.value("name").toString(), object.value("driver").toString()});

@@ -1,15 +1,17 @@
 #include "panerenderer.h"
 
+#include <utility>
+
 namespace Host
 {
 namespace
 {
 
 PaneRenderer::Shown renderedUnlessSame(const PaneRenderer::Shown& before, const Picture& picture,
-                                       const DisplayOptions& options)
+                                       const DisplayOptions& options, bool isStale)
 {
     PaneRenderer::Shown shown{picture, options, before.rendered};
-    if (picture.image != before.picture.image || !(options == before.options))
+    if (isStale || picture.image != before.picture.image || !(options == before.options))
         shown.rendered = renderWithLevels(picture, options);
     return shown;
 }
@@ -39,8 +41,7 @@ void PaneRenderer::setPaused(bool paused)
     m_paused = paused;
     if (paused)
         return;
-    m_first = Shown();
-    m_second = Shown();
+    m_stale = true;
     render();
 }
 
@@ -51,9 +52,9 @@ void PaneRenderer::render()
         return;
     m_running = true;
     m_worker.run([this, wanted = m_newestFirst, other = m_newestSecond, options = m_options, first = m_first,
-                  second = m_second]() -> std::function<void()> {
-        const Shown newFirst = renderedUnlessSame(first, wanted, options);
-        const Shown newSecond = renderedUnlessSame(second, other, options);
+                  second = m_second, stale = std::exchange(m_stale, false)]() -> std::function<void()> {
+        const Shown newFirst = renderedUnlessSame(first, wanted, options, stale);
+        const Shown newSecond = renderedUnlessSame(second, other, options, stale);
         return [this, newFirst, newSecond] {
             m_running = false;
             m_first = newFirst;

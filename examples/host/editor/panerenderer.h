@@ -43,7 +43,8 @@ private:
     bool m_running = false;
     bool m_again = false; // something has changed since the rendering began
     bool m_paused = false;
-    Worker m_worker; // the first to go: its end waits for what runs
+    bool m_stale = false; // what is rendered is for another display
+    Worker m_worker;      // the first to go: its end waits for what runs
 };
 
 } // namespace Host

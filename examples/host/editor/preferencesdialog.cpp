@@ -9,6 +9,7 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -31,9 +32,11 @@ QFormLayout* addGroup(QVBoxLayout& layout, const QString& title)
     return form;
 }
 
-void chooseData(QComboBox& box, const QVariant& data)
+// By the data of entries.
+void chooseData(QComboBox& box, const QVariant& data, const QVariant& otherwise = QVariant())
 {
-    box.setCurrentIndex(std::max(0, box.findData(data)));
+    const int index = box.findData(data);
+    box.setCurrentIndex(std::max(0, index >= 0 ? index : box.findData(otherwise)));
 }
 
 // Names of profiles may be long; the dialog is not to grow with them.
@@ -55,6 +58,7 @@ PreferencesDialog::PreferencesDialog(Preferences& preferences, QWidget* parent)
     , m_thumbnailFilter(new QComboBox(this))
     , m_cache(new QSpinBox(this))
     , m_device(new QComboBox(this))
+    , m_testAgain(new QPushButton(tr("T&est again"), this))
     , m_deviceState(new QLabel(this))
 {
     setWindowTitle(tr("Preferences"));
@@ -92,7 +96,9 @@ void PreferencesDialog::addColour(QFormLayout& form, const PreferenceValues& val
     m_profile->setObjectName("profile");
     m_intent->setObjectName("intent");
     m_managedThumbnails->setObjectName("managedThumbnails");
-    chooseData(*m_profile, values.displayProfile);
+    const auto& standard = Ondrel::DefaultColorProfileHash; // which the library takes for an unknown one
+    chooseData(*m_profile, values.displayProfile,
+               QByteArray(reinterpret_cast<const char*>(standard.data()), int(standard.size())));
     chooseData(*m_intent, values.displayIntent);
     m_managedThumbnails->setChecked(values.managesThumbnails);
     limitWidth(*m_profile);
@@ -129,7 +135,18 @@ void PreferencesDialog::addPerformance(QFormLayout& form, const PreferenceValues
     m_deviceState->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     form.addRow(tr("Scaling of t&humbnails"), m_thumbnailFilter);
     form.addRow(tr("Memory for &results"), m_cache);
-    form.addRow(tr("&OpenCL device"), m_device);
+    m_testAgain->setObjectName("testAgain");
+    m_testAgain->setAutoDefault(false);
+    m_testAgain->setEnabled(false);
+    connect(m_testAgain, SIGNAL(clicked()), this, SLOT(testAgain()));
+    connect(m_device, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
+            [this](int index) { m_testAgain->setEnabled(index > 0); });
+    auto* const row = new QHBoxLayout;
+    row->addWidget(m_device, 1);
+    row->addWidget(m_testAgain);
+    auto* const label = new QLabel(tr("&OpenCL device"), this);
+    label->setBuddy(m_device);
+    form.addRow(label, row);
     form.addRow(QString(), m_deviceState);
 }
 
@@ -142,7 +159,23 @@ void PreferencesDialog::takeDevices(const std::vector<DeviceInfo>& devices)
         if (m_device->currentIndex() == 0 && device.name == m_preferences.device().kept())
             m_device->setCurrentIndex(m_device->count() - 1);
     }
-    m_device->setEnabled(!devices.empty());
+    m_device->setEnabled(true);
+    m_appliedDevice = m_device->currentIndex();
+}
+
+const DeviceInfo* PreferencesDialog::chosenDevice() const
+{
+    const int index = m_device->currentIndex();
+    return index > 0 ? &m_devices[std::size_t(index) - 1] : nullptr;
+}
+
+void PreferencesDialog::testAgain()
+{
+    if (!chosenDevice())
+        return;
+    DeviceSelfTest::forget(*chosenDevice());
+    m_appliedDevice = m_device->currentIndex();
+    m_preferences.device().choose(*chosenDevice());
 }
 
 void PreferencesDialog::showDeviceState()
@@ -174,16 +207,16 @@ void PreferencesDialog::apply()
     applyDevice();
 }
 
+// A device that is not there just now stays chosen, unless the user chooses another.
 void PreferencesDialog::applyDevice()
 {
-    DeviceChoice& choice = m_preferences.device();
-    const int index = m_device->currentIndex();
-    if (!m_device->isEnabled()) // there is nothing to choose from
+    if (m_device->currentIndex() == m_appliedDevice)
         return;
-    if (index == 0 && !(choice.kept().isEmpty() && choice.inUse().isEmpty()))
-        choice.chooseNone();
-    else if (index > 0 && m_devices[std::size_t(index) - 1].name != choice.inUse())
-        choice.choose(m_devices[std::size_t(index) - 1]);
+    m_appliedDevice = m_device->currentIndex();
+    if (chosenDevice())
+        m_preferences.device().choose(*chosenDevice());
+    else
+        m_preferences.device().chooseNone();
 }
 
 } // namespace Host

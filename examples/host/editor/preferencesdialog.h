@@ -9,6 +9,7 @@ class QCheckBox;
 class QComboBox;
 class QFormLayout;
 class QLabel;
+class QPushButton;
 class QSpinBox;
 
 namespace Host
@@ -27,6 +28,7 @@ public:
 private Q_SLOTS:
     void press(QAbstractButton* button);
     void showDeviceState();
+    void testAgain();
 
 private:
     void addColour(QFormLayout& form, const PreferenceValues& values);
@@ -34,6 +36,7 @@ private:
     void takeDevices(const std::vector<DeviceInfo>& devices);
     void apply();
     void applyDevice();
+    const DeviceInfo* chosenDevice() const; // null for none
 
     Preferences& m_preferences;
     QCheckBox* m_managed;
@@ -43,8 +46,10 @@ private:
     QComboBox* m_thumbnailFilter;
     QSpinBox* m_cache;
     QComboBox* m_device;
+    QPushButton* m_testAgain;
     QLabel* m_deviceState;
     std::vector<DeviceInfo> m_devices; // behind the entry for none
+    int m_appliedDevice = 0;           // its entry
 };
 
 } // namespace Host
