@@ -197,6 +197,6 @@ TEST(Cancelling, StopsLongWorkSoon)
         const auto back = Clock::now();
         canceller.join();
         EXPECT_TRUE(outcome.cancelled) << node.file;
-        EXPECT_LT(std::chrono::duration<double>(back - cancelled).count(), 1.5) << node.file;
+        EXPECT_LT(std::chrono::duration<double>(back - cancelled).count(), 3) << node.file;
     }
 }
