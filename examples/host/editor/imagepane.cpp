@@ -93,6 +93,7 @@ ImagePane::ImagePane(QWidget* parent)
     layout->addLayout(below);
     addView(*m_view);
     addView(*m_secondView);
+    m_secondView->setFocusPolicy(Qt::NoFocus); // keys are for the first one and its mode
     m_secondView->hide();
     m_wipe->hide();
     scrollTogether(m_view->horizontalScrollBar(), m_secondView->horizontalScrollBar());
