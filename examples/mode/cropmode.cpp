@@ -309,8 +309,12 @@ void CropMode::draw(QPainter& painter)
 
 void CropMode::drawShade(QPainter& painter) const
 {
+    // A pixel of the view wider than the picture, whose place is rounded to whole ones.
+    const QTransform toView = pictureToView();
+    const int more = int(std::ceil(1 / std::max(1e-3, std::hypot(toView.m11(), toView.m12()))));
+    const QSize size = pictureSize() + QSize(2 * more, 2 * more);
     QPainterPath outside;
-    outside.addPolygon(outline(Rect(QPoint(0, 0), pictureSize())));
+    outside.addPolygon(outline(Rect(QPoint(-more, -more), size)));
     outside.closeSubpath();
     QPainterPath inside;
     inside.addPolygon(outline(m_frame));

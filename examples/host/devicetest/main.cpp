@@ -107,7 +107,7 @@ QString scaling(const Image& source)
                 return Text::tr("The device refuses to scale.");
             Scale_CPU(source, onProcessor, side * 2, side, filter);
             const bool isExact = filter == Ondrel::FilterMethod::NearestNeighbor;
-            const QString reason = compared(Text::tr("Scaling"), onDevice, onProcessor, isExact ? 0 : kRounding);
+            QString reason = compared(Text::tr("Scaling"), onDevice, onProcessor, isExact ? 0 : kRounding);
             if (!reason.isEmpty())
                 return reason;
         }
