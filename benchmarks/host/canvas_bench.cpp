@@ -170,13 +170,14 @@ void drag(benchmark::State& state, double zoom)
     canvas().window().document().undoStack().undo();
 }
 
-// Of the user-interface thread, while the pictures are computed beside it.
+// What the window does for one value of a node in view with 17 others behind it, while their pictures are computed
+// beside it.
 void slider(benchmark::State& state)
 {
     canvas().setZoom(1);
     int step = 0;
     for (auto _ : state) {
-        canvas().window().document().setValue(canvas().node(kLength + 18), "radius", QString::number(1 + ++step % 20),
+        canvas().window().document().setValue(canvas().node(kLength + 2), "radius", QString::number(1 + ++step % 20),
                                               1);
         QCoreApplication::processEvents();
     }

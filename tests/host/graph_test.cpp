@@ -61,6 +61,22 @@ TEST_F(GraphOfNodes, FieldsAndNodesThatDoNotExistAreNamed)
     EXPECT_EQ(why({source, "image", 77, "image"}), "One of the nodes does not exist.");
 }
 
+TEST_F(GraphOfNodes, DependentsComeBehindWhatTheyDependOn)
+{
+    const auto a = add("add", "A"), b = add("add", "B"), c = add("add", "C"), d = add("add", "D"), e = add("add", "E");
+    graph.connections = {{d, "image", b, "image"},
+                         {a, "image", d, "image"},
+                         {a, "image", b, "other"},
+                         {b, "image", c, "image"},
+                         {e, "image", c, "other"}};
+    using Ids = std::vector<Host::NodeId>;
+    EXPECT_EQ(dependents(graph, {a}), (Ids{a, d, b, c}));
+    EXPECT_EQ(dependents(graph, {e, d}), (Ids{d, e, b, c}));
+    EXPECT_EQ(dependents(graph, {c}), Ids{c});
+    EXPECT_EQ(dependents(graph, {77}), Ids());
+    EXPECT_EQ(dependents(graph, {}), Ids());
+}
+
 TEST_F(GraphOfNodes, AVariableNodeTakesInputsByNumber)
 {
     const auto source = add("source", "S"), layers = add("layers", "L");
