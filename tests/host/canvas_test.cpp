@@ -224,6 +224,11 @@ TEST_F(CanvasByMouse, WireBelowTheMouseIsLit)
     EXPECT_EQ(lit.pixelColor(at(middle)), QColor(Qt::white));
     mouse(QEvent::MouseMove, middle + QPointF(0, 200), Qt::NoButton, Qt::NoButton);
     EXPECT_EQ(shown(), before);
+    mouse(QEvent::MouseMove, middle, Qt::NoButton, Qt::NoButton);
+    EXPECT_EQ(shown(), lit);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(view().viewport(), &leave);
+    EXPECT_EQ(shown(), before);
 }
 
 TEST_F(CanvasByMouse, ClickedWireIsDeletedByTheKeyAndComesBack)
@@ -354,6 +359,16 @@ TEST_F(CanvasByMouse, FramesAreSavedWithTheProject)
     ASSERT_EQ(graph().frames.size(), 1u);
     EXPECT_TRUE(onlyFrame() == frame);
     EXPECT_EQ(scene().frames().items().size(), 1u);
+}
+
+TEST_F(CanvasByMouse, AllThatIsFittedIntoTheViewHasTheFramesToo)
+{
+    spread();
+    window.document().addFrame("Sky", QRectF(-900, -700, 300, 200));
+    play("key A");
+    const QRectF inView = view().mapToScene(view().viewport()->rect()).boundingRect();
+    EXPECT_TRUE(inView.contains(QRectF(-900, -700, 300, 200)));
+    EXPECT_TRUE(inView.contains(area("Levels")));
 }
 
 // ---- Lines

@@ -289,7 +289,7 @@ void CanvasCommands::showSelectedAsSecondary()
 
 void CanvasCommands::fitAll()
 {
-    m_view.fit(m_scene.nodesRect({}));
+    m_view.fit(m_scene.nodesRect({}) | m_scene.frames().area());
 }
 
 void CanvasCommands::fitSelected()

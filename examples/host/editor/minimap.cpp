@@ -62,9 +62,7 @@ QRectF MiniMap::areaInView() const
 
 void MiniMap::follow()
 {
-    QRectF area = m_scene.nodesRect({});
-    for (const auto& [id, frame] : m_scene.frames().items())
-        area |= frame->area();
+    const QRectF area = m_scene.nodesRect({}) | m_scene.frames().area();
     m_area = area.adjusted(-kRoom, -kRoom, kRoom, kRoom) | areaInView();
     update();
 }

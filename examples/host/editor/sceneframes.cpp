@@ -60,6 +60,14 @@ void SceneFrames::follow()
     }
 }
 
+QRectF SceneFrames::area() const
+{
+    QRectF area;
+    for (const auto& [id, frame] : m_items)
+        area |= frame->area();
+    return area;
+}
+
 std::vector<NodeId> SceneFrames::nodesInside(quint64 id) const
 {
     std::vector<NodeId> inside;

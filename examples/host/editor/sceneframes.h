@@ -20,6 +20,7 @@ public:
     FrameItem* item(quint64 id) const; // null if there is none
     const std::map<quint64, FrameItem*>& items() const { return m_items; }
     std::vector<NodeId> nodesInside(quint64 id) const;
+    QRectF area() const;                    // of them all
     quint64 at(const QPointF& point) const; // whose title or corner is there; else 0
     quint64 selected() const { return m_selected; }
     void select(quint64 id); // 0 for none

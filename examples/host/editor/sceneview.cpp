@@ -139,6 +139,13 @@ QPointF SceneView::selectedPoint() const
     return thing.wire ? m_scene.wires().middleOf(*thing.wire) : pointerInScene();
 }
 
+bool SceneView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::Leave)
+        m_scene.wires().setLit(std::nullopt);
+    return QGraphicsView::viewportEvent(event);
+}
+
 // A line that is being edited has a menu of its own.
 void SceneView::contextMenuEvent(QContextMenuEvent* event)
 {
