@@ -61,6 +61,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
     , m_canvasKeys(new CanvasKeys(m_document, *m_scene, *m_sceneView))
     , m_paneKeys(new PaneKeys(*m_imagePane, *m_sceneView, this))
+    , m_histogram(new HistogramDock(*m_imagePane, this))
     , m_memory(new MemoryDisplay(m_document, *m_pictures, this))
     , m_exportCommands(new ExportCommands(m_document, *m_scene, *m_files, *m_exporter, *this))
     , m_preferences(new Preferences(*m_pictures, *m_imagePane, *this))
@@ -73,7 +74,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     setCentralWidget(splitter);
     statusBar()->addPermanentWidget(m_exporter);
     statusBar()->addPermanentWidget(m_memory);
-    addDockWidget(Qt::RightDockWidgetArea, new HistogramDock(*m_imagePane, this));
+    addDockWidget(Qt::RightDockWidgetArea, m_histogram);
     setAcceptDrops(true);
     new CanvasAccessibility(m_document, *m_scene, *m_sceneView);
     addFileMenu();
@@ -172,7 +173,7 @@ void EditorWindow::addViewMenu()
 {
     QMenu* const view = menuBar()->addMenu(tr("&View"));
     view->setObjectName("view");
-    view->addAction(findChild<QDockWidget*>("histogram")->toggleViewAction());
+    view->addAction(m_histogram->toggleViewAction());
     m_canvasCommands->addViewActions(*view);
     view->addSeparator();
     m_paneKeys->addActions(*view);
@@ -253,7 +254,7 @@ void EditorWindow::editInView(bool on)
 bool EditorWindow::isSettled() const
 {
     return !m_pictures->isWaiting() && !m_files->isBusy() && !m_importer->isBusy() && !m_exporter->isBusy() &&
-           !m_imagePane->isBusy() && !m_memory->isBusy() && !m_preferences->isBusy();
+           !m_imagePane->isBusy() && !m_memory->isBusy() && !m_histogram->isBusy() && !m_preferences->isBusy();
 }
 
 } // namespace Host

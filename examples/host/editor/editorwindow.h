@@ -11,6 +11,7 @@ class CanvasCommands;
 class CanvasKeys;
 class ExportCommands;
 class Exporter;
+class HistogramDock;
 class ImagePane;
 class Importer;
 class MemoryDisplay;
@@ -79,6 +80,7 @@ private:
     CanvasCommands* m_canvasCommands;
     CanvasKeys* m_canvasKeys; // the canvas's
     PaneKeys* m_paneKeys;
+    HistogramDock* m_histogram; // the window's
     MemoryDisplay* m_memory;
     ExportCommands* m_exportCommands;
     Preferences* m_preferences;
