@@ -216,10 +216,15 @@ bool add(const Record& record, Ondrel::ResourceId& id)
     return ResourceEngine::Get().AddImageByData(ResourceEngine::FormatPNG, record->data, record->fileName, id);
 }
 
+std::string placeOf(const QString& file)
+{
+    return QFile::encodeName(QFileInfo(file).absoluteFilePath()).toStdString();
+}
+
 Record load(const QString& file)
 {
     auto record = std::make_shared<ResourceEngine::ImageInfo>();
-    record->fileName = QFile::encodeName(file).toStdString();
+    record->fileName = placeOf(file);
     return ResourceEngine::LoadDataFromFile(record->fileName, record) ? record : nullptr;
 }
 
@@ -252,7 +257,7 @@ Import importRawImage(const QString& file)
 {
     assertMayBlock("importRawImage");
     Import result;
-    ResourceEngine::Get().AddRawImage(QFile::encodeName(file).toStdString(), result.id);
+    ResourceEngine::Get().AddRawImage(placeOf(file), result.id);
     settleProfiles();
     return result;
 }

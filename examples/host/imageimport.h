@@ -22,7 +22,7 @@ struct Import {
 //   an RGB JPEG with a profile that is none or does not fit: read as sRGB
 //   a TIFF of a kind that the library does not read: as libtiff shows it, with 8 bits a colour
 //
-// No pixel value changes in turning. Blocks; any thread.
+// No pixel value changes in turning. The store has the file's whole path. Blocks; any thread.
 Import importImage(const QString& file);
 Import importRawImage(const QString& file);
 

@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -388,6 +389,19 @@ TEST_F(Importing, FilesInOrderAreTakenAsTheyAre)
         EXPECT_EQ(QString::fromStdString(name), path("file"));
         ResourceEngine::Get().RemoveResource(made.id);
     }
+}
+
+TEST_F(Importing, StoreHasTheWholePath)
+{
+    write("file.png", pngFile(randomPng(9, 5, PNG_COLOR_TYPE_RGB, 8)));
+    const Import made = importFile(QDir::current().relativeFilePath(path("file.png")));
+    ASSERT_NE(made.id.id, 0u);
+    ResourceEngine::Format format;
+    Bytes stored;
+    std::string name;
+    EXPECT_TRUE(ResourceEngine::Get().CopyData(made.id, format, stored, name));
+    EXPECT_EQ(QString::fromStdString(name), path("file.png"));
+    ResourceEngine::Get().RemoveResource(made.id);
 }
 
 TEST_F(Importing, MissingFileIsRefused)
