@@ -5,7 +5,7 @@
 #include "splice.h"
 
 #include <QGraphicsView>
-#include <QPainter>
+#include <QPen>
 
 namespace Host
 {
@@ -28,41 +28,32 @@ QRectF areaInView(const Scene& scene)
 
 } // namespace
 
-GuideLines::GuideLines()
+GuideLines::GuideLines(QGraphicsScene& scene)
+    : m_scene(scene)
 {
-    setZValue(10);
-    setAcceptedMouseButtons(Qt::NoButton);
 }
 
 void GuideLines::setLines(const std::vector<QLineF>& lines)
 {
     if (lines == m_lines)
         return;
-    prepareGeometryChange();
     m_lines = lines;
-}
-
-QRectF GuideLines::boundingRect() const
-{
-    QRectF bounds;
-    for (const QLineF& line : m_lines)
-        bounds |= QRectF(line.p1(), line.p2()).normalized().adjusted(-2, -2, 2, 2);
-    return bounds;
-}
-
-void GuideLines::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget*)
-{
+    m_items.clear();
     QPen pen(QColor(255, 204, 0), 1, Qt::DashLine);
     pen.setCosmetic(true);
-    painter->setPen(pen);
-    for (const QLineF& line : m_lines)
-        painter->drawLine(line);
+    for (const QLineF& line : lines) {
+        m_items.push_back(std::make_unique<QGraphicsLineItem>(line));
+        m_items.back()->setPen(pen);
+        m_items.back()->setZValue(10);
+        m_items.back()->setAcceptedMouseButtons(Qt::NoButton);
+        m_scene.addItem(m_items.back().get());
+    }
 }
 
 NodeDrag::NodeDrag(Scene& scene)
     : m_scene(scene)
+    , m_guides(scene)
 {
-    scene.addItem(&m_guides);
 }
 
 void NodeDrag::begin()

@@ -5,23 +5,27 @@
 #include <QGraphicsItem>
 #include <QLineF>
 
+#include <memory>
+#include <vector>
+
 namespace Host
 {
 
 class Scene;
 
-// The lines at which a dragged node has snapped to others, above everything.
-class GuideLines : public QGraphicsItem
+// The lines at which a dragged node has snapped to others, above everything. Each is an item of its own: one for all of
+// them would have the whole canvas between them drawn again with every move.
+class GuideLines
 {
 public:
-    GuideLines();
+    explicit GuideLines(QGraphicsScene& scene);
     void setLines(const std::vector<QLineF>& lines);
     const std::vector<QLineF>& lines() const { return m_lines; }
-    QRectF boundingRect() const override;
-    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
 
 private:
+    QGraphicsScene& m_scene;
     std::vector<QLineF> m_lines;
+    std::vector<std::unique_ptr<QGraphicsLineItem>> m_items;
 };
 
 // The nodes that are dragged with the mouse: they snap to the others that are in view, a single one that hovers over a
