@@ -4,6 +4,8 @@
 #include "scene.h"
 #include "unsavedplace.h"
 
+#include <ondrel/resources/resourceengine.h>
+
 #include <QAbstractButton>
 #include <QMessageBox>
 #include <QProcess>
@@ -165,4 +167,24 @@ TEST_F(ProjectFilesOfAWindow, NewProjectIsEmptyAndHasNoFile)
     EXPECT_TRUE(window.document().undoStack().isClean());
     EXPECT_TRUE(window.windowTitle().startsWith("Untitled"));
     EXPECT_EQ(window.scene().primary(), 0u);
+}
+
+TEST_F(ProjectFilesOfAWindow, PicturesOfTheProjectThatGoesAreDroppedUnlessTheyAreOnTheClipboard)
+{
+    const auto isInStore = [](Ondrel::ResourceId id) {
+        Ondrel::ImageInfo info;
+        return ResourceEngine::Get().CopyImageInfo(id, info);
+    };
+    play("save " + path("a.ondrel"));
+    const auto first = value("photo", "image").value<Ondrel::ResourceId>();
+    ASSERT_TRUE(isInStore(first));
+    play("select photo\nkey Ctrl+C\nopen " + path("a.ondrel"));
+    EXPECT_TRUE(isInStore(first)) << "the clipboard has it";
+    const auto second = value("photo", "image").value<Ondrel::ResourceId>();
+    EXPECT_NE(second.id, first.id);
+    play("open " + path("a.ondrel") + "\nkey Ctrl+V\nwait");
+    EXPECT_FALSE(isInStore(second));
+    EXPECT_TRUE(isInStore(first)) << "it was pasted";
+    EXPECT_TRUE(isInStore(value("photo", "image").value<Ondrel::ResourceId>()));
+    EXPECT_EQ(value("photo 2", "image").value<Ondrel::ResourceId>().id, first.id);
 }

@@ -11,19 +11,10 @@
 #include "splice.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QClipboard>
 #include <QMenu>
-#include <QMimeData>
 
 namespace Host
 {
-namespace
-{
-
-const char* const kClipboardType = "application/x-ondrel-nodes+json";
-
-} // namespace
 
 CanvasCommands::CanvasCommands(Document& document, Scene& scene, SceneView& view, QWidget& window)
     : QObject(&window)
@@ -235,11 +226,7 @@ void CanvasCommands::copySelected()
     const Graph graph = selectedGraph();
     if (graph.nodes.empty())
         return;
-    auto* data = new QMimeData; // the clipboard's
-    const QByteArray text = graphToText(graph);
-    data->setData(kClipboardType, text);
-    data->setText(QString::fromUtf8(text));
-    QApplication::clipboard()->setMimeData(data);
+    putOnClipboard(graph);
 }
 
 void CanvasCommands::cutSelected()
@@ -250,9 +237,7 @@ void CanvasCommands::cutSelected()
 
 void CanvasCommands::paste()
 {
-    const QMimeData* const data = QApplication::clipboard()->mimeData();
-    const QByteArray text = data->hasFormat(kClipboardType) ? data->data(kClipboardType) : data->text().toUtf8();
-    const std::optional<Graph> graph = graphFromText(text);
+    const std::optional<Graph> graph = graphOnClipboard();
     if (!graph) {
         Q_EMIT message(tr("There are no nodes on the clipboard."));
         return;

@@ -2,12 +2,18 @@
 
 #include "values.h"
 
+#include <QApplication>
+#include <QClipboard>
+#include <QMimeData>
+
 using Json = nlohmann::ordered_json;
 
 namespace Host
 {
 namespace
 {
+
+const char* const kClipboardType = "application/x-ondrel-nodes+json";
 
 QString textIn(const Json& object, const char* key)
 {
@@ -73,6 +79,23 @@ std::optional<Graph> graphFromText(const QByteArray& text)
                                      textIn(each, "to").toULongLong(), textIn(each, "input")});
     }
     return graph;
+}
+
+void putOnClipboard(const Graph& graph)
+{
+    auto* const data = new QMimeData; // the clipboard's
+    const QByteArray text = graphToText(graph);
+    data->setData(kClipboardType, text);
+    data->setText(QString::fromUtf8(text));
+    QApplication::clipboard()->setMimeData(data);
+}
+
+std::optional<Graph> graphOnClipboard()
+{
+    const QMimeData* const data = QApplication::clipboard()->mimeData();
+    if (!data)
+        return std::nullopt;
+    return graphFromText(data->hasFormat(kClipboardType) ? data->data(kClipboardType) : data->text().toUtf8());
 }
 
 } // namespace Host

@@ -14,4 +14,8 @@ QByteArray graphToText(const Graph& graph);
 // None if the text is not of that form.
 std::optional<Graph> graphFromText(const QByteArray& text);
 
+// User-interface thread only.
+void putOnClipboard(const Graph& graph);
+std::optional<Graph> graphOnClipboard(); // none if it has no nodes
+
 } // namespace Host

@@ -113,6 +113,7 @@ void EditorWindow::connectParts()
     connect(m_files, SIGNAL(nameChanged()), this, SLOT(updateTitle()));
     m_files->setViewWriter(
         [this](nlohmann::ordered_json& view) { view["primary"] = std::to_string(m_scene->primary()); });
+    m_files->setStillUsed([this] { return m_exporter->isBusy(); });
     connect(m_files, &ProjectFiles::opened, this, [this](const Project& project) {
         const std::string shown = project.view.value("primary", std::string());
         m_scene->show(QString::fromStdString(shown).toULongLong(), PreviewNode::EmblemPrimary);

@@ -1,10 +1,15 @@
 #include "projectfiles.h"
 
+#include "clipboardgraph.h"
 #include "unsavedplace.h"
+
+#include <ondrel/resources/resourceengine.h>
 
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+
+#include <algorithm>
 
 namespace Host
 {
@@ -126,6 +131,7 @@ void ProjectFiles::take(const Source& source, const ProjectReading& reading)
     ++m_saves; // an autosave that still waits is of what goes now
     if (autosaveName(autosavedAs()) != source.from)
         leave();
+    dropResources();
     m_document.load(reading.project->graph);
     m_embedded = reading.project->embedded;
     m_file = source.file;
@@ -139,6 +145,27 @@ void ProjectFiles::take(const Source& source, const ProjectReading& reading)
     Q_EMIT nameChanged();
     if (!reading.notes.isEmpty())
         Q_EMIT message(reading.notes.join("  "));
+}
+
+// Those of the document; a project that is read brings handles of its own.
+void ProjectFiles::dropResources()
+{
+    if (m_isStillUsed && m_isStillUsed())
+        return;
+    std::vector<Ondrel::ResourceId> kept;
+    if (const std::optional<Graph> copied = graphOnClipboard())
+        kept = resourcesOf(*copied);
+    std::vector<Ondrel::ResourceId> dropped;
+    for (const Ondrel::ResourceId id : resourcesOf(m_document.graph())) {
+        const auto isSame = [id](Ondrel::ResourceId other) { return other.id == id.id; };
+        if (std::none_of(kept.begin(), kept.end(), isSame))
+            dropped.push_back(id);
+    }
+    m_worker.run([dropped]() -> std::function<void()> {
+        for (const Ondrel::ResourceId id : dropped)
+            ResourceEngine::Get().RemoveResource(id);
+        return {};
+    });
 }
 
 QString ProjectFiles::autosavedAs() const

@@ -35,6 +35,10 @@ public:
     // Adds to what is saved what the document does not hold: how it is looked at.
     void setViewWriter(std::function<void(nlohmann::ordered_json& view)> writer) { m_writeView = std::move(writer); }
 
+    // Pictures of a project that another one replaces go from the store, unless the clipboard names them or this says
+    // that work on the old project goes on.
+    void setStillUsed(std::function<bool()> isStillUsed) { m_isStillUsed = std::move(isStillUsed); }
+
     // Where an autosave is newer than the file, the user is asked which of them is opened.
     void open(const QString& file);
     void save(const QString& file);
@@ -72,11 +76,13 @@ private:
     void read(const Source& source);
     void take(const Source& source, const ProjectReading& reading);
     QString autosavedAs() const; // the name that the autosave of what is edited goes by; empty: there is none yet
+    void dropResources();
     Project project() const;
 
     Document& m_document;
     QWidget& m_window;
     std::function<void(nlohmann::ordered_json&)> m_writeView;
+    std::function<bool()> m_isStillUsed;
     QString m_file;
     std::shared_ptr<UnsavedPlace> m_unsaved; // of a project without a file, once it has been autosaved
     std::set<std::uint32_t> m_embedded;      // resources that are saved with their bytes

@@ -26,6 +26,7 @@
 #include <QPainter>
 #include <QRegularExpression>
 #include <QStatusBar>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <map>
@@ -311,6 +312,7 @@ bool Script::wait()
             return fail("it takes too long");
         QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
     } while (!m_window.isSettled());
+    QThreadPool::globalInstance()->waitForDone(); // the previews of nodes are rendered there
     QApplication::processEvents();
     return true;
 }
