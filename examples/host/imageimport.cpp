@@ -3,6 +3,7 @@
 #include "blocking.h"
 #include "importprofiles.h"
 #include "jpegsegments.h"
+#include "lcmshandles.h"
 #include "pngencoder.h"
 #include "settledprofiles.h"
 #include "tiffpicture.h"
@@ -11,8 +12,6 @@
 #include <ondrel/color/colorprofiles.h>
 #include <ondrel/pixel/geometry.h>
 #include <ondrel/resources/resourceengine.h>
-
-#include <lcms2.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -28,14 +27,6 @@ namespace Host
 namespace
 {
 
-struct CloseProfile {
-    void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-struct DeleteTransform {
-    void operator()(void* transform) const { cmsDeleteTransform(transform); }
-};
-using Profile = std::unique_ptr<void, CloseProfile>;
-using Transform = std::unique_ptr<void, DeleteTransform>;
 using Record = std::shared_ptr<ResourceEngine::ImageInfo>;
 
 // ---- Pixels

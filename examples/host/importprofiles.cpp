@@ -1,8 +1,8 @@
 #include "importprofiles.h"
 
-#include <ondrel/color/colorprofiles.h>
+#include "lcmshandles.h"
 
-#include <lcms2.h>
+#include <ondrel/color/colorprofiles.h>
 
 #include <algorithm>
 #include <memory>
@@ -12,20 +12,12 @@ namespace Host
 namespace
 {
 
-struct CloseProfile {
-    void operator()(void* profile) const { cmsCloseProfile(profile); }
-};
-struct DeleteTransform {
-    void operator()(void* transform) const { cmsDeleteTransform(transform); }
-};
 struct FreeCurve {
     void operator()(cmsToneCurve* curve) const { cmsFreeToneCurve(curve); }
 };
 struct FreePipeline {
     void operator()(cmsPipeline* pipeline) const { cmsPipelineFree(pipeline); }
 };
-using Profile = std::unique_ptr<void, CloseProfile>;
-using Transform = std::unique_ptr<void, DeleteTransform>;
 using Curve = std::unique_ptr<cmsToneCurve, FreeCurve>;
 using Pipeline = std::unique_ptr<cmsPipeline, FreePipeline>;
 

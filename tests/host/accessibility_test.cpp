@@ -215,23 +215,20 @@ TEST_F(Canvas, NodesAreWiredByKeysAlone)
 {
     addThree();
     play("select Levels");
-    inDialog<ConnectionDialog>([&](ConnectionDialog& dialog) {
-        auto* const line = dialog.findChild<QLineEdit*>();
-        QTest::keyClicks(line, "from blur");
-        QTest::keyClick(line, Qt::Key_Return);
-        QTest::keyClick(line, Qt::Key_Escape);
-    });
-    play("key C");
+    const auto chooseBlur = [this] {
+        inDialog<ConnectionDialog>([](ConnectionDialog& dialog) {
+            auto* const line = dialog.findChild<QLineEdit*>();
+            QTest::keyClicks(line, "from blur");
+            QTest::keyClick(line, Qt::Key_Return);
+            QTest::keyClick(line, Qt::Key_Escape);
+        });
+        play("key C");
+    };
+    chooseBlur();
     ASSERT_EQ(graph().connections.size(), 1u);
     EXPECT_EQ(graph().connections[0].from, id("Blur"));
     EXPECT_EQ(graph().connections[0].to, id("Levels"));
-    inDialog<ConnectionDialog>([&](ConnectionDialog& dialog) {
-        auto* const line = dialog.findChild<QLineEdit*>();
-        QTest::keyClicks(line, "from blur");
-        QTest::keyClick(line, Qt::Key_Return);
-        QTest::keyClick(line, Qt::Key_Escape);
-    });
-    play("key C");
+    chooseBlur();
     EXPECT_TRUE(graph().connections.empty());
 }
 

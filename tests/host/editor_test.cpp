@@ -32,8 +32,6 @@
 #include <QTest>
 #include <QUrl>
 
-#include <thread>
-
 using namespace Host;
 
 TEST_F(Editor, ImportAddsANodeThatTheViewShows)
@@ -481,16 +479,7 @@ TEST_F(Editor, DroppedFilesAreImportedWhereTheyFall)
 // Whatever would wait for the store, waits for ever here.
 TEST_F(Editor, NothingOnTheUserInterfaceThreadWaitsForTheStore)
 {
-    std::promise<void> locked, release;
-    std::thread holder([&] {
-        std::unordered_map<unsigned int, std::shared_ptr<ResourceEngine::ImageInfo>>* resources = nullptr;
-        ResourceEngine::Get().BeginManualResources(&resources);
-        locked.set_value();
-        // The time limit turns a deadlock into a failure.
-        EXPECT_EQ(release.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
-        ResourceEngine::Get().EndManualResources(ResourceEngine::EndManualNoChange);
-    });
-    locked.get_future().wait();
+    StoreHeldByAnother held;
     addChain();
     window.pictures().evaluator().cache().clear();
     play("show Levels\nset Blur radiusx 9\nselect Blur\nkey Ctrl+D\nkey D\nkey Delete\nkey Ctrl+Z");
@@ -500,8 +489,7 @@ TEST_F(Editor, NothingOnTheUserInterfaceThreadWaitsForTheStore)
     clock.start();
     while (clock.elapsed() < 200)
         QApplication::processEvents();
-    release.set_value();
-    holder.join();
+    held.release();
     settle();
     EXPECT_TRUE(QFile::exists(path("locked.ondrel")));
 }

@@ -8,6 +8,8 @@
 #include "resultcache.h"
 #include "script.h"
 
+#include <ondrel/resources/resourceengine.h>
+
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -17,9 +19,11 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <chrono>
 #include <cstring>
 #include <functional>
 #include <future>
+#include <thread>
 
 namespace Host
 {
@@ -34,6 +38,37 @@ inline const NodeTypes& nodeTypes()
     }();
     return types;
 }
+
+// Another thread has the store for itself, until release(): whatever waits for the store, waits. After half a minute
+// that is a failure.
+class StoreHeldByAnother
+{
+public:
+    StoreHeldByAnother()
+        : m_holder([this] {
+            std::unordered_map<unsigned int, std::shared_ptr<ResourceEngine::ImageInfo>>* resources = nullptr;
+            ResourceEngine::Get().BeginManualResources(&resources);
+            m_held.set_value();
+            EXPECT_EQ(m_release.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+            ResourceEngine::Get().EndManualResources(ResourceEngine::EndManualNoChange);
+        })
+    {
+        m_held.get_future().wait();
+    }
+    ~StoreHeldByAnother() { release(); }
+
+    void release()
+    {
+        if (!m_holder.joinable())
+            return;
+        m_release.set_value();
+        m_holder.join();
+    }
+
+private:
+    std::promise<void> m_held, m_release;
+    std::thread m_holder; // the last: it uses the others
+};
 
 // A window with a picture, and what a user does to it.
 class Editor : public ::testing::Test

@@ -35,11 +35,8 @@
 #include <QTest>
 #include <QThreadPool>
 
-#include <chrono>
-#include <future>
 #include <memory>
 #include <set>
-#include <thread>
 
 using namespace Host;
 
@@ -364,15 +361,7 @@ TEST_F(PreferencesOfTheEditor, SettingsThatMakeNoSenseAreTheDefaults)
 // The store is locked, so that the evaluation of a picture cannot come to its end.
 TEST_F(PreferencesOfTheEditor, DisplaySettingsChangeOnlyWhenNoPictureIsAtWork)
 {
-    std::promise<void> locked, release;
-    std::thread holder([&] {
-        std::unordered_map<unsigned int, std::shared_ptr<ResourceEngine::ImageInfo>>* resources = nullptr;
-        ResourceEngine::Get().BeginManualResources(&resources);
-        locked.set_value();
-        EXPECT_EQ(release.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
-        ResourceEngine::Get().EndManualResources(ResourceEngine::EndManualNoChange);
-    });
-    locked.get_future().wait();
+    StoreHeldByAnother held;
     window.pictures().evaluator().cache().clear();
     window.pictures().schedule();
     QTest::qWait(50);
@@ -384,8 +373,7 @@ TEST_F(PreferencesOfTheEditor, DisplaySettingsChangeOnlyWhenNoPictureIsAtWork)
     QTest::qWait(200);
     EXPECT_TRUE(window.preferences().isBusy());
     EXPECT_NE(displayProfile(), wideProfile());
-    release.set_value();
-    holder.join();
+    held.release();
     settle();
     EXPECT_EQ(displayProfile(), wideProfile());
     EXPECT_EQ(pane().rendered(), renderForView(freshPicture(id("photo")), DisplayOptions()));
