@@ -255,6 +255,8 @@ TEST_F(Batch, WhatItCannotBeginWithIsAComplaintAboutUsage)
         {"--over", "Photo", path("in/*.gif")},
         {"--over", "Photo", path("in/*.png"), "--out", path("same.png")},
         {"--over", "Photo", path("in/*.png"), "--out", path("in/{name}.png")},
+        {"--input", "Photo=" + path("in/01.png"), "--out", path("in/01.png")},
+        {"--set", "Photo.image=" + path("in/02.png"), "--out", path("in/02.png")},
         {"--out", path("a.gif")},
         {"--shard", "3/2"},
         {"--shard", "0/2"},

@@ -133,6 +133,20 @@ QString outputFile(const Job& job, const NodeRecord& node, const NodeTypes& type
     return file;
 }
 
+// The files of all pictures that the graph names.
+std::vector<std::string> picturesOf(const Graph& graph)
+{
+    std::vector<std::string> files;
+    for (const Ondrel::ResourceId id : resourcesOf(graph)) {
+        ResourceEngine::Format format;
+        std::vector<unsigned char> data;
+        std::string file;
+        if (ResourceEngine::Get().CopyData(id, format, data, file))
+            files.push_back(file);
+    }
+    return files;
+}
+
 // No picture may overwrite another one, nor what it is made of.
 void checkOutputs(const std::vector<Job>& jobs, const std::vector<std::string>& inputs)
 {
@@ -163,7 +177,9 @@ void addJobs(Plan& plan, const NodeTypes& types, const Options& options)
             all.push_back(job);
         }
     }
-    checkOutputs(all, options.overGlob.isEmpty() ? std::vector<std::string>() : inputs);
+    std::vector<std::string> used = picturesOf(plan.graph);
+    used.insert(used.end(), inputs.begin(), inputs.end());
+    checkOutputs(all, used);
     for (const Job& job : all) {
         if ((job.number - 1) % options.shards == options.shard - 1)
             plan.jobs.push_back(job);
