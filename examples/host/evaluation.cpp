@@ -28,6 +28,39 @@ bool isCancelled(const Ondrel::RunStatus& status)
     return status.state && *const_cast<const volatile int*>(status.state) == 1;
 }
 
+// The input whose picture a bypassed node hands on: its first one that has a picture, in the order of a variable node's
+// own. Null if none has.
+template <class Map>
+const InputInfo* passingInput(const NodeRecord& record, const NodeType& type, const Map& pictures, QString& name)
+{
+    QStringList names;
+    for (const InputInfo& input : type.inputs)
+        names.append(input.name);
+    const QString prefix = type.entry.variablePrefix;
+    if (!prefix.isEmpty()) {
+        for (const QString& id : completeValues(record, type).value(prefix + "_order").toString().split(','))
+            names.append(prefix + id);
+    }
+    for (const QString& each : names) {
+        if (!pictures.contains(each))
+            continue;
+        name = each;
+        return type.input(each);
+    }
+    return nullptr;
+}
+
+// What a plug-in gives when it is asked, and an empty result where it throws instead.
+template <class Ask>
+auto asked(const Ask& ask) -> decltype(ask())
+{
+    try {
+        return ask();
+    } catch (...) {
+        return {};
+    }
+}
+
 // One piece of work: all nodes of the graph whose results must be equal.
 struct Task {
     QByteArray key;
@@ -237,6 +270,8 @@ private:
             result.error = QCoreApplication::translate("Host", "There is not enough memory.");
         } catch (const std::exception& exception) {
             result.error = QString::fromLocal8Bit(exception.what());
+        } catch (...) {
+            result.error = QCoreApplication::translate("Host", "The plug-in failed.");
         }
         return result;
     }
@@ -244,15 +279,11 @@ private:
     static Result passedThrough(const Task& task, const Request& request)
     {
         Result result;
-        for (const InputInfo& input : task.type->inputs) {
-            const auto picture = request.inputs.constFind(input.name);
-            if (picture == request.inputs.constEnd())
-                continue;
-            for (const OutputInfo& output : task.type->outputs) {
-                if (output.dataType == input.dataType)
-                    result.outputs.insert(output.name, *picture);
-            }
-            break;
+        QString name;
+        const InputInfo* const input = passingInput(*task.record, *task.type, request.inputs, name);
+        for (const OutputInfo& output : task.type->outputs) {
+            if (input && output.dataType == input->dataType)
+                result.outputs.insert(output.name, request.inputs.value(name));
         }
         return result;
     }
@@ -303,34 +334,31 @@ void findSizes(const Graph& graph, const NodeTypes& types, const std::vector<Nod
         }
         inputSizes[id] = inputs;
         if (!record->bypassed) {
-            sizes[id] = type->entry.behaviour->outputSizes(completeValues(*record, *type), inputs);
+            sizes[id] =
+                asked([&] { return type->entry.behaviour->outputSizes(completeValues(*record, *type), inputs); });
             continue;
         }
-        for (const InputInfo& input : type->inputs) {
-            if (!inputs.contains(input.name))
-                continue;
+        QString name;
+        if (passingInput(*record, *type, inputs, name)) {
             for (const OutputInfo& output : type->outputs)
-                sizes[id].insert(output.name, inputs.value(input.name));
-            break;
+                sizes[id].insert(output.name, inputs.value(name));
         }
     }
 }
 
 // Of a bypassed node: its first picture goes through as it is.
-std::vector<Ondrel::TransformMap> passingMaps(const NodeType& type, const Sizes& inputs)
+std::vector<Ondrel::TransformMap> passingMaps(const NodeRecord& record, const NodeType& type, const Sizes& inputs)
 {
     std::vector<Ondrel::TransformMap> maps;
-    for (const InputInfo& input : type.inputs) {
-        if (!inputs.contains(input.name))
-            continue;
-        for (const OutputInfo& output : type.outputs) {
-            Ondrel::TransformMap map;
-            map.inputField = input.name;
-            map.outputField = output.name;
-            map.rect = Ondrel::RectT<int>(QPoint(0, 0), inputs.value(input.name));
-            maps.push_back(map);
-        }
-        break;
+    QString name;
+    if (!passingInput(record, type, inputs, name))
+        return maps;
+    for (const OutputInfo& output : type.outputs) {
+        Ondrel::TransformMap map;
+        map.inputField = name;
+        map.outputField = output.name;
+        map.rect = Ondrel::RectT<int>(QPoint(0, 0), inputs.value(name));
+        maps.push_back(map);
     }
     return maps;
 }
@@ -389,9 +417,10 @@ TransformGraph transformGraph(const Graph& graph, const NodeTypes& types)
         TransformGraph::Node node;
         node.id = id;
         if (type && record.bypassed)
-            node.maps = passingMaps(*type, inputs[id]);
+            node.maps = passingMaps(record, *type, inputs[id]);
         else if (type)
-            node.maps = type->entry.behaviour->transformMaps(completeValues(record, *type), inputs[id]);
+            node.maps =
+                asked([&] { return type->entry.behaviour->transformMaps(completeValues(record, *type), inputs[id]); });
         result.addNode(node);
     }
     for (const Connection& connection : graph.connections)

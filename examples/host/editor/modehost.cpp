@@ -26,6 +26,16 @@ namespace
 
 constexpr int kKeysTogether = 1000; // milliseconds
 
+// Null if there is none, also where the plug-in throws.
+Ondrel::ModeInterface* modeOf(const NodeType& type)
+{
+    try {
+        return type.entry.behaviour->createMode();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
 } // namespace
 
 ModeHost::ModeHost(Document& document, Scene& scene, ImagePane& pane, QMainWindow& window)
@@ -62,7 +72,7 @@ bool ModeHost::enter(NodeId node)
     leave();
     const NodeRecord* const record = m_document.graph().node(node);
     const NodeType* const type = record ? m_document.types().find(record->type) : nullptr;
-    m_mode.reset(type ? type->entry.behaviour->createMode() : nullptr);
+    m_mode.reset(type ? modeOf(*type) : nullptr);
     if (!m_mode)
         return false;
     m_node = node;

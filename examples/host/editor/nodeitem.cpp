@@ -26,12 +26,22 @@ QString placeholderFile(const NodeRecord& record, const Graph& graph)
     return QString("<node><input>%1</input><output>%2</output></node>").arg(fields(inputs), fields(outputs));
 }
 
+// Null for the usual item, also where the plug-in throws.
+Node* itemOfPlugin(const NodeType& type)
+{
+    try {
+        return type.entry.behaviour->createItem(type.fileText);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
 } // namespace
 
 PreviewNode* makeNodeItem(const NodeRecord& record, const NodeTypes& types, const Graph& graph)
 {
     const NodeType* const type = types.find(record.type);
-    Node* node = type ? type->entry.behaviour->createItem(type->fileText) : nullptr;
+    Node* node = type ? itemOfPlugin(*type) : nullptr;
     if (!node)
         node = Ondrel::XmlNode::create(type ? type->fileText : placeholderFile(record, graph));
     return qobject_cast<PreviewNode*>(node);
