@@ -378,8 +378,13 @@ std::map<NodeId, NodeId> Document::insert(const Graph& graph, QPointF offset)
         change.nodes[copy.id] = {std::nullopt, copy};
     }
     for (const Connection& connection : graph.connections) {
-        if (ids.count(connection.from) != 0 && ids.count(connection.to) != 0)
-            next.connections.push_back({ids[connection.from], connection.output, ids[connection.to], connection.input});
+        if (ids.count(connection.from) == 0 || ids.count(connection.to) == 0)
+            continue;
+        const Connection copy{ids[connection.from], connection.output, ids[connection.to], connection.input};
+        // What comes from a clipboard may say anything; kinds need not be known.
+        const std::vector<NodeId> before = dependencies(next, copy.from);
+        if (!next.into(copy.to, copy.input) && std::find(before.begin(), before.end(), copy.to) == before.end())
+            next.connections.push_back(copy);
     }
     change.setConnections(m_graph.connections, next.connections);
     edit(tr("Insert"), change);

@@ -46,7 +46,8 @@ public:
     quint64 addFrame(const QString& title, const QRectF& area);
     void changeFrame(const FrameRecord& frame);
     void removeFrame(quint64 id);
-    // Adds the nodes of another graph under new ids and free names, with the wires among them; the new ids by the old.
+    // Adds the nodes of another graph under new ids and free names, with the wires among them but those that would
+    // close a cycle or end at an input that has one; the new ids by the old.
     std::map<NodeId, NodeId> insert(const Graph& graph, QPointF offset);
 
 Q_SIGNALS:

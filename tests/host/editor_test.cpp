@@ -14,6 +14,7 @@
 #include "scene.h"
 #include "sceneview.h"
 #include "values.h"
+#include "worker.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/resources/resourceengine.h>
@@ -200,6 +201,83 @@ TEST_F(Editor, PasteOfOtherTextIsRefused)
     QApplication::clipboard()->setText("{\"ondrel nodes\": 1, \"nodes\": [7]}");
     play("key Ctrl+V\nexpect nodes 1");
     EXPECT_FALSE(status().isEmpty());
+}
+
+TEST_F(Editor, PasteOfHostileTextIsHarmless)
+{
+    addChain();
+    play("select Blur Levels\nkey Ctrl+C");
+    QString text = QApplication::clipboard()->text();
+    const std::optional<Graph> copied = graphFromText(text.toUtf8());
+    ASSERT_TRUE(copied);
+    ASSERT_EQ(copied->connections.size(), 1u);
+    Graph cyclic = *copied;
+    const Connection there = cyclic.connections[0];
+    cyclic.connections.push_back({there.to, "image", there.from, "image"});
+    cyclic.connections.push_back(there);
+    QApplication::clipboard()->setText(QString::fromUtf8(graphToText(cyclic)));
+    play("key Ctrl+V\nexpect nodes 5\nexpect wires 3");
+    text.replace("\"bypassed\": false", "\"bypassed\": 3");
+    QApplication::clipboard()->setText(text);
+    play("key Ctrl+V\nexpect nodes 7\nexpect wires 4");
+}
+
+TEST_F(Editor, PicturesOfAnotherProcessAreLeftOutWhenItsNodesArePasted)
+{
+    play("select photo\nkey Ctrl+C");
+    const QByteArray text = QApplication::clipboard()->text().toUtf8();
+    ASSERT_TRUE(graphFromText(text));
+    EXPECT_TRUE(graphFromText(text)->nodes.begin()->second.values.contains("image"));
+    const int at = text.indexOf("\"process\": \"{") + 13;
+    ASSERT_GT(at, 13);
+    QByteArray other = text;
+    other[at] = other[at] == '0' ? '1' : '0';
+    ASSERT_TRUE(graphFromText(other));
+    EXPECT_FALSE(graphFromText(other)->nodes.begin()->second.values.contains("image"));
+}
+
+TEST_F(Editor, CopiedNodesOfUnknownKindsKeepWhatWasNotUnderstood)
+{
+    Graph graph;
+    NodeRecord record;
+    record.id = 1;
+    record.type = "missing/kind";
+    record.unread.insert("text", "{\"more\": [1, 2]}");
+    graph.nodes[1] = record;
+    const std::optional<Graph> copied = graphFromText(graphToText(graph));
+    ASSERT_TRUE(copied);
+    EXPECT_EQ(copied->nodes.begin()->second.unread, record.unread);
+}
+
+TEST_F(Editor, RefusedReplugLeavesTheWire)
+{
+    addChain();
+    play("add essentials/mirror 780 0 Mirror\nkey A\nwire Levels image Mirror image\nexpect wires 3");
+    const std::vector<Connection> before = graph().connections;
+    const int steps = window.document().undoStack().index();
+    play("replug Mirror image Blur image"); // would close a cycle
+    EXPECT_EQ(graph().connections, before);
+    EXPECT_EQ(window.document().undoStack().index(), steps);
+    EXPECT_FALSE(status().isEmpty());
+}
+
+TEST_F(Editor, BypassedMergeHandsItsFirstLayerThrough)
+{
+    play("add essentials/gaussianblur 260 0 Blur\nadd essentials/merge 520 0 Merge\nkey A");
+    play("wire photo image Blur image");
+    PreviewNode& merge = *window.scene().item(id("Merge"));
+    const QString first = merge.inputNameOfFieldByIndex(0).isEmpty() ? QString() : [&] {
+        for (unsigned long i = 0; i < merge.inputFieldCount(); ++i) {
+            if (merge.inputNameOfFieldByIndex(i).startsWith("layer") && merge.inputAnchorOfFieldByIndex(i))
+                return merge.inputNameOfFieldByIndex(i);
+        }
+        return QString();
+    }();
+    ASSERT_FALSE(first.isEmpty());
+    play(QString("wire Blur image Merge %1\nselect Merge\nkey D\nshow Merge\nwait").arg(first));
+    ASSERT_TRUE(window.imagePane().picture().image);
+    EXPECT_TRUE(equalPictures(freshPicture(id("Merge")), freshPicture(id("Blur"))));
+    EXPECT_EQ(fullSize(graph(), nodeTypes(), {id("Merge"), QString(), 1}), QSize(90, 60));
 }
 
 TEST_F(Editor, DeleteTakesTheWiresAndUndoBringsThemBack)
@@ -458,6 +536,48 @@ TEST_F(Editor, ExportDialogGivesBackWhatAnOutputNodeSays)
     const ExportDialog chosen(path("name.png"), values, &window);
     EXPECT_EQ(chosen.outputValues().value("space").toString(), "Chosen");
     EXPECT_EQ(chosen.outputValues().value("profile"), values.value("profile"));
+}
+
+TEST_F(Editor, ExportAsksBeforeItReplacesAFile)
+{
+    QFile file(path("there.png"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("mine");
+    file.close();
+    const auto answer = [&](QMessageBox::StandardButton button) {
+        window.exportCommands().chooseAndExport();
+        auto* const dialog = window.findChild<ExportDialog*>();
+        ASSERT_TRUE(dialog);
+        dialog->findChild<QLineEdit*>()->setText(path("there.png"));
+        dialog->accept();
+        auto* const question = window.findChild<QMessageBox*>();
+        ASSERT_TRUE(question);
+        question->button(button)->click();
+        settle();
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    answer(QMessageBox::No);
+    EXPECT_EQ(file.size(), 4);
+    answer(QMessageBox::Yes);
+    EXPECT_GT(QFileInfo(path("there.png")).size(), 4);
+}
+
+TEST_F(Editor, ExportDialogKeepsDotsInNames)
+{
+    const ExportDialog dialog(path("IMG.v2"), {}, &window);
+    EXPECT_EQ(dialog.file(), path("IMG.v2.png"));
+    const ExportDialog other(path("IMG.v2.jpg"), {}, &window);
+    EXPECT_EQ(other.file(), path("IMG.v2.png"));
+}
+
+TEST_F(Editor, WorkThatThrowsIsTold)
+{
+    Worker worker;
+    QString reason;
+    QObject::connect(&worker, &Worker::failed, [&](const QString& text) { reason = text; });
+    worker.run([]() -> std::function<void()> { throw std::bad_alloc(); });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !worker.isBusy(); }));
+    EXPECT_EQ(reason, "There is not enough memory.");
 }
 
 TEST_F(Editor, DroppedFilesAreImportedWhereTheyFall)

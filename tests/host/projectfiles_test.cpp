@@ -7,6 +7,7 @@
 #include <ondrel/resources/resourceengine.h>
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QMessageBox>
 #include <QProcess>
 #include <QStandardPaths>
@@ -187,4 +188,40 @@ TEST_F(ProjectFilesOfAWindow, PicturesOfTheProjectThatGoesAreDroppedUnlessTheyAr
     EXPECT_TRUE(isInStore(first)) << "it was pasted";
     EXPECT_TRUE(isInStore(value("photo", "image").value<Ondrel::ResourceId>()));
     EXPECT_EQ(value("photo 2", "image").value<Ondrel::ResourceId>().id, first.id);
+}
+
+TEST_F(ProjectFilesOfAWindow, ViewOfAnotherFormIsPassedOverAndKept)
+{
+    play("add essentials/levels 260 0 Levels\nselect Levels\nkey 2\nsave " + path("a.ondrel"));
+    const auto contents = [this] {
+        QFile file(path("a.ondrel"));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    };
+    QByteArray text = contents();
+    EXPECT_TRUE(text.contains("\"secondary\""));
+    play("open " + path("a.ondrel"));
+    EXPECT_EQ(window.scene().secondary(), id("Levels"));
+    const int at = text.indexOf("\"primary\"");
+    ASSERT_GT(at, 0);
+    text.replace(at, text.indexOf(',', at) - at, "\"primary\": 5,\n    \"other\": [1]");
+    QFile file(path("a.ondrel"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+    file.close();
+    play("open " + path("a.ondrel") + "\nexpect nodes 2\nsave " + path("a.ondrel"));
+    EXPECT_TRUE(contents().contains("\"other\""));
+}
+
+TEST_F(ProjectFilesOfAWindow, SavingFirstGoesOnWithWhatWasWanted)
+{
+    play("save " + path("a.ondrel") + "\nadd essentials/levels 260 0 Levels");
+    QTimer::singleShot(0, &window, [] {
+        if (auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+            question->button(QMessageBox::Save)->click();
+    });
+    window.files().startNew();
+    settle();
+    EXPECT_TRUE(graph().nodes.empty()) << "a new project, after the old one was saved";
+    play("open " + path("a.ondrel") + "\nexpect nodes 2");
 }

@@ -2,9 +2,13 @@
 
 #include "values.h"
 
+#include <ondrel/resources/resourceid.h>
+
 #include <QApplication>
 #include <QClipboard>
+#include <QJsonDocument>
 #include <QMimeData>
+#include <QUuid>
 
 using Json = nlohmann::ordered_json;
 
@@ -33,8 +37,24 @@ std::optional<NodeRecord> readNode(const Json& json)
     record.name = textIn(json, "name");
     record.position = position.toPointF();
     record.values = values.toMap();
-    record.bypassed = json.value("bypassed", false);
+    const auto bypassed = json.find("bypassed");
+    record.bypassed = bypassed != json.end() && bypassed->is_boolean() && bypassed->get<bool>();
+    record.unread = QJsonDocument::fromJson(QByteArray::fromStdString(textIn(json, "unread").toStdString())).object();
     return record.id != 0 && !record.type.isEmpty() ? std::optional(record) : std::nullopt;
+}
+
+const std::string& thisProcess()
+{
+    static const std::string id = QUuid::createUuid().toString().toStdString();
+    return id;
+}
+
+// The handles of another process name other pictures here.
+NodeRecord withoutResources(NodeRecord record)
+{
+    for (auto value = record.values.begin(); value != record.values.end();)
+        value = value->userType() == qMetaTypeId<Ondrel::ResourceId>() ? record.values.erase(value) : value + 1;
+    return record;
 }
 
 } // namespace
@@ -48,13 +68,15 @@ QByteArray graphToText(const Graph& graph)
                          {"name", record.name.toStdString()},
                          {"position", valueToJson(record.position)},
                          {"values", valueToJson(record.values)},
-                         {"bypassed", record.bypassed}});
+                         {"bypassed", record.bypassed},
+                         {"unread", QJsonDocument(record.unread).toJson(QJsonDocument::Compact).toStdString()}});
     for (const Connection& c : graph.connections)
         connections.push_back({{"from", std::to_string(c.from)},
                                {"output", c.output.toStdString()},
                                {"to", std::to_string(c.to)},
                                {"input", c.input.toStdString()}});
-    return QByteArray::fromStdString(Json{{"ondrel nodes", 1}, {"nodes", nodes}, {"connections", connections}}.dump(1));
+    return QByteArray::fromStdString(
+        Json{{"ondrel nodes", 1}, {"process", thisProcess()}, {"nodes", nodes}, {"connections", connections}}.dump(1));
 }
 
 std::optional<Graph> graphFromText(const QByteArray& text)
@@ -62,12 +84,13 @@ std::optional<Graph> graphFromText(const QByteArray& text)
     const Json json = Json::parse(text.begin(), text.end(), nullptr, false);
     if (!json.is_object() || !json.contains("ondrel nodes") || !json.contains("nodes") || !json["nodes"].is_array())
         return std::nullopt;
+    const bool isOurs = textIn(json, "process") == QString::fromStdString(thisProcess());
     Graph graph;
     for (const Json& each : json["nodes"]) {
         const std::optional<NodeRecord> record = readNode(each);
         if (!record)
             return std::nullopt;
-        graph.nodes[record->id] = *record;
+        graph.nodes[record->id] = isOurs ? *record : withoutResources(*record);
     }
     const auto connections = json.find("connections");
     if (connections == json.end() || !connections->is_array())

@@ -8,7 +8,7 @@ namespace Host
 {
 
 // Nodes with their values and the wires among them as JSON text, for the clipboard. Resources keep the handles of this
-// process.
+// process, and are left out of what another one reads.
 QByteArray graphToText(const Graph& graph);
 
 // None if the text is not of that form.

@@ -26,6 +26,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QSplitter>
 #include <QStatusBar>
@@ -111,17 +112,27 @@ void EditorWindow::connectParts()
     connect(&m_preferences->device(), SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(m_scene, SIGNAL(refused(QString)), this, SLOT(showMessage(QString)));
     connect(m_files, SIGNAL(nameChanged()), this, SLOT(updateTitle()));
-    m_files->setViewWriter(
-        [this](nlohmann::ordered_json& view) { view["primary"] = std::to_string(m_scene->primary()); });
+    m_files->setViewWriter([this](nlohmann::ordered_json& view) {
+        view["primary"] = std::to_string(m_scene->primary());
+        view["secondary"] = std::to_string(m_scene->secondary());
+    });
     m_files->setStillUsed([this] { return m_exporter->isBusy(); });
     connect(m_files, &ProjectFiles::opened, this, [this](const Project& project) {
-        const std::string shown = project.view.value("primary", std::string());
-        m_scene->show(QString::fromStdString(shown).toULongLong(), PreviewNode::EmblemPrimary);
+        showNode(project.view, "primary", PreviewNode::EmblemPrimary);
+        showNode(project.view, "secondary", PreviewNode::EmblemSecondary);
         m_canvasCommands->fitAll();
     });
     m_pictures->setShownGraph([this] { return m_modes->shownGraph(); });
     connect(m_modes, SIGNAL(changed()), m_pictures, SLOT(schedule()));
     connect(m_modes, &ModeHost::left, this, [this] { m_editInView->setChecked(false); });
+}
+
+// Other programs may have written what they like there.
+void EditorWindow::showNode(const nlohmann::ordered_json& view, const char* key, PreviewNode::Emblem emblem)
+{
+    const auto shown = view.find(key);
+    if (shown != view.end() && shown->is_string())
+        m_scene->show(QString::fromStdString(shown->get<std::string>()).toULongLong(), emblem);
 }
 
 void EditorWindow::addFileMenu()
@@ -206,9 +217,16 @@ void EditorWindow::showMessage(const QString& text)
 
 void EditorWindow::closeEvent(QCloseEvent* event)
 {
-    event->setAccepted(m_files->mayLeave());
+    event->setAccepted(mayEndExports() && m_files->mayLeave([this] { close(); }));
     if (event->isAccepted())
         m_files->leave();
+}
+
+bool EditorWindow::mayEndExports()
+{
+    return !m_exporter->isBusy() ||
+           QMessageBox::question(this, tr("Export"), tr("Pictures are being exported. Stop that?"),
+                                 QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 void EditorWindow::importImages()

@@ -2,6 +2,10 @@
 
 #include "document.h"
 
+#include <ondrel/nodes/previewnode.h>
+
+#include <nlohmann/json_fwd.hpp>
+
 #include <QMainWindow>
 
 namespace Host
@@ -67,6 +71,8 @@ private:
     void addEditMenu();
     void addViewMenu();
     void connectParts();
+    void showNode(const nlohmann::ordered_json& view, const char* key, Ondrel::PreviewNode::Emblem emblem);
+    bool mayEndExports();
 
     Document m_document;
     Scene* m_scene;

@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QMessageBox>
 
 namespace Host
 {
@@ -45,8 +46,24 @@ void ExportCommands::chooseAndExport()
     auto* const dialog = new ExportDialog(last.isEmpty() ? folder + "/" + record->name : last, values, &m_window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QDialog::accepted, this,
-            [this, dialog] { exportPicture(dialog->file(), dialog->outputValues()); });
+            [this, dialog] { exportUnlessKept(dialog->file(), dialog->outputValues()); });
     dialog->open();
+}
+
+void ExportCommands::exportUnlessKept(const QString& file, const QVariantMap& outputValues)
+{
+    if (!QFileInfo::exists(file))
+        return exportPicture(file, outputValues);
+    auto* const question =
+        new QMessageBox(QMessageBox::Question, tr("Export"),
+                        tr("There is a file %1 already. Replace it?").arg(QFileInfo(file).fileName()),
+                        QMessageBox::Yes | QMessageBox::No, &m_window);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    connect(question, &QDialog::finished, this, [this, file, outputValues](int answer) {
+        if (answer == QMessageBox::Yes)
+            exportPicture(file, outputValues);
+    });
+    question->open();
 }
 
 void ExportCommands::exportPicture(const QString& file, const QVariantMap& outputValues)

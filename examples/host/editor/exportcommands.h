@@ -35,6 +35,7 @@ private Q_SLOTS:
 
 private:
     QVariantMap shownOutputValues() const;
+    void exportUnlessKept(const QString& file, const QVariantMap& outputValues);
 
     const Document& m_document;
     const Scene& m_scene;

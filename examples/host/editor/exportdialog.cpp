@@ -127,7 +127,8 @@ QVariantMap ExportDialog::outputValues() const
 
 void ExportDialog::choosePlace()
 {
-    const QString chosen = QFileDialog::getSaveFileName(this, tr("Export to"), m_file->text());
+    const QString chosen = QFileDialog::getSaveFileName(this, tr("Export to"), m_file->text(), QString(), nullptr,
+                                                        QFileDialog::DontConfirmOverwrite); // that is asked at the end
     if (!chosen.isEmpty())
         m_file->setText(chosen);
     showFormat();
@@ -136,7 +137,10 @@ void ExportDialog::choosePlace()
 void ExportDialog::showFormat()
 {
     const QFileInfo place(m_file->text());
-    m_file->setText(place.path() + "/" + place.completeBaseName() + "." + suffixOf(format()));
+    FileFormat named;
+    const bool hasSuffix = formatFromName(place.fileName(), named); // a name may have other dots in it
+    const QString name = hasSuffix ? place.completeBaseName() : place.fileName();
+    m_file->setText(place.path() + "/" + name + "." + suffixOf(format()));
     showRow(m_depth, format() != FileFormat::Jpeg);
     showRow(m_alpha, format() != FileFormat::Jpeg);
     showRow(m_quality, format() == FileFormat::Jpeg);

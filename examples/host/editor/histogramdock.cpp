@@ -35,7 +35,7 @@ void HistogramDock::count()
 {
     m_waiting = m_counting;
     m_counting = true;
-    m_histogram->update(m_pane.picture().image);
+    m_histogram->update(m_pane.shownPicture().image);
 }
 
 void HistogramDock::takeCounts()

@@ -100,14 +100,19 @@ void LooseWire::anchorReleased(Node*, Anchor*, QGraphicsSceneMouseEvent* event)
     if (target && pulled && connectionOf(start, *target) == *pulled)
         return; // back where it was
     Document& document = m_scene.document();
+    const QString refusal =
+        target ? whyNotConnect(document.graph(), document.types(), connectionOf(start, *target)) : QString();
+    if (!refusal.isEmpty()) { // a wire that was pulled stays where it was
+        Q_EMIT refused(refusal);
+        return;
+    }
     document.beginStep(tr("Connect"));
     if (pulled)
         document.removeConnection(*pulled);
-    const QString reason = target ? document.addConnection(connectionOf(start, *target)) : QString();
+    if (target)
+        document.addConnection(connectionOf(start, *target));
     document.endStep();
-    if (!reason.isEmpty())
-        Q_EMIT refused(reason);
-    else if (!target && !pulled)
+    if (!target && !pulled)
         Q_EMIT dropped(start.node, start.field, start.isOutput, event->scenePos());
 }
 

@@ -10,6 +10,7 @@
 #include <QMessageBox>
 
 #include <algorithm>
+#include <utility>
 
 namespace Host
 {
@@ -33,28 +34,35 @@ ProjectFiles::ProjectFiles(Document& document, QWidget& window)
             m_autosaveTimer.start();
     });
     connect(&document.undoStack(), SIGNAL(cleanChanged(bool)), this, SIGNAL(nameChanged()));
+    connect(&m_worker, &Worker::failed, this, [this](const QString& reason) {
+        m_window.setEnabled(true);
+        m_afterSaving = nullptr;
+        Q_EMIT message(reason);
+    });
 }
 
-bool ProjectFiles::mayLeave()
+bool ProjectFiles::mayLeave(std::function<void()> again)
 {
     if (m_document.undoStack().isClean())
         return true;
     const auto answer = QMessageBox::question(&m_window, tr("Unsaved changes"), tr("Save the project first?"),
                                               QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-    if (answer == QMessageBox::Save)
-        save(); // in the background: leaving is tried again afterwards
+    if (answer == QMessageBox::Save) {
+        m_afterSaving = std::move(again);
+        save();
+    }
     return answer == QMessageBox::Discard;
 }
 
 void ProjectFiles::startNew()
 {
-    if (mayLeave())
+    if (mayLeave([this] { startNew(); }))
         take(Source(), ProjectReading{Project(), QString(), QStringList()});
 }
 
 void ProjectFiles::chooseAndOpen()
 {
-    if (!mayLeave())
+    if (!mayLeave([this] { chooseAndOpen(); }))
         return;
     const QString file =
         QFileDialog::getOpenFileName(&m_window, tr("Open project"), QString(), tr("Projects (*.ondrel)"));
@@ -64,7 +72,7 @@ void ProjectFiles::chooseAndOpen()
 
 void ProjectFiles::openAfterAsking(const QString& file)
 {
-    if (mayLeave())
+    if (mayLeave([this, file] { open(file); }))
         open(file);
 }
 
@@ -134,6 +142,7 @@ void ProjectFiles::take(const Source& source, const ProjectReading& reading)
     dropResources();
     m_document.load(reading.project->graph);
     m_embedded = reading.project->embedded;
+    m_view = reading.project->view;
     m_file = source.file;
     m_unsaved = source.unsaved;
     m_autosaveTimer.stop(); // loading is no change
@@ -193,6 +202,7 @@ Project ProjectFiles::project() const
     Project project;
     project.graph = m_document.graph();
     project.embedded = m_embedded;
+    project.view = m_view;
     if (m_writeView)
         m_writeView(project.view);
     return project;
@@ -208,8 +218,9 @@ void ProjectFiles::save(const QString& file)
         const QString reason = saveProject(project, file);
         if (reason.isEmpty())
             discardAutosave(file);
-        return [this, file, reason] {
+        return [this, file, reason, graph = project.graph] {
             m_window.setEnabled(true);
+            const std::function<void()> afterwards = std::exchange(m_afterSaving, nullptr);
             if (!reason.isEmpty()) {
                 Q_EMIT message(reason);
                 return;
@@ -217,9 +228,12 @@ void ProjectFiles::save(const QString& file)
             if (m_file != file)
                 leave();
             m_file = file;
-            m_document.undoStack().setClean();
+            if (m_document.graph() == graph) // an import may have come to its end meanwhile
+                m_document.undoStack().setClean();
             Q_EMIT used(file);
             Q_EMIT nameChanged();
+            if (afterwards)
+                afterwards();
         };
     });
 }
@@ -264,6 +278,8 @@ void ProjectFiles::chooseAndSave()
     const QString file = QFileDialog::getSaveFileName(&m_window, tr("Save project"), m_file, tr("Projects (*.ondrel)"));
     if (!file.isEmpty())
         save(file);
+    else
+        m_afterSaving = nullptr;
 }
 
 } // namespace Host

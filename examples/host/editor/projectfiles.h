@@ -45,8 +45,9 @@ public:
     void setAutosaveInterval(int milliseconds); // a minute at first; counted from the first change after a save
     // Offers what was being edited without ever having been saved when another process died.
     void offerUnsaved();
-    // True if nothing would be lost, or the user wants it lost.
-    bool mayLeave();
+    // True if nothing would be lost, or the user wants it lost. If the user wants it saved first, false; `again` is
+    // called once it is.
+    bool mayLeave(std::function<void()> again);
     void leave(); // for good: what was not saved is wanted no more
 
 public Q_SLOTS:
@@ -83,6 +84,8 @@ private:
     QWidget& m_window;
     std::function<void(nlohmann::ordered_json&)> m_writeView;
     std::function<bool()> m_isStillUsed;
+    std::function<void()> m_afterSaving;
+    nlohmann::ordered_json m_view = nlohmann::ordered_json::object(); // of the file; it may hold what is not ours
     QString m_file;
     std::shared_ptr<UnsavedPlace> m_unsaved; // of a project without a file, once it has been autosaved
     std::set<std::uint32_t> m_embedded;      // resources that are saved with their bytes

@@ -7,6 +7,8 @@
 #include "worker.h"
 
 #include <algorithm>
+#include <exception>
+#include <new>
 
 namespace Host
 {
@@ -27,7 +29,7 @@ void Worker::run(std::function<std::function<void()>()> work)
         ++m_running;
     }
     arena.enqueue([this, work = std::move(work)] {
-        const std::function<void()> then = work();
+        const std::function<void()> then = resultOf(work);
         const auto finish = [this, then] {
             --m_waiting;
             if (then)
@@ -36,6 +38,20 @@ void Worker::run(std::function<std::function<void()>()> work)
         QMetaObject::invokeMethod(this, finish, Qt::QueuedConnection);
         leave();
     });
+}
+
+// The threads of the pool end the process for what is thrown there.
+std::function<void()> Worker::resultOf(const std::function<std::function<void()>()>& work)
+{
+    try {
+        return work();
+    } catch (const std::bad_alloc&) {
+        return [this] { Q_EMIT failed(tr("There is not enough memory.")); };
+    } catch (const std::exception& exception) {
+        return [this, reason = QString::fromLocal8Bit(exception.what())] { Q_EMIT failed(reason); };
+    } catch (...) {
+        return [this] { Q_EMIT failed(tr("Something went wrong in the background.")); };
+    }
 }
 
 void Worker::leave()

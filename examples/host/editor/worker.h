@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 
 #include <condition_variable>
 #include <functional>
@@ -22,7 +23,11 @@ public:
     void run(std::function<std::function<void()>()> work);
     bool isBusy() const { return m_waiting > 0; }
 
+Q_SIGNALS:
+    void failed(QString reason); // the work threw, for which memory may have been too short; nothing comes back
+
 private:
+    std::function<void()> resultOf(const std::function<std::function<void()>()>& work);
     void leave();
 
     std::mutex m_mutex;
