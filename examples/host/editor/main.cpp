@@ -46,12 +46,15 @@ int main(int argc, char** argv)
     parser.process(application); // for --help and --version
 
     Host::NodeTypes types;
-    for (const QString& problem : Host::loadPlugins(parser.value("plugins"), types))
+    const QStringList problems = Host::loadPlugins(parser.value("plugins"), types);
+    for (const QString& problem : problems)
         std::fprintf(stderr, "%s\n", qUtf8Printable(problem));
     int status = 0;
     {
         Host::EditorWindow window(types);
         window.resize(1400, 900);
+        if (!problems.isEmpty())
+            window.showMessage(problems.join("  "));
         window.preferences().device().start();
         if (!parser.positionalArguments().isEmpty())
             window.files().open(parser.positionalArguments().front());
