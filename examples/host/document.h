@@ -29,7 +29,8 @@ public:
 
     // Several edits as one step: what comes between begin and end, which may be nested.
     void beginStep(const QString& text);
-    void endStep(int gesture = 0); // steps in a row with the same gesture other than 0 are one
+    void endStep(int gesture = 0);            // steps in a row with the same gesture other than 0 are one
+    int newGesture() { return ++m_gestures; } // none that steps have had
 
     NodeId addNode(const QString& type, QPointF position, const QString& name = QString()); // 0 if the type is unknown
     void removeNodes(const std::vector<NodeId>& ids);    // with what is connected to them
@@ -77,6 +78,7 @@ private:
     Graph m_graph;
     Ondrel::MemoryBoundedUndoStack m_undoStack;
     int m_depth = 0; // of steps begun
+    int m_gestures = 0;
     QString m_stepText;
     std::unique_ptr<GraphChange> m_step; // what it has changed so far
 };

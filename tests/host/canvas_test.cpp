@@ -545,7 +545,7 @@ TEST_F(CanvasByMouse, EachThingHasItsMenu)
     openMenu(grip("Levels"));
     EXPECT_TRUE(menuTexts().contains("Replace node...")) << qPrintable(menuTexts().join(", "));
     EXPECT_TRUE(menuTexts().contains("Bypass"));
-    EXPECT_TRUE(menuTexts().contains("Rename node..."));
+    EXPECT_TRUE(menuTexts().contains("Rename..."));
     EXPECT_EQ(scene().selectedNodes(), std::vector<NodeId>{id("Levels")});
     choose("Show in view");
     EXPECT_EQ(scene().primary(), id("Levels"));

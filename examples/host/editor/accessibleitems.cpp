@@ -29,6 +29,19 @@ SceneView* viewOf(const QGraphicsItem& item)
     return scene && !scene->views().isEmpty() ? qobject_cast<SceneView*>(scene->views().front()) : nullptr;
 }
 
+CanvasKeys* keysOf(const QGraphicsItem& item)
+{
+    const SceneView* const view = viewOf(item);
+    return view ? view->findChild<CanvasKeys*>() : nullptr;
+}
+
+// That keys on the canvas are for what is selected.
+bool hasKeys(const QGraphicsItem& item)
+{
+    const SceneView* const view = viewOf(item);
+    return view && view->hasFocus() && !item.scene()->focusItem();
+}
+
 Scene* sceneOf(const QGraphicsItem& item)
 {
     return qobject_cast<Scene*>(item.scene());
@@ -42,6 +55,18 @@ Item* itemAbove(const QGraphicsItem& item)
             return static_cast<Item*>(each);
     }
     return nullptr;
+}
+
+QAccessibleInterface* interfaceAt(const std::vector<QObject*>& all, int index)
+{
+    return index >= 0 && index < int(all.size()) ? QAccessible::queryAccessibleInterface(all[std::size_t(index)])
+                                                 : nullptr;
+}
+
+int indexIn(const std::vector<QObject*>& all, const QAccessibleInterface* child)
+{
+    const auto found = child ? std::find(all.begin(), all.end(), child->object()) : all.end();
+    return found == all.end() ? -1 : int(found - all.begin());
 }
 
 // What all items have in common: a place on the screen, and children that are looked up anew each time.
@@ -64,18 +89,8 @@ public:
     }
 
     int childCount() const override { return int(children().size()); }
-    QAccessibleInterface* child(int index) const override
-    {
-        const std::vector<QObject*> all = children();
-        return index >= 0 && index < int(all.size()) ? QAccessible::queryAccessibleInterface(all[std::size_t(index)])
-                                                     : nullptr;
-    }
-    int indexOfChild(const QAccessibleInterface* child) const override
-    {
-        const std::vector<QObject*> all = children();
-        const auto found = child ? std::find(all.begin(), all.end(), child->object()) : all.end();
-        return found == all.end() ? -1 : int(found - all.begin());
-    }
+    QAccessibleInterface* child(int index) const override { return interfaceAt(children(), index); }
+    int indexOfChild(const QAccessibleInterface* child) const override { return indexIn(children(), child); }
     QAccessibleInterface* childAt(int x, int y) const override
     {
         for (int i = childCount() - 1; i >= 0; --i) {
@@ -136,8 +151,7 @@ public:
     void doAction(const QString& action) override
     {
         const Node* const node = itemAbove<Node>(m_anchor);
-        const SceneView* const view = viewOf(m_anchor);
-        auto* const keys = view ? view->findChild<CanvasKeys*>() : nullptr;
+        CanvasKeys* const keys = keysOf(m_anchor);
         if (action == pressAction() && node && keys)
             keys->connectLater(node->id());
     }
@@ -215,10 +229,9 @@ public:
     QAccessible::State state() const override
     {
         QAccessible::State state;
-        const SceneView* const view = viewOf(m_node);
         state.selectable = state.multiSelectable = state.focusable = true;
         state.selected = m_node.isSelected();
-        state.focused = state.selected && view && view->hasFocus() && !m_node.scene()->focusItem();
+        state.focused = state.selected && hasKeys(m_node);
         return state;
     }
     QString text(QAccessible::Text kind) const override
@@ -279,7 +292,138 @@ private:
     Node& m_node;
 };
 
-// The view, whose children are the nodes, by their numbers.
+// What keys go to once it is selected: it alone.
+class SingleInterface : public ItemInterface, public QAccessibleActionInterface
+{
+public:
+    using ItemInterface::ItemInterface;
+
+    QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(viewOf(item())); }
+    QAccessible::State state() const override
+    {
+        QAccessible::State state;
+        state.selectable = state.focusable = true;
+        state.selected = isSelected();
+        state.focused = state.selected && hasKeys(item());
+        return state;
+    }
+    void* interface_cast(QAccessible::InterfaceType type) override
+    {
+        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+    }
+    QStringList actionNames() const override { return {setFocusAction(), pressAction()}; }
+    QStringList keyBindingsForAction(const QString&) const override { return {}; }
+
+protected:
+    virtual bool isSelected() const = 0;
+};
+
+class FrameInterface : public SingleInterface
+{
+public:
+    explicit FrameInterface(FrameItem* frame)
+        : SingleInterface(frame, *frame)
+        , m_frame(*frame)
+    {
+    }
+
+    QAccessible::Role role() const override { return QAccessible::Grouping; }
+    QString text(QAccessible::Text kind) const override
+    {
+        Scene* const scene = sceneOf(m_frame);
+        if (kind == QAccessible::Name)
+            return m_frame.title();
+        if (kind != QAccessible::Description || !scene)
+            return QString();
+        QStringList inside;
+        for (const NodeId node : scene->frames().nodesInside(m_frame.id()))
+            inside.append(scene->document().graph().node(node)->name);
+        return inside.isEmpty() ? Texts::tr("empty frame") : Texts::tr("frame around %1").arg(inside.join(", "));
+    }
+    QString localizedActionName(const QString& action) const override
+    {
+        return action == pressAction() ? Texts::tr("Edit title")
+                                       : QAccessibleActionInterface::localizedActionName(action);
+    }
+    void doAction(const QString& action) override
+    {
+        Scene* const scene = sceneOf(m_frame);
+        CanvasKeys* const keys = keysOf(m_frame);
+        if (!scene || !keys || !actionNames().contains(action))
+            return;
+        scene->select({0, std::nullopt, m_frame.id()});
+        if (action == pressAction())
+            keys->renameSelected();
+    }
+
+protected:
+    bool isSelected() const override
+    {
+        Scene* const scene = sceneOf(m_frame);
+        return scene && scene->selectedThing().frame == m_frame.id();
+    }
+
+private:
+    FrameItem& m_frame;
+};
+
+class WireInterface : public SingleInterface
+{
+public:
+    explicit WireInterface(SceneWire* wire)
+        : SingleInterface(wire, wire->item)
+        , m_wire(*wire)
+    {
+    }
+
+    QAccessible::Role role() const override { return QAccessible::Link; }
+    QString text(QAccessible::Text kind) const override
+    {
+        const Graph& graph = m_wire.scene.document().graph();
+        const NodeRecord* const from = graph.node(m_wire.connection.from);
+        const NodeRecord* const to = graph.node(m_wire.connection.to);
+        if (!from || !to)
+            return QString();
+        if (kind == QAccessible::Name)
+            return Texts::tr("Wire from %1 to %2").arg(from->name, to->name);
+        return kind == QAccessible::Description ? fields() : QString();
+    }
+    QString localizedActionName(const QString& action) const override
+    {
+        return action == pressAction() ? Texts::tr("Connect otherwise")
+                                       : QAccessibleActionInterface::localizedActionName(action);
+    }
+    void doAction(const QString& action) override
+    {
+        CanvasKeys* const keys = keysOf(m_wire.item);
+        if (!keys || !actionNames().contains(action))
+            return;
+        m_wire.scene.select({0, m_wire.connection, 0});
+        if (action == pressAction())
+            keys->connectLater(m_wire.connection.to, m_wire.connection);
+    }
+
+protected:
+    bool isSelected() const override { return m_wire.scene.selectedThing().wire == m_wire.connection; }
+
+private:
+    QString fields() const
+    {
+        const Connection& wire = m_wire.connection;
+        const PreviewNode* const from = m_wire.scene.item(wire.from);
+        const PreviewNode* const to = m_wire.scene.item(wire.to);
+        if (!from || !to)
+            return QString();
+        const auto index = [](int found) { return static_cast<unsigned long>(found); };
+        return Texts::tr("%1 to %2")
+            .arg(from->outputDisplayNameOfFieldByIndex(index(from->outputIndexOfFieldByName(wire.output))),
+                 to->inputDisplayNameOfFieldByIndex(index(to->inputIndexOfFieldByName(wire.input))));
+    }
+
+    SceneWire& m_wire;
+};
+
+// The view, whose children are the nodes, by their numbers, then the frames and the wires.
 class ViewInterface : public QAccessibleWidget
 {
 public:
@@ -289,41 +433,40 @@ public:
     {
     }
 
-    int childCount() const override { return int(m_scene.document().graph().nodes.size()); }
-    QAccessibleInterface* child(int index) const override
-    {
-        const auto& nodes = m_scene.document().graph().nodes;
-        if (index < 0 || index >= int(nodes.size()))
-            return nullptr;
-        return QAccessible::queryAccessibleInterface(m_scene.item(std::next(nodes.begin(), index)->first));
-    }
-    int indexOfChild(const QAccessibleInterface* child) const override
-    {
-        const auto* const node = child ? qobject_cast<const Node*>(child->object()) : nullptr;
-        const auto& nodes = m_scene.document().graph().nodes;
-        const auto found = node ? nodes.find(node->id()) : nodes.end();
-        return found == nodes.end() ? -1 : int(std::distance(nodes.begin(), found));
-    }
+    int childCount() const override { return int(children().size()); }
+    QAccessibleInterface* child(int index) const override { return interfaceAt(children(), index); }
+    int indexOfChild(const QAccessibleInterface* child) const override { return indexIn(children(), child); }
     QAccessibleInterface* childAt(int x, int y) const override
     {
         auto* const view = static_cast<SceneView*>(widget());
-        for (QGraphicsItem* each = view->itemAt(view->viewport()->mapFromGlobal(QPoint(x, y))); each;
-             each = each->parentItem()) {
-            if (each->type() == Node::Type)
-                return QAccessible::queryAccessibleInterface(static_cast<Node*>(each));
-        }
-        return nullptr;
+        return interfaceOf(m_scene.thingAt(view->mapToScene(view->viewport()->mapFromGlobal(QPoint(x, y)))));
     }
     QAccessibleInterface* focusChild() const override
     {
         const auto* const proxy = qgraphicsitem_cast<QGraphicsProxyWidget*>(m_scene.focusItem());
         if (proxy && proxy->widget())
             return QAccessible::queryAccessibleInterface(proxy->widget());
-        const std::vector<NodeId> selected = m_scene.selectedNodes();
-        return selected.empty() ? nullptr : QAccessible::queryAccessibleInterface(m_scene.item(selected.front()));
+        return interfaceOf(m_scene.selectedThing());
     }
 
 private:
+    std::vector<QObject*> children() const
+    {
+        std::vector<QObject*> all;
+        for (const auto& [id, node] : m_scene.nodeItems())
+            all.push_back(node);
+        for (const auto& [id, frame] : m_scene.frames().items())
+            all.push_back(frame);
+        for (const auto& wire : m_scene.wires().all())
+            all.push_back(wire.get());
+        return all;
+    }
+    QAccessibleInterface* interfaceOf(const CanvasThing& thing) const
+    {
+        QObject* const object = objectOf(m_scene, thing);
+        return object ? QAccessible::queryAccessibleInterface(object) : nullptr;
+    }
+
     Scene& m_scene;
 };
 
@@ -350,6 +493,15 @@ QWidget* controlOf(const FieldBase& field)
     return nullptr;
 }
 
+QObject* objectOf(Scene& scene, const CanvasThing& thing)
+{
+    if (PreviewNode* const node = scene.item(thing.node))
+        return node;
+    if (thing.wire)
+        return scene.wires().find(*thing.wire);
+    return scene.frames().item(thing.frame);
+}
+
 QAccessibleInterface* accessibleItem(const QString& className, QObject* object)
 {
     if (className == QLatin1String("Host::SceneView")) {
@@ -357,6 +509,10 @@ QAccessibleInterface* accessibleItem(const QString& className, QObject* object)
         auto* const scene = view ? qobject_cast<Scene*>(view->scene()) : nullptr;
         return scene ? new ViewInterface(view, *scene) : nullptr;
     }
+    if (className == QLatin1String("Host::FrameItem"))
+        return new FrameInterface(static_cast<FrameItem*>(object));
+    if (className == QLatin1String("Host::SceneWire"))
+        return new WireInterface(static_cast<SceneWire*>(object));
     if (className == QLatin1String("Ondrel::Node"))
         return new NodeInterface(static_cast<Node*>(object));
     if (className == QLatin1String("Ondrel::FieldBase"))

@@ -21,6 +21,7 @@ CanvasAccessibility::CanvasAccessibility(Document& document, Scene& scene, Scene
             [this](const Connection& connection) { nameControlsOf(connection.to); });
     connect(&document, &Document::reset, this, &CanvasAccessibility::nameAllControls);
     connect(&scene, SIGNAL(selectionChanged()), this, SLOT(tellSelection()));
+    connect(&scene, SIGNAL(thingSelected()), this, SLOT(tellSelection()));
     nameAllControls();
 }
 
@@ -44,11 +45,13 @@ void CanvasAccessibility::nameControlsOf(NodeId node)
 
 void CanvasAccessibility::tellSelection()
 {
-    const std::vector<NodeId> selected = m_scene.selectedNodes();
-    if (selected.size() != 1 || m_scene.focusItem())
+    const CanvasThing selected = m_scene.selectedThing();
+    QObject* const object = objectOf(m_scene, selected);
+    if (!object || m_scene.selectedNodes().size() > 1 || m_scene.focusItem())
         return;
-    QAccessibleEvent event(m_scene.item(selected.front()), QAccessible::Focus);
+    QAccessibleEvent event(object, QAccessible::Focus);
     QAccessible::updateAccessibility(&event);
+    Q_EMIT told(object);
 }
 
 } // namespace Host

@@ -11,13 +11,16 @@ class Document;
 class Scene;
 class SceneView;
 
-// Names the controls inside nodes for screen readers, by their fields, and tells them which node is selected. What they
-// see of nodes, fields and anchors is in accessibleitems.h.
+// Names the controls inside nodes for screen readers, by their fields, and tells them what is selected. What they see
+// of nodes, fields, anchors, frames and wires is in accessibleitems.h.
 class CanvasAccessibility : public QObject
 {
     Q_OBJECT
 public:
     CanvasAccessibility(Document& document, Scene& scene, SceneView& view);
+
+Q_SIGNALS:
+    void told(QObject* object); // that it has the keys now
 
 private Q_SLOTS:
     void nameAllControls();

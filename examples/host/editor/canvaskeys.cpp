@@ -1,15 +1,15 @@
 #include "canvaskeys.h"
 
 #include "connectiondialog.h"
-#include "document.h"
-#include "scene.h"
 #include "sceneview.h"
+#include "wirekeys.h"
 
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QScrollBar>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -40,22 +40,28 @@ QPointF directionOf(int key)
 
 } // namespace
 
-CanvasKeys::CanvasKeys(Document& document, Scene& scene, SceneView& view)
+CanvasKeys::CanvasKeys(Scene& scene, SceneView& view, WireKeys& wires)
     : QObject(&view)
-    , m_document(document)
     , m_scene(scene)
+    , m_document(scene.document())
     , m_view(view)
+    , m_wires(wires)
+    , m_gesture(m_document.newGesture())
 {
     view.installEventFilter(this);
+    connect(&m_document, &Document::reset, this, [this] { m_last = 0; });
+    connect(&scene, &Scene::thingSelected, this, [this] { // a wire may be deleted, which leaves nothing selected
+        if (const std::optional<Connection> wire = m_scene.wires().selected())
+            m_last = wire->to;
+    });
 }
 
 void CanvasKeys::addActions(QMenu& menu)
 {
     menu.addAction(tr("Select &all nodes"), this, SLOT(selectAll()), QKeySequence::SelectAll)
         ->setObjectName("selectAllNodes");
-    menu.addAction(tr("&Rename node..."), this, SLOT(renameSelected()), QKeySequence("F2"))
-        ->setObjectName("renameNode");
-    menu.addAction(tr("C&onnections of node..."), this, SLOT(connectSelected()), QKeySequence("C"))
+    menu.addAction(tr("&Rename..."), this, SLOT(renameSelected()), QKeySequence("F2"))->setObjectName("renameNode");
+    menu.addAction(tr("C&onnections..."), this, SLOT(connectSelected()), QKeySequence("C"))
         ->setObjectName("connectNode");
 }
 
@@ -64,7 +70,7 @@ bool CanvasKeys::eventFilter(QObject* object, QEvent* event)
     if (event->type() == QEvent::KeyPress)
         return press(*static_cast<QKeyEvent*>(event)) || QObject::eventFilter(object, event);
     if (event->type() == QEvent::KeyRelease && !static_cast<QKeyEvent*>(event)->isAutoRepeat())
-        ++m_gesture;
+        m_gesture = m_document.newGesture();
     return QObject::eventFilter(object, event);
 }
 
@@ -77,13 +83,15 @@ bool CanvasKeys::press(const QKeyEvent& event)
         return true;
     }
     if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter)
-        return enterControls();
+        return enter();
     const QPointF direction = directionOf(event.key());
     if (direction.isNull())
         return false;
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
     if (modifiers == Qt::AltModifier)
         return move(direction);
+    if (modifiers == (Qt::AltModifier | Qt::ShiftModifier))
+        return resize(direction);
     if (modifiers == Qt::ControlModifier)
         scroll(direction);
     else
@@ -97,54 +105,89 @@ NodeId CanvasKeys::current() const
     return selected.size() == 1 ? selected.front() : 0;
 }
 
-// The one that is near in the direction, and not far aside.
-NodeId CanvasKeys::nextFrom(QPointF point, QPointF direction) const
+// What is near in the direction, and not far aside. A frame is where its title is.
+CanvasThing CanvasKeys::nextFrom(QPointF point, QPointF direction, bool nodesOnly) const
 {
-    NodeId next = 0;
+    CanvasThing next;
     double least = std::numeric_limits<double>::infinity();
-    for (const auto& [id, record] : m_document.graph().nodes) {
-        const PreviewNode* const item = m_scene.item(id);
-        if (!item)
-            continue;
-        const QPointF way = item->sceneBoundingRect().center() - point;
+    const auto consider = [&](QPointF at, const CanvasThing& thing) {
+        const QPointF way = at - point;
         const double along = QPointF::dotProduct(way, direction);
         const double aside = std::abs(way.x() * direction.y()) + std::abs(way.y() * direction.x());
         if (along > 1 && along + kAside * aside < least) {
             least = along + kAside * aside;
-            next = id;
+            next = thing;
         }
+    };
+    for (const auto& [id, item] : m_scene.nodeItems())
+        consider(item->sceneBoundingRect().center(), {id, std::nullopt, 0});
+    if (nodesOnly)
+        return next;
+    for (const auto& [id, frame] : m_scene.frames().items()) {
+        const QRectF title = frame->titleArea();
+        consider({std::clamp(point.x(), title.left(), title.right()), title.center().y()}, {0, std::nullopt, id});
     }
     return next;
 }
 
+// Without a selection, before all that is in view; but going on where the arrows have been last.
+QPointF CanvasKeys::startOf(QPointF direction) const
+{
+    const CanvasThing selected = m_scene.selectedThing();
+    if (const FrameItem* const frame = m_scene.frames().item(selected.frame))
+        return frame->titleArea().center();
+    const PreviewNode* from = m_scene.item(m_last);
+    if (selected.node != 0 && (!from || !from->isSelected()))
+        from = m_scene.item(m_scene.selectedNodes().back());
+    return from ? from->sceneBoundingRect().center()
+                : m_view.mapToScene(m_view.viewport()->rect().center()) - direction * 1e5;
+}
+
 bool CanvasKeys::goTo(QPointF direction, bool extends)
 {
-    std::vector<NodeId> selected = m_scene.selectedNodes();
-    const PreviewNode* from = m_scene.item(m_last);
-    if (!from || !from->isSelected())
-        from = selected.empty() ? nullptr : m_scene.item(selected.back());
-    const QPointF start = from ? from->sceneBoundingRect().center()
-                               : m_view.mapToScene(m_view.viewport()->rect().center()) - direction * 1e5;
-    const NodeId next = nextFrom(start, direction);
-    if (next == 0)
+    if (m_wires.go(direction)) {
+        m_last = current();
+        return true;
+    }
+    return select(nextFrom(startOf(direction), direction, extends), extends);
+}
+
+bool CanvasKeys::select(const CanvasThing& thing, bool extends)
+{
+    if (thing.isNothing())
         return false;
-    if (!extends)
-        selected.clear();
-    selected.push_back(next);
-    m_scene.selectNodes(selected);
-    m_last = next;
-    m_view.ensureVisible(m_scene.item(next));
+    std::vector<NodeId> nodes = extends ? m_scene.selectedNodes() : std::vector<NodeId>();
+    if (thing.node != 0)
+        nodes.push_back(thing.node);
+    m_scene.selectNodes(nodes);
+    m_scene.select(thing);
+    m_last = thing.node != 0 ? thing.node : m_last;
+    if (thing.node != 0)
+        m_view.ensureVisible(m_scene.item(thing.node));
+    else
+        m_view.ensureVisible(m_scene.frames().item(thing.frame)->titleArea());
     return true;
 }
 
 bool CanvasKeys::move(QPointF direction)
 {
+    const CanvasThing selected = m_scene.selectedThing();
     std::map<NodeId, QPointF> positions;
     for (const NodeId id : m_scene.selectedNodes())
         positions[id] = m_document.graph().node(id)->position + direction * kStep;
     if (!positions.empty())
         m_document.moveNodes(positions, m_gesture);
-    return !positions.empty();
+    else if (selected.frame != 0)
+        m_scene.frames().moveBy(selected.frame, direction * kStep, m_gesture);
+    return !positions.empty() || selected.frame != 0;
+}
+
+bool CanvasKeys::resize(QPointF direction)
+{
+    const quint64 frame = m_scene.selectedThing().frame;
+    if (frame != 0)
+        m_scene.frames().resizeBy(frame, QSizeF(direction.x(), direction.y()) * kStep, m_gesture);
+    return frame != 0;
 }
 
 void CanvasKeys::scroll(QPointF direction)
@@ -153,8 +196,12 @@ void CanvasKeys::scroll(QPointF direction)
     bar->setValue(bar->value() + int(direction.x() + direction.y()) * kScroll);
 }
 
-bool CanvasKeys::enterControls()
+bool CanvasKeys::enter()
 {
+    if (const quint64 frame = m_scene.selectedThing().frame) {
+        m_scene.selectNodes(m_scene.frames().nodesInside(frame));
+        return true;
+    }
     PreviewNode* const item = m_scene.item(current());
     return item && item->focusNextPrevChild(true, nullptr, nullptr);
 }
@@ -169,7 +216,18 @@ void CanvasKeys::selectAll()
 
 void CanvasKeys::renameSelected()
 {
-    const NodeRecord* const record = m_document.graph().node(current());
+    const CanvasThing selected = m_scene.selectedThing();
+    if (FrameItem* const frame = m_scene.frames().item(selected.frame)) {
+        m_view.setFocus();
+        frame->editTitle();
+    } else {
+        renameNode(current());
+    }
+}
+
+void CanvasKeys::renameNode(NodeId node)
+{
+    const NodeRecord* const record = m_document.graph().node(node);
     if (!record)
         return;
     QInputDialog dialog(m_view.window());
@@ -182,20 +240,21 @@ void CanvasKeys::renameSelected()
 
 void CanvasKeys::connectSelected()
 {
-    chooseConnections(current());
+    const std::optional<Connection> wire = m_scene.selectedThing().wire;
+    chooseConnections(wire ? wire->to : current(), wire);
 }
 
-void CanvasKeys::connectLater(NodeId node)
+void CanvasKeys::connectLater(NodeId node, const std::optional<Connection>& wire)
 {
     QMetaObject::invokeMethod(
-        this, [this, node] { chooseConnections(node); }, Qt::QueuedConnection);
+        this, [this, node, wire] { chooseConnections(node, wire); }, Qt::QueuedConnection);
 }
 
-void CanvasKeys::chooseConnections(NodeId node)
+void CanvasKeys::chooseConnections(NodeId node, const std::optional<Connection>& wire)
 {
     if (!m_document.graph().node(node))
         return;
-    ConnectionDialog dialog(m_scene, node, m_view.window());
+    ConnectionDialog dialog(m_scene, node, wire, m_view.window());
     dialog.exec();
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
-#include "graph.h"
+#include "scene.h"
 
 #include <QObject>
+
+#include <optional>
 
 class QKeyEvent;
 class QMenu;
@@ -10,21 +12,22 @@ class QMenu;
 namespace Host
 {
 
-class Document;
-class Scene;
 class SceneView;
+class WireKeys;
 
-// What the mouse does on the canvas, by keys: the arrows select the next node in their direction (with Shift in
-// addition), with Alt they move the selected nodes, with Ctrl the canvas; Return goes into the controls of the selected
-// node, Escape out of them. User-interface thread only.
+// What the mouse does on the canvas, by keys: the arrows select the next node or frame in their direction (nodes in
+// addition with Shift), with Alt they move what is selected, with Alt and Shift they resize a frame, with Ctrl they
+// move the canvas. Return goes into the controls of the selected node, Escape out of them; of a frame Return selects
+// the nodes. From a wire the arrows lead as wirekeys.h says. User-interface thread only.
 class CanvasKeys : public QObject
 {
     Q_OBJECT
 public:
-    CanvasKeys(Document& document, Scene& scene, SceneView& view);
+    CanvasKeys(Scene& scene, SceneView& view, WireKeys& wires);
 
     void addActions(QMenu& menu);
-    void connectLater(NodeId node); // shows the choice of connections once the caller has returned
+    // Shows the choice of connections, or of those that may take the wire's place, once the caller has returned.
+    void connectLater(NodeId node, const std::optional<Connection>& wire = std::nullopt);
 
 public Q_SLOTS:
     void selectAll();
@@ -37,18 +40,23 @@ protected:
 private:
     bool press(const QKeyEvent& event);
     bool goTo(QPointF direction, bool extends);
+    bool select(const CanvasThing& thing, bool extends);
     bool move(QPointF direction);
+    bool resize(QPointF direction);
     void scroll(QPointF direction);
-    bool enterControls();
-    NodeId nextFrom(QPointF point, QPointF direction) const;
+    bool enter();
+    QPointF startOf(QPointF direction) const;
+    CanvasThing nextFrom(QPointF point, QPointF direction, bool nodesOnly) const;
     NodeId current() const; // the one node that is selected, else 0
-    void chooseConnections(NodeId node);
+    void renameNode(NodeId node);
+    void chooseConnections(NodeId node, const std::optional<Connection>& wire);
 
-    Document& m_document;
     Scene& m_scene;
+    Document& m_document;
     SceneView& m_view;
+    WireKeys& m_wires;
     NodeId m_last = 0; // of those that the arrows have selected
-    int m_gesture = 1; // of moves: those while a key is held are one step of undo
+    int m_gesture;     // of moves: those while a key is held are one step of undo
 };
 
 } // namespace Host

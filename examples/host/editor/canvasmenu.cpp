@@ -50,7 +50,7 @@ void CanvasMenu::fillForWire(const Connection& wire, QPointF at)
     addAction(tr("&Insert node..."), &m_commands, [this, wire, at] {
         m_commands.insertIntoWire(wire, at);
     })->setObjectName("insertIntoWire");
-    addNamed({nullptr, "edit.delete"});
+    addNamed({"connectNode", nullptr, "edit.delete"});
 }
 
 void CanvasMenu::fillForFrame(quint64 id)

@@ -83,10 +83,11 @@ std::vector<Connection> possibleConnections(Scene& scene, NodeId node)
     return connections;
 }
 
-ConnectionDialog::ConnectionDialog(Scene& scene, NodeId node, QWidget* parent)
+ConnectionDialog::ConnectionDialog(Scene& scene, NodeId node, const std::optional<Connection>& wire, QWidget* parent)
     : QDialog(parent)
     , m_scene(scene)
     , m_node(node)
+    , m_wire(wire)
     , m_line(new QLineEdit(this))
     , m_list(new QListWidget(this))
 {
@@ -104,12 +105,26 @@ ConnectionDialog::ConnectionDialog(Scene& scene, NodeId node, QWidget* parent)
     connect(m_list, SIGNAL(itemChanged(QListWidgetItem*)), this, SLOT(apply(QListWidgetItem*)));
     find();
     m_list->setCurrentRow(0);
+    if (wire)
+        mark(*wire);
     m_line->setFocus();
+}
+
+void ConnectionDialog::mark(const Connection& connection)
+{
+    for (int row = 0; row < m_list->count(); ++row) {
+        if (m_list->item(row)->data(Qt::UserRole).value<Connection>() == connection)
+            m_list->setCurrentRow(row);
+    }
 }
 
 void ConnectionDialog::find()
 {
     m_choices = possibleConnections(m_scene, m_node);
+    const auto isElsewhere = [this](const Connection& each) {
+        return m_wire && (each.to != m_wire->to || each.input != m_wire->input);
+    };
+    m_choices.erase(std::remove_if(m_choices.begin(), m_choices.end(), isElsewhere), m_choices.end());
     fill();
 }
 

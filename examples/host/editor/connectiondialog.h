@@ -4,6 +4,8 @@
 
 #include <QDialog>
 
+#include <optional>
+
 class QLineEdit;
 class QListWidget;
 class QListWidgetItem;
@@ -14,12 +16,13 @@ namespace Host
 class Scene;
 
 // All connections that a node may have, those that it has ticked, under a line for typing: the way to wire nodes by the
-// keyboard. A tick that is set or taken away is an edit of the document at once.
+// keyboard. A tick that is set or taken away is an edit of the document at once. With a wire, the connections are those
+// of the input at which it ends, and the wire is marked.
 class ConnectionDialog : public QDialog
 {
     Q_OBJECT
 public:
-    ConnectionDialog(Scene& scene, NodeId node, QWidget* parent);
+    ConnectionDialog(Scene& scene, NodeId node, const std::optional<Connection>& wire, QWidget* parent);
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -30,10 +33,12 @@ private Q_SLOTS:
 
 private:
     void find();
+    void mark(const Connection& connection);
     void add(const Connection& connection);
 
     Scene& m_scene;
     NodeId m_node;
+    std::optional<Connection> m_wire;
     std::vector<Connection> m_choices;
     QLineEdit* m_line;
     QListWidget* m_list;

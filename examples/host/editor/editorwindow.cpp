@@ -20,6 +20,7 @@
 #include "sceneview.h"
 #include "shortcuts.h"
 #include "viewmenu.h"
+#include "wirekeys.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -60,7 +61,8 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_files(new ProjectFiles(m_document, *this))
     , m_importer(new Importer(m_document, *m_scene, this))
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
-    , m_canvasKeys(new CanvasKeys(m_document, *m_scene, *m_sceneView))
+    , m_wireKeys(new WireKeys(*m_scene, *m_sceneView, *m_canvasCommands))
+    , m_canvasKeys(new CanvasKeys(*m_scene, *m_sceneView, *m_wireKeys))
     , m_paneKeys(new PaneKeys(*m_imagePane, *m_sceneView, this))
     , m_histogram(new HistogramDock(*m_imagePane, this))
     , m_memory(new MemoryDisplay(m_document, *m_pictures, this))
@@ -173,6 +175,7 @@ void EditorWindow::addEditMenu()
     m_canvasCommands->addEditActions(*edit);
     edit->addSeparator();
     m_canvasKeys->addActions(*edit);
+    m_wireKeys->addActions(*edit);
     edit->addSeparator();
     edit->addAction(tr("&Free memory"), m_memory, SLOT(freeCaches()))->setObjectName("edit.freeMemory");
     edit->addAction(tr("Pre&ferences..."), m_preferences, SLOT(openDialog()), QKeySequence("Ctrl+,"))

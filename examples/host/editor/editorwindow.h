@@ -27,6 +27,7 @@ class ProjectFiles;
 class Scene;
 class SceneView;
 class Shortcuts;
+class WireKeys;
 
 // The window: the canvas of nodes, the picture of the node that carries the primary emblem, and the menus of what is
 // done to both.
@@ -84,6 +85,7 @@ private:
     ProjectFiles* m_files;
     Importer* m_importer;
     CanvasCommands* m_canvasCommands;
+    WireKeys* m_wireKeys;     // the canvas's
     CanvasKeys* m_canvasKeys; // the canvas's
     PaneKeys* m_paneKeys;
     HistogramDock* m_histogram; // the window's

@@ -100,6 +100,16 @@ void FrameItem::setArea(const QRectF& area)
     update();
 }
 
+QRectF FrameItem::titleArea() const
+{
+    return mapRectToScene(titleBar());
+}
+
+QSizeF FrameItem::leastSize()
+{
+    return kLeastSize;
+}
+
 void FrameItem::setMarked(bool marked)
 {
     m_marked = marked;

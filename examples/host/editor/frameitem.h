@@ -43,7 +43,10 @@ public:
     quint64 id() const { return m_id; }
 
     void show(const FrameRecord& record);
+    QString title() const { return m_title; }
     QRectF area() const; // in the scene, also while it is moved or resized
+    QRectF titleArea() const;
+    static QSizeF leastSize();
     void setArea(const QRectF& area);
     void setMarked(bool marked);
     void editTitle();

@@ -235,7 +235,9 @@ int ModeHost::gestureOfStep()
     const bool goesOn =
         m_sinceKey.isValid() && m_sinceKey.elapsed() < kKeysTogether && m_document.undoStack().index() == m_undoIndex;
     m_sinceKey.start();
-    return goesOn ? m_keyStep : ++m_keyStep;
+    if (!goesOn)
+        m_keyStep = m_document.newGesture();
+    return m_keyStep;
 }
 
 // The document has a step of its own for each value.

@@ -29,6 +29,10 @@ Scene::Scene(Document& document, QObject* parent)
     connect(&document, &Document::changed, this, &Scene::settleVariableNodes);
     connect(&document, &Document::reset, this, &Scene::rebuild);
     connect(&m_frames, &SceneFrames::pressed, this, [this] { selectNodes({}); });
+    connect(this, &Scene::selectionChanged, this, [this] { // keys are for nodes, or for one wire or frame
+        if ((m_wires.selected() || m_frames.selected() != 0) && !selectedItems().isEmpty())
+            selectBesideNodes(std::nullopt, 0);
+    });
     connect(&m_loose, &LooseWire::refused, this, &Scene::refused);
     connect(&m_loose, &LooseWire::dropped, this, &Scene::wireDropped);
     rebuild();
@@ -382,8 +386,14 @@ void Scene::select(const CanvasThing& thing)
         selectNodes({});
     else if (!item(thing.node)->isSelected())
         selectNodes({thing.node});
-    m_wires.setSelected(thing.wire);
-    m_frames.select(thing.frame);
+    selectBesideNodes(thing.wire, thing.frame);
+}
+
+void Scene::selectBesideNodes(const std::optional<Connection>& wire, quint64 frame)
+{
+    m_wires.setSelected(wire);
+    m_frames.select(frame);
+    Q_EMIT thingSelected();
 }
 
 bool Scene::dropLooseWire()
@@ -395,10 +405,8 @@ void Scene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
     m_values.press();
     const CanvasThing thing = event->button() == Qt::LeftButton ? thingAt(event->scenePos()) : CanvasThing();
-    if (event->button() == Qt::LeftButton) {
-        m_wires.setSelected(thing.wire);
-        m_frames.select(thing.frame);
-    }
+    if (event->button() == Qt::LeftButton)
+        selectBesideNodes(thing.wire, thing.frame);
     if (thing.wire) {
         setFocusItem(nullptr);
         selectNodes({});

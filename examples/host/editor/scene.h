@@ -36,6 +36,7 @@ public:
 
     Document& document() { return m_document; }
     SceneWires& wires() { return m_wires; }
+    const SceneWires& wires() const { return m_wires; }
     SceneFrames& frames() { return m_frames; }
     const NodeDrag& drag() const { return m_drag; }
     NodePictures& pictures() { return m_pictures; }
@@ -67,6 +68,7 @@ public:
 
 Q_SIGNALS:
     void shownNodesChanged();
+    void thingSelected();         // which wire or frame, if any, may be another one
     void refused(QString reason); // a wire
     // A wire was let go over the empty canvas.
     void wireDropped(Host::NodeId node, QString field, bool fromOutput, QPointF at);
@@ -95,6 +97,7 @@ protected:
 
 private:
     NodeId nodeAt(const QPointF& point) const;
+    void selectBesideNodes(const std::optional<Connection>& wire, quint64 frame);
     void watch(PreviewNode& node);
     void showError(NodeId id);
     void remakeItem(NodeId id);

@@ -138,6 +138,39 @@ void SceneFrames::release(quint64 id)
     document.endStep();
 }
 
+void SceneFrames::moveBy(quint64 id, QPointF way, int gesture)
+{
+    Document& document = m_scene.document();
+    if (!item(id))
+        return;
+    if (m_takenBy != std::pair(id, gesture))
+        m_taken = nodesInside(id);
+    m_takenBy = {id, gesture};
+    std::map<NodeId, QPointF> positions;
+    for (const NodeId node : m_taken) {
+        if (const NodeRecord* const known = document.graph().node(node))
+            positions[node] = known->position + way;
+    }
+    FrameRecord record = document.graph().frames.at(id);
+    record.area.translate(way);
+    document.beginStep(tr("Move frame"));
+    document.changeFrame(record);
+    document.moveNodes(positions);
+    document.endStep(gesture);
+}
+
+void SceneFrames::resizeBy(quint64 id, QSizeF more, int gesture)
+{
+    Document& document = m_scene.document();
+    if (!item(id))
+        return;
+    FrameRecord record = document.graph().frames.at(id);
+    record.area.setSize((record.area.size() + more).expandedTo(FrameItem::leastSize()));
+    document.beginStep(tr("Resize frame"));
+    document.changeFrame(record);
+    document.endStep(gesture);
+}
+
 void SceneFrames::rename(quint64 id, const QString& title)
 {
     const auto known = m_scene.document().graph().frames.find(id);

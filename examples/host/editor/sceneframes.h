@@ -25,6 +25,11 @@ public:
     quint64 selected() const { return m_selected; }
     void select(quint64 id); // 0 for none
 
+    // What the mouse does by dragging. Calls in a row with the same gesture are one step of undo, and take along the
+    // nodes that were inside at its start.
+    void moveBy(quint64 id, QPointF way, int gesture);
+    void resizeBy(quint64 id, QSizeF more, int gesture); // at its lower right corner, not below the least size
+
 Q_SIGNALS:
     void pressed(); // one is selected by the mouse
 
@@ -42,6 +47,8 @@ private:
     std::map<quint64, FrameItem*> m_items; // the scene's
     quint64 m_selected = 0;
     std::map<NodeId, QPointF> m_carried; // by the frame that is moved: where they were
+    std::vector<NodeId> m_taken;         // by moveBy()
+    std::pair<quint64, int> m_takenBy;   // frame and gesture
 };
 
 } // namespace Host

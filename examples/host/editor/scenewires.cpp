@@ -18,6 +18,12 @@ constexpr int kSamples = 32; // of a wire
 
 } // namespace
 
+SceneWire::SceneWire(Scene& inScene, const Connection& ofConnection)
+    : scene(inScene)
+    , connection(ofConnection)
+{
+}
+
 SceneWires::SceneWires(Scene& scene)
     : m_scene(scene)
 {
@@ -25,34 +31,33 @@ SceneWires::SceneWires(Scene& scene)
 
 void SceneWires::add(const Connection& connection)
 {
-    m_wires.push_back(std::make_unique<Wire>());
-    Wire* const wire = m_wires.back().get();
-    wire->connection = connection;
+    m_wires.push_back(std::make_unique<SceneWire>(m_scene, connection));
+    SceneWire* const wire = m_wires.back().get();
     m_touch[connection.from].push_back(wire);
     m_touch[connection.to].push_back(wire);
     m_scene.addItem(&wire->item);
     updateLook(connection);
 }
 
-SceneWires::Wire* SceneWires::find(const Connection& connection) const
+SceneWire* SceneWires::find(const Connection& connection) const
 {
     const auto touching = m_touch.find(connection.to);
     if (touching == m_touch.end())
         return nullptr;
     const auto found = std::find_if(touching->second.begin(), touching->second.end(),
-                                    [&](const Wire* wire) { return wire->connection == connection; });
+                                    [&](const SceneWire* wire) { return wire->connection == connection; });
     return found == touching->second.end() ? nullptr : *found;
 }
 
-void SceneWires::forget(NodeId id, const Wire* wire)
+void SceneWires::forget(NodeId id, const SceneWire* wire)
 {
-    std::vector<Wire*>& touching = m_touch[id];
+    std::vector<SceneWire*>& touching = m_touch[id];
     touching.erase(std::remove(touching.begin(), touching.end(), wire), touching.end());
     if (touching.empty())
         m_touch.erase(id);
 }
 
-void SceneWires::erase(const Wire* wire)
+void SceneWires::erase(const SceneWire* wire)
 {
     forget(wire->connection.from, wire);
     forget(wire->connection.to, wire);
@@ -62,7 +67,7 @@ void SceneWires::erase(const Wire* wire)
 
 bool SceneWires::remove(const Connection& connection)
 {
-    const Wire* const wire = find(connection);
+    const SceneWire* const wire = find(connection);
     if (wire)
         erase(wire);
     for (std::optional<Connection>* const slot : {&m_lit, &m_selected, &m_target}) {
@@ -85,11 +90,17 @@ void SceneWires::clear()
     m_lit = m_selected = m_target = std::nullopt;
 }
 
+std::vector<SceneWire*> SceneWires::touching(NodeId id) const
+{
+    const auto found = m_touch.find(id);
+    return found == m_touch.end() ? std::vector<SceneWire*>() : found->second;
+}
+
 bool SceneWires::leaves(NodeId id, const QString& output) const
 {
     const auto touching = m_touch.find(id);
     return touching != m_touch.end() &&
-           std::any_of(touching->second.begin(), touching->second.end(), [&](const Wire* wire) {
+           std::any_of(touching->second.begin(), touching->second.end(), [&](const SceneWire* wire) {
                return wire->connection.from == id && wire->connection.output == output;
            });
 }
@@ -108,7 +119,7 @@ std::optional<Connection> SceneWires::at(const QPointF& point) const
 
 QPointF SceneWires::middleOf(const Connection& connection) const
 {
-    const Wire* const wire = find(connection);
+    const SceneWire* const wire = find(connection);
     return wire ? wire->item.path().pointAtPercent(0.5) : QPointF();
 }
 
@@ -137,7 +148,7 @@ void SceneWires::mark(std::optional<Connection>& slot, const std::optional<Conne
 
 void SceneWires::updateLook(const std::optional<Connection>& connection)
 {
-    if (Wire* const wire = connection ? find(*connection) : nullptr) {
+    if (SceneWire* const wire = connection ? find(*connection) : nullptr) {
         const bool isMarked = connection == m_selected || connection == m_target;
         wire->item.setLook(isMarked              ? Viewer::WireItem::Marked
                            : connection == m_lit ? Viewer::WireItem::Lit
@@ -165,7 +176,7 @@ void SceneWires::place(NodeId id)
     const auto touching = m_touch.find(id);
     if (touching == m_touch.end())
         return;
-    for (Wire* wire : touching->second) {
+    for (SceneWire* wire : touching->second) {
         const Connection& connection = wire->connection;
         const Anchor* const output = m_scene.anchor(connection.from, connection.output, true);
         const Anchor* const input = m_scene.anchor(connection.to, connection.input, false);
@@ -176,7 +187,7 @@ void SceneWires::place(NodeId id)
 
 void SceneWires::hide(const Connection& connection)
 {
-    if (Wire* const wire = find(connection))
+    if (SceneWire* const wire = find(connection))
         wire->item.setVisible(false);
 }
 

@@ -4,6 +4,8 @@
 
 #include "../../nodeviewer/wireitem.h"
 
+#include <QObject>
+
 #include <limits>
 #include <memory>
 #include <optional>
@@ -14,6 +16,18 @@ namespace Host
 {
 
 class Scene;
+
+// What is drawn of a connection. An object, so that assistive programs can have it.
+class SceneWire : public QObject
+{
+    Q_OBJECT
+public:
+    SceneWire(Scene& scene, const Connection& connection);
+
+    Scene& scene;
+    const Connection connection;
+    Viewer::WireItem item;
+};
 
 // The items of a scene's connections. They end at anchors, and follow when told that a node has moved or changed.
 class SceneWires
@@ -26,7 +40,10 @@ public:
     void removeTouching(NodeId id);
     void clear();
 
+    SceneWire* find(const Connection& connection) const; // null if there is none
     bool has(const Connection& connection) const { return find(connection) != nullptr; }
+    const std::vector<std::unique_ptr<SceneWire>>& all() const { return m_wires; } // the newest last
+    std::vector<SceneWire*> touching(NodeId id) const;
     bool leaves(NodeId id, const QString& output) const; // whether a wire begins there
     std::optional<Connection> at(const QPointF& point) const;
     QPointF middleOf(const Connection& connection) const;
@@ -58,20 +75,16 @@ public:
     void showAll();
 
 private:
-    struct Wire {
-        Connection connection;
-        Viewer::WireItem item;
-    };
     static double distanceWithin(const Viewer::WireItem& item, const QRectF& area);
     void mark(std::optional<Connection>& slot, const std::optional<Connection>& connection);
     void updateLook(const std::optional<Connection>& connection);
-    Wire* find(const Connection& connection) const;
-    void forget(NodeId id, const Wire* wire);
-    void erase(const Wire* wire);
+    void forget(NodeId id, const SceneWire* wire);
+    void erase(const SceneWire* wire);
 
     Scene& m_scene;
-    std::vector<std::unique_ptr<Wire>> m_wires;             // the newest last
-    std::unordered_map<NodeId, std::vector<Wire*>> m_touch; // by both ends, as one node's wires follow its every move
+    std::vector<std::unique_ptr<SceneWire>> m_wires;
+    std::unordered_map<NodeId, std::vector<SceneWire*>>
+        m_touch; // by both ends, as one node's wires follow its every move
     std::optional<Connection> m_lit, m_selected, m_target;
 };
 
