@@ -1,6 +1,8 @@
 #include "document.h"
 
 #include "editcommand.h"
+#include "project.h"
+#include "projectform.h"
 #include "values.h"
 
 #include <algorithm>
@@ -363,6 +365,35 @@ void Document::removeFrame(quint64 id)
     edit(tr("Delete frame"), change);
 }
 
+void Document::setEmbedded(const std::vector<Ondrel::ResourceId>& resources, bool embedded)
+{
+    std::set<std::uint32_t> next = m_graph.embedded;
+    for (const Ondrel::ResourceId resource : resources) {
+        if (embedded)
+            next.insert(resource.id);
+        else
+            next.erase(resource.id);
+    }
+    GraphChange change;
+    change.setEmbedded(m_graph.embedded, next);
+    edit(embedded ? tr("Embed picture") : tr("Link to file"), change);
+}
+
+void Document::replaceResource(Ondrel::ResourceId resource, Ondrel::ResourceId by)
+{
+    std::map<std::uint32_t, std::uint32_t> handles;
+    for (const Ondrel::ResourceId each : resourcesOf(m_graph))
+        handles[each.id] = each.id == resource.id ? by.id : each.id;
+    GraphChange change;
+    for (const auto& [id, record] : m_graph.nodes) {
+        NodeRecord next = record;
+        next.values = withHandles(record.values, handles);
+        if (!(next == record))
+            change.nodes[id] = {record, next};
+    }
+    edit(tr("Replace picture"), change);
+}
+
 std::map<NodeId, NodeId> Document::insert(const Graph& graph, QPointF offset)
 {
     Graph next = m_graph;
@@ -387,6 +418,11 @@ std::map<NodeId, NodeId> Document::insert(const Graph& graph, QPointF offset)
             next.connections.push_back(copy);
     }
     change.setConnections(m_graph.connections, next.connections);
+    for (const Ondrel::ResourceId resource : resourcesOf(graph)) {
+        if (graph.embedded.count(resource.id) != 0)
+            next.embedded.insert(resource.id);
+    }
+    change.setEmbedded(m_graph.embedded, next.embedded);
     edit(tr("Insert"), change);
     return ids;
 }

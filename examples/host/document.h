@@ -2,6 +2,7 @@
 
 #include "graph.h"
 
+#include <ondrel/resources/resourceid.h>
 #include <ondrel/work/undoadapter.h>
 
 #include <QObject>
@@ -47,6 +48,8 @@ public:
     quint64 addFrame(const QString& title, const QRectF& area);
     void changeFrame(const FrameRecord& frame);
     void removeFrame(quint64 id);
+    void setEmbedded(const std::vector<Ondrel::ResourceId>& resources, bool embedded); // as in Graph::embedded
+    void replaceResource(Ondrel::ResourceId resource, Ondrel::ResourceId by);          // in the values of all nodes
     // Adds the nodes of another graph under new ids and free names, with the wires among them but those that would
     // close a cycle or end at an input that has one; the new ids by the old.
     std::map<NodeId, NodeId> insert(const Graph& graph, QPointF offset);

@@ -3,6 +3,8 @@
 #include "document.h"
 #include "values.h"
 
+#include <QJsonDocument>
+
 #include <iterator>
 
 namespace Host
@@ -39,9 +41,23 @@ void dropUnchangedPairs(Pairs& pairs)
         pair = pair->second.before == pair->second.after ? pairs.erase(pair) : std::next(pair);
 }
 
+template <class Pair>
+void appendPair(std::optional<Pair>& pair, const std::optional<Pair>& later)
+{
+    if (!later)
+        return;
+    if (pair)
+        pair->second = later->second;
+    else
+        pair = later;
+}
+
 std::size_t bytesOf(const std::optional<NodeRecord>& record)
 {
-    return record ? sizeof(NodeRecord) + valueToJson(QVariant(record->values)).dump().size() : 0;
+    if (!record)
+        return 0;
+    const int unread = QJsonDocument(record->unread).toJson(QJsonDocument::Compact).size();
+    return sizeof(NodeRecord) + valueToJson(QVariant(record->values)).dump().size() + std::size_t(unread);
 }
 
 } // namespace
@@ -52,9 +68,15 @@ void GraphChange::setConnections(const std::vector<Connection>& before, const st
         connections = {before, after};
 }
 
+void GraphChange::setEmbedded(const std::set<std::uint32_t>& before, const std::set<std::uint32_t>& after)
+{
+    if (before != after)
+        embedded = {before, after};
+}
+
 bool GraphChange::empty() const
 {
-    return nodes.empty() && frames.empty() && !connections;
+    return nodes.empty() && frames.empty() && !connections && !embedded;
 }
 
 void GraphChange::apply(Graph& graph, bool forwards) const
@@ -63,14 +85,16 @@ void GraphChange::apply(Graph& graph, bool forwards) const
     applyPairs(frames, graph.frames, forwards);
     if (connections)
         graph.connections = forwards ? connections->second : connections->first;
+    if (embedded)
+        graph.embedded = forwards ? embedded->second : embedded->first;
 }
 
 void GraphChange::append(const GraphChange& later)
 {
     appendPairs(nodes, later.nodes);
     appendPairs(frames, later.frames);
-    if (later.connections)
-        connections = {connections ? connections->first : later.connections->first, later.connections->second};
+    appendPair(connections, later.connections);
+    appendPair(embedded, later.embedded);
 }
 
 void GraphChange::dropUnchanged()
@@ -79,6 +103,8 @@ void GraphChange::dropUnchanged()
     dropUnchangedPairs(frames);
     if (connections && connections->first == connections->second)
         connections.reset();
+    if (embedded && embedded->first == embedded->second)
+        embedded.reset();
 }
 
 std::size_t GraphChange::bytes() const
@@ -88,6 +114,8 @@ std::size_t GraphChange::bytes() const
         sum += bytesOf(pair.before) + bytesOf(pair.after);
     if (connections)
         sum += (connections->first.size() + connections->second.size()) * sizeof(Connection);
+    if (embedded)
+        sum += (embedded->first.size() + embedded->second.size()) * sizeof(std::uint32_t);
     return sum;
 }
 

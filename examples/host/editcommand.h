@@ -21,8 +21,10 @@ struct GraphChange {
     std::map<NodeId, Pair<NodeRecord>> nodes;
     std::map<quint64, Pair<FrameRecord>> frames;
     std::optional<std::pair<std::vector<Connection>, std::vector<Connection>>> connections; // before, after
+    std::optional<std::pair<std::set<std::uint32_t>, std::set<std::uint32_t>>> embedded;    // resources, likewise
 
     void setConnections(const std::vector<Connection>& before, const std::vector<Connection>& after);
+    void setEmbedded(const std::set<std::uint32_t>& before, const std::set<std::uint32_t>& after);
     bool empty() const;
     void apply(Graph& graph, bool forwards) const;
     void append(const GraphChange& later); // both as one

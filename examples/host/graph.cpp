@@ -83,7 +83,8 @@ std::vector<Connection> Graph::touching(NodeId id) const
 
 bool Graph::operator==(const Graph& other) const
 {
-    return nodes == other.nodes && connections == other.connections && frames == other.frames;
+    return nodes == other.nodes && connections == other.connections && frames == other.frames &&
+           embedded == other.embedded;
 }
 
 QVariantMap completeValues(const NodeRecord& node, const NodeType& type)

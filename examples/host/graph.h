@@ -49,6 +49,7 @@ struct Graph {
     std::map<NodeId, NodeRecord> nodes;
     std::vector<Connection> connections; // at most one into each input
     std::map<quint64, FrameRecord> frames;
+    std::set<std::uint32_t> embedded; // handles of the resources that a project has with their bytes, not by their path
 
     const NodeRecord* node(NodeId id) const;
     const NodeRecord* nodeByName(const QString& name) const;

@@ -10,7 +10,6 @@
 #include <QStringList>
 
 #include <optional>
-#include <set>
 
 namespace Host
 {
@@ -19,7 +18,6 @@ namespace Host
 struct Project {
     Graph graph;
     nlohmann::ordered_json view = nlohmann::ordered_json::object(); // the editor's own: an object with what it likes
-    std::set<std::uint32_t> embedded; // handles of the resources that are saved with their bytes, not by their path
 };
 
 // Of a project that was read. Either there is a project, perhaps with notes, or there is an error.

@@ -53,7 +53,7 @@ public:
         for (std::size_t i = 0; i < stored.size(); ++i) {
             m_handles[m_resourceIds[i]] = handles[i];
             if (stored[i].embedded)
-                m_project.embedded.insert(handles[i]);
+                m_project.graph.embedded.insert(handles[i]);
         }
         for (auto& [id, record] : m_project.graph.nodes)
             record.values = withHandles(record.values, m_handles);

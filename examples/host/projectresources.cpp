@@ -46,10 +46,12 @@ std::shared_ptr<Record> recordOf(const StoredResource& resource)
     record->fileName = localName(resource.path);
     record->format = resource.form == StoredResource::RawFile ? ResourceEngine::FormatRAW : ResourceEngine::FormatPNG;
     if (resource.form == StoredResource::Buffer) {
-        std::shared_ptr<const Ondrel::Image> image;
-        if (!ReadImageBuffer(resource.data, image) || !image)
-            return record; // of which nothing is known but the name
         record->format = ResourceEngine::FormatImageBuffer;
+        std::shared_ptr<const Ondrel::Image> image;
+        if (!ReadImageBuffer(resource.data, image) || !image) {
+            record->data = resource.data; // to be saved again
+            return record;
+        }
         record->image = std::make_shared<Ondrel::Image>(*image);
         record->info.width = image->width;
         record->info.height = image->height;
@@ -123,6 +125,7 @@ StoredResource copyFromStore(std::uint32_t handle, bool wantsData)
         resource.form = StoredResource::RawFile;
     if (record.format == ResourceEngine::FormatImageBuffer) {
         resource.form = StoredResource::Buffer;
+        resource.data = record.data;
         if (record.image && record.image->width != 0 && record.image->height != 0)
             WriteImageBuffer(record.image, resource.data);
     } else if (wantsData || resource.path.isEmpty()) {

@@ -68,7 +68,7 @@ private:
     // Handles differ from process to process; in the file, resources count from 1 in the order of use.
     void addResource(std::uint32_t handle, Json& resources)
     {
-        const StoredResource resource = copyFromStore(handle, m_project.embedded.count(handle) != 0);
+        const StoredResource resource = copyFromStore(handle, m_project.graph.embedded.count(handle) != 0);
         if (resource.path.isEmpty() && !resource.embedded)
             return;
         const auto id = std::uint32_t(resources.size() + 1);

@@ -3,6 +3,7 @@
 #include "testnodes.h"
 
 #include <document.h>
+#include <editcommand.h>
 #include <project.h>
 #include <values.h>
 
@@ -93,6 +94,62 @@ TEST_F(Editing, OneDragOfASliderIsOneStep)
     EXPECT_EQ(document.graph().node(id)->values.value("amount").toString(), "49");
     undo.undo();
     EXPECT_TRUE(document.graph().node(id)->values.isEmpty());
+}
+
+TEST_F(Editing, PicturesAreEmbeddedAndReplacedInOneStepEach)
+{
+    using Ondrel::ResourceId;
+    const auto list = QVariantList{QVariant::fromValue(ResourceId(5)), QVariantMap{{"x", 1}}};
+    const NodeId a = document.addNode("test/photo", {0, 0}), b = document.addNode("test/all", {0, 0});
+    document.setValue(a, "image", QVariant::fromValue(ResourceId(5)));
+    document.setValue(b, "hidden", list);
+    const int steps = undo.count();
+    document.setEmbedded({ResourceId(5), ResourceId(6)}, true);
+    EXPECT_EQ(document.graph().embedded, (std::set<std::uint32_t>{5, 6}));
+    document.setEmbedded({ResourceId(6)}, true); // changes nothing
+    EXPECT_EQ(undo.count(), steps + 1);
+    document.setEmbedded({ResourceId(6), ResourceId(7)}, false);
+    EXPECT_EQ(document.graph().embedded, std::set<std::uint32_t>{5});
+    document.replaceResource(ResourceId(5), ResourceId(9));
+    EXPECT_EQ(undo.count(), steps + 3);
+    EXPECT_EQ(document.graph().node(a)->values.value("image").value<ResourceId>().id, 9u);
+    EXPECT_EQ(document.graph().node(b)->values.value("hidden").toList().value(0).value<ResourceId>().id, 9u);
+    EXPECT_EQ(document.graph().node(b)->values.value("hidden").toList().value(1).toMap().value("x").toInt(), 1);
+    undo.undo();
+    EXPECT_EQ(document.graph().node(a)->values.value("image").value<ResourceId>().id, 5u);
+    EXPECT_TRUE(Host::sameValue(document.graph().node(b)->values.value("hidden"), list));
+    undo.undo();
+    EXPECT_EQ(document.graph().embedded, (std::set<std::uint32_t>{5, 6}));
+    undo.undo();
+    EXPECT_TRUE(document.graph().embedded.empty());
+}
+
+TEST_F(Editing, InsertedPicturesStayEmbedded)
+{
+    Host::Graph graph;
+    graph.nodes[1].id = 1;
+    graph.nodes[1].type = "test/photo";
+    graph.nodes[1].values["image"] = QVariant::fromValue(Ondrel::ResourceId(5));
+    graph.embedded = {4, 5};
+    document.insert(graph, {0, 0});
+    EXPECT_EQ(document.graph().embedded, std::set<std::uint32_t>{5}); // none of its nodes names the other
+    undo.undo();
+    EXPECT_TRUE(document.graph().embedded.empty());
+}
+
+// A placeholder may hold megabytes of a plug-in's own.
+TEST_F(Editing, StepsCountTheBytesOfWhatPlaceholdersKeep)
+{
+    const auto bytesOf = [](const QJsonObject& unread, std::set<std::uint32_t> embedded) {
+        Host::GraphChange change;
+        change.nodes[1].before = Host::NodeRecord();
+        change.nodes[1].before->unread = unread;
+        change.setEmbedded({}, embedded);
+        return change.bytes();
+    };
+    const std::size_t plain = bytesOf({}, {});
+    EXPECT_EQ(bytesOf({{"json", QString(1000000, 'a')}}, {}), plain + 1000009); // {"json":"..."} instead of {}
+    EXPECT_EQ(bytesOf({}, {1, 2, 3}), plain + 12);
 }
 
 TEST_F(Editing, WhatLiesBetweenBeginAndEndIsOneStep)

@@ -169,7 +169,7 @@ TEST_F(ProjectText, EmbedsPicturesOnRequest)
     Project project;
     add(project, "test/photo", {{"image", QVariant::fromValue(id)}});
     add(project, "test/photo", {{"image", QVariantList{QVariant::fromValue(buffer)}}});
-    project.embedded = {id.id};
+    project.graph.embedded = {id.id};
     const QByteArray text = write(project);
     ASSERT_TRUE(QFile::remove(file));
     const Project again = roundTrip(project);
@@ -177,11 +177,28 @@ TEST_F(ProjectText, EmbedsPicturesOnRequest)
     std::shared_ptr<const Ondrel::Image> image;
     ASSERT_TRUE(ResourceEngine::Get().CopyImage(first, image, Ondrel::EmbeddedColorProfile, {}));
     EXPECT_EQ(image->width, 9u);
-    EXPECT_EQ(again.embedded.count(first.id), 1u);
+    EXPECT_EQ(again.graph.embedded.count(first.id), 1u);
     const auto second = again.graph.nodes.at(2).values.value("image").toList().value(0).value<ResourceId>();
     std::shared_ptr<const Ondrel::Image> copy;
     ASSERT_TRUE(ResourceEngine::Get().CopyImage(second, copy, Ondrel::EmbeddedColorProfile, {}));
     EXPECT_TRUE(OndrelTest::samePixels(*copy, pixels));
+}
+
+TEST_F(ProjectText, TellsOfEmbeddedBytesThatAreNoPictureAndKeepsThem)
+{
+    for (const QByteArray kind : {"image", "raw", "buffer"}) {
+        Project project;
+        add(project, "test/photo", {{"image", QVariant::fromValue(store(makePicture("a.png")))}});
+        project.graph.embedded = {resourceOf(project, 1, "image").id};
+        QByteArray text = write(project);
+        const int begin = text.indexOf("\"data\": \"") + 9, end = text.indexOf('"', begin);
+        text.replace(begin, end - begin, QByteArray("no picture at all").toBase64());
+        text.replace("\"kind\": \"image\"", "\"kind\": \"" + kind + '"');
+        const ProjectReading reading = read(text);
+        ASSERT_TRUE(reading.project) << qPrintable(reading.error);
+        EXPECT_EQ(reading.notes, QStringList("The picture \"" + folder.filePath("a.png") + "\" cannot be read."));
+        EXPECT_TRUE(write(*reading.project) == text) << kind.constData();
+    }
 }
 
 TEST_F(ProjectText, KeepsThePathOfAPictureThatIsNotThere)
@@ -289,8 +306,8 @@ TEST_F(ProjectText, ThatIsCutShortAnywhereOrDamagedIsAnError)
 {
     Project project;
     add(project, "test/all", {{"hidden", QVariantList{1.5, QByteArray("abc")}}});
-    project.embedded = {store(makePicture("a.png")).id};
-    project.graph.nodes[1].values["resource"] = QVariant::fromValue(ResourceId(*project.embedded.begin()));
+    project.graph.embedded = {store(makePicture("a.png")).id};
+    project.graph.nodes[1].values["resource"] = QVariant::fromValue(ResourceId(*project.graph.embedded.begin()));
     const QByteArray text = write(project);
     for (int length = 0; length < text.size() - 2; ++length)
         ASSERT_FALSE(read(text.left(length)).error.isEmpty()) << length;

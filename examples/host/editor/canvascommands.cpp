@@ -212,6 +212,7 @@ void CanvasCommands::bypassSelected()
 Graph CanvasCommands::selectedGraph() const
 {
     Graph graph;
+    graph.embedded = m_document.graph().embedded;
     for (const NodeId id : m_scene.selectedNodes())
         graph.nodes[id] = *m_document.graph().node(id);
     for (const Connection& connection : m_document.graph().connections) {

@@ -75,8 +75,15 @@ QByteArray graphToText(const Graph& graph)
                                {"output", c.output.toStdString()},
                                {"to", std::to_string(c.to)},
                                {"input", c.input.toStdString()}});
-    return QByteArray::fromStdString(
-        Json{{"ondrel nodes", 1}, {"process", thisProcess()}, {"nodes", nodes}, {"connections", connections}}.dump(1));
+    Json embedded = Json::array();
+    for (const std::uint32_t handle : graph.embedded)
+        embedded.push_back(handle);
+    return QByteArray::fromStdString(Json{
+        {"ondrel nodes", 1},
+        {"process", thisProcess()},
+        {"nodes", nodes},
+        {"connections", connections},
+        {"embedded", embedded}}.dump(1));
 }
 
 std::optional<Graph> graphFromText(const QByteArray& text)
@@ -100,6 +107,12 @@ std::optional<Graph> graphFromText(const QByteArray& text)
             return std::nullopt;
         graph.connections.push_back({textIn(each, "from").toULongLong(), textIn(each, "output"),
                                      textIn(each, "to").toULongLong(), textIn(each, "input")});
+    }
+    if (const auto embedded = json.find("embedded"); isOurs && embedded != json.end() && embedded->is_array()) {
+        for (const Json& each : *embedded) {
+            if (each.is_number_unsigned() && each.get<quint64>() <= UINT32_MAX)
+                graph.embedded.insert(each.get<std::uint32_t>());
+        }
     }
     return graph;
 }

@@ -4,6 +4,7 @@
 #include "canvasaccessibility.h"
 #include "canvascommands.h"
 #include "canvaskeys.h"
+#include "embedding.h"
 #include "exportcommands.h"
 #include "exporter.h"
 #include "histogramdock.h"
@@ -61,6 +62,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_files(new ProjectFiles(m_document, *this))
     , m_importer(new Importer(m_document, *m_scene, this))
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
+    , m_embedding(new Embedding(m_document, *m_scene, *this))
     , m_wireKeys(new WireKeys(*m_scene, *m_sceneView, *m_canvasCommands))
     , m_canvasKeys(new CanvasKeys(*m_scene, *m_sceneView, *m_wireKeys))
     , m_paneKeys(new PaneKeys(*m_imagePane, *m_sceneView, this))
@@ -102,14 +104,16 @@ EditorWindow::~EditorWindow()
     delete m_pictures;
     delete m_modes;
     delete m_canvasCommands;
+    delete m_embedding;
     delete m_sceneView;
     delete m_scene;
 }
 
 void EditorWindow::connectParts()
 {
-    for (QObject* const part : {static_cast<QObject*>(m_files), static_cast<QObject*>(m_importer),
-                                static_cast<QObject*>(m_canvasCommands), static_cast<QObject*>(m_exportCommands)})
+    for (QObject* const part :
+         {static_cast<QObject*>(m_files), static_cast<QObject*>(m_importer), static_cast<QObject*>(m_canvasCommands),
+          static_cast<QObject*>(m_exportCommands), static_cast<QObject*>(m_embedding)})
         connect(part, SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(&m_preferences->device(), SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(m_scene, SIGNAL(refused(QString)), this, SLOT(showMessage(QString)));
@@ -173,6 +177,7 @@ void EditorWindow::addEditMenu()
     edit->addActions({undo, redo});
     edit->addSeparator();
     m_canvasCommands->addEditActions(*edit);
+    m_embedding->addActions(*edit);
     edit->addSeparator();
     m_canvasKeys->addActions(*edit);
     m_wireKeys->addActions(*edit);
@@ -276,7 +281,8 @@ void EditorWindow::editInView(bool on)
 bool EditorWindow::isSettled() const
 {
     return !m_pictures->isWaiting() && !m_files->isBusy() && !m_importer->isBusy() && !m_exporter->isBusy() &&
-           !m_imagePane->isBusy() && !m_memory->isBusy() && !m_histogram->isBusy() && !m_preferences->isBusy();
+           !m_imagePane->isBusy() && !m_memory->isBusy() && !m_histogram->isBusy() && !m_embedding->isBusy() &&
+           !m_preferences->isBusy();
 }
 
 } // namespace Host

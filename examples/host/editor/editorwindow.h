@@ -13,6 +13,7 @@ namespace Host
 
 class CanvasCommands;
 class CanvasKeys;
+class Embedding;
 class ExportCommands;
 class Exporter;
 class HistogramDock;
@@ -48,6 +49,7 @@ public:
     ProjectFiles& files() { return *m_files; }
     Importer& importer() { return *m_importer; }
     CanvasCommands& canvasCommands() { return *m_canvasCommands; }
+    Embedding& embedding() { return *m_embedding; }
     ExportCommands& exportCommands() { return *m_exportCommands; }
     Preferences& preferences() { return *m_preferences; }
     Shortcuts& shortcuts() { return *m_shortcuts; }
@@ -85,6 +87,7 @@ private:
     ProjectFiles* m_files;
     Importer* m_importer;
     CanvasCommands* m_canvasCommands;
+    Embedding* m_embedding;
     WireKeys* m_wireKeys;     // the canvas's
     CanvasKeys* m_canvasKeys; // the canvas's
     PaneKeys* m_paneKeys;

@@ -141,7 +141,6 @@ void ProjectFiles::take(const Source& source, const ProjectReading& reading)
         leave();
     dropResources();
     m_document.load(reading.project->graph);
-    m_embedded = reading.project->embedded;
     m_view = reading.project->view;
     m_file = source.file;
     m_unsaved = source.unsaved;
@@ -201,7 +200,6 @@ Project ProjectFiles::project() const
 {
     Project project;
     project.graph = m_document.graph();
-    project.embedded = m_embedded;
     project.view = m_view;
     if (m_writeView)
         m_writeView(project.view);

@@ -11,7 +11,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <set>
 
 class QWidget;
 
@@ -88,7 +87,6 @@ private:
     nlohmann::ordered_json m_view = nlohmann::ordered_json::object(); // of the file; it may hold what is not ours
     QString m_file;
     std::shared_ptr<UnsavedPlace> m_unsaved; // of a project without a file, once it has been autosaved
-    std::set<std::uint32_t> m_embedded;      // resources that are saved with their bytes
     QTimer m_autosaveTimer;
     std::mutex m_saving;         // one file is written at a time
     std::atomic<int> m_saves{0}; // by the user, so far: an autosave from before one of them is not written
