@@ -2,6 +2,7 @@
 
 #include "projectfiles.h"
 #include "scene.h"
+#include "sceneview.h"
 #include "unsavedplace.h"
 
 #include <ondrel/resources/resourceengine.h>
@@ -35,6 +36,29 @@ protected:
         ASSERT_TRUE(question);
         question->button(button)->click();
         EXPECT_TRUE(QTest::qWaitFor([&] { return asked.isSettled() && asked.isEnabled(); }));
+    }
+
+    QByteArray saved(const QString& name)
+    {
+        play("save " + path(name));
+        QFile file(path(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    // The project a.ondrel, with something else about the part of the canvas that is seen.
+    void openWithCanvas(const QByteArray& canvas)
+    {
+        QFile file(path("a.ondrel"));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        auto json = nlohmann::ordered_json::parse(file.readAll().toStdString());
+        json["view"]["canvas"] = nlohmann::ordered_json::parse(canvas.toStdString());
+        QFile changed(path("changed.ondrel"));
+        ASSERT_TRUE(changed.open(QIODevice::WriteOnly));
+        changed.write(QByteArray::fromStdString(json.dump(2)));
+        changed.close();
+        window.statusBar()->clearMessage();
+        play("open " + path("changed.ondrel"));
     }
 
     QStringList autosaves() const { return unsaved.entryList({"*.autosave"}, QDir::Files); }
@@ -211,6 +235,62 @@ TEST_F(ProjectFilesOfAWindow, ViewOfAnotherFormIsPassedOverAndKept)
     file.close();
     play("open " + path("a.ondrel") + "\nexpect nodes 2\nsave " + path("a.ondrel"));
     EXPECT_TRUE(contents().contains("\"other\""));
+}
+
+TEST_F(ProjectFilesOfAWindow, ZoomAndScrollAreSavedAndAreNoEdit)
+{
+    SceneView& canvas = window.sceneView();
+    play("save " + path("a.ondrel"));
+    canvas.setPlace({0.1, QPointF(1.0 / 3, -1234.5)});
+    EXPECT_TRUE(window.document().undoStack().isClean());
+    EXPECT_FALSE(window.windowTitle().startsWith('*'));
+    const QByteArray text = saved("b.ondrel");
+    EXPECT_TRUE(text.contains("\"canvas\": {\n      \"zoom\": \"0.1\",\n      \"center\": [\n        "
+                              "\"0.3333333333333333\",\n        \"-1234.5\"\n      ]\n    }"))
+        << text.constData();
+    canvas.zoomBy(2, QGraphicsView::AnchorViewCenter);
+    EXPECT_EQ(canvas.place().zoom, 0.2);
+    canvas.setPlace({4, QPointF(0, 0)});
+    play("open " + path("b.ondrel"));
+    EXPECT_TRUE(canvas.place() == (CanvasPlace{0.1, QPointF(1.0 / 3, -1234.5)}));
+    EXPECT_NEAR(canvas.mapToScene(canvas.viewport()->rect()).boundingRect().center().y(), -1234.5, 10); // a pixel
+    EXPECT_TRUE(saved("c.ondrel") == text);
+    window.resize(900, 700);
+    settle();
+    EXPECT_NEAR(canvas.mapToScene(canvas.viewport()->rect()).boundingRect().center().y(), -1234.5, 10);
+    EXPECT_TRUE(saved("c.ondrel") == text);
+    EXPECT_EQ(window.document().undoStack().count(), 0);
+}
+
+TEST_F(ProjectFilesOfAWindow, WildZoomAndScrollAreBroughtToTheLimits)
+{
+    play("save " + path("a.ondrel"));
+    openWithCanvas("{\"zoom\": \"1e300\", \"other\": 7, \"center\": [\"-1e308\", \"20000.5\"]}");
+    EXPECT_EQ(status(), "");
+    EXPECT_TRUE(window.sceneView().place() == (CanvasPlace{4, QPointF(-20000, 20000)}));
+    EXPECT_TRUE(saved("b.ondrel").contains("\"zoom\": \"4\",\n      \"other\": 7,\n"));
+    openWithCanvas("{\"zoom\": \"-0\", \"center\": [\"0\", \"0\"]}");
+    EXPECT_TRUE(window.sceneView().place() == (CanvasPlace{0.05, QPointF(0, 0)}));
+}
+
+TEST_F(ProjectFilesOfAWindow, ZoomAndScrollOfAnotherFormAreToldAndKeptUntilTheUserLooksElsewhere)
+{
+    play("save " + path("a.ondrel"));
+    for (const QByteArray odd :
+         {"5", "[]", "{}", "{\"zoom\": 1, \"center\": [\"0\", \"0\"]}", "{\"zoom\": \"1\"}",
+          "{\"zoom\": \"nan\", \"center\": [\"0\", \"0\"]}", "{\"zoom\": \"1\", \"center\": [\"0\", \"inf\"]}",
+          "{\"zoom\": \"1\", \"center\": [\"0\"]}", "{\"zoom\": \"1\", \"center\": [\"0\", null]}"}) {
+        SCOPED_TRACE(odd.constData());
+        openWithCanvas(odd);
+        EXPECT_EQ(status(), "What the project says about the part of the canvas to show is not understood: all nodes "
+                            "are shown.");
+        EXPECT_EQ(window.sceneView().place().zoom, 1);
+        EXPECT_EQ(window.sceneView().place().center.x(), window.scene().nodesRect({}).center().x());
+        const auto view = nlohmann::ordered_json::parse(saved("b.ondrel").toStdString())["view"];
+        EXPECT_EQ(view["canvas"], nlohmann::ordered_json::parse(odd.toStdString()));
+    }
+    window.sceneView().zoomBy(0.5, QGraphicsView::AnchorViewCenter);
+    EXPECT_TRUE(saved("b.ondrel").contains("\"zoom\": \"0.5\""));
 }
 
 TEST_F(ProjectFilesOfAWindow, SavingFirstGoesOnWithWhatWasWanted)

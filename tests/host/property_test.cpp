@@ -4,6 +4,7 @@
 #include "editorfixture.h"
 #include "randomedits.h"
 #include "scene.h"
+#include "sceneview.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -16,10 +17,11 @@ namespace
 class UndoProperty : public Editor
 {
 protected:
-    // The project with the same node in view, which is no edit.
+    // The project with the same node in view and the same part of the canvas, which are no edits.
     QByteArray saved(const QString& name)
     {
         window.scene().show(id("photo"), PreviewNode::EmblemPrimary);
+        window.sceneView().setPlace({0.5, QPointF(100, 50)});
         play("save " + path(name));
         QFile file(path(name));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));

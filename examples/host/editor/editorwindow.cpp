@@ -16,6 +16,7 @@
 #include "pictures.h"
 #include "preferences.h"
 #include "projectfiles.h"
+#include "projectview.h"
 #include "recentmenu.h"
 #include "scene.h"
 #include "sceneview.h"
@@ -55,6 +56,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_document(types)
     , m_scene(makeAccessibleScene(m_document, this))
     , m_sceneView(new SceneView(*m_scene))
+    , m_projectView(std::make_unique<ProjectView>(*m_scene, *m_sceneView))
     , m_imagePane(new ImagePane)
     , m_pictures(new Pictures(m_document, *m_scene, *m_imagePane, this))
     , m_modes(new ModeHost(m_document, *m_scene, *m_imagePane, *this))
@@ -118,27 +120,12 @@ void EditorWindow::connectParts()
     connect(&m_preferences->device(), SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(m_scene, SIGNAL(refused(QString)), this, SLOT(showMessage(QString)));
     connect(m_files, SIGNAL(nameChanged()), this, SLOT(updateTitle()));
-    m_files->setViewWriter([this](nlohmann::ordered_json& view) {
-        view["primary"] = std::to_string(m_scene->primary());
-        view["secondary"] = std::to_string(m_scene->secondary());
-    });
+    m_files->setView([this](const nlohmann::ordered_json& view) { return m_projectView->show(view); },
+                     [this](nlohmann::ordered_json& view) { m_projectView->write(view); });
     m_files->setStillUsed([this] { return m_exporter->isBusy(); });
-    connect(m_files, &ProjectFiles::opened, this, [this](const Project& project) {
-        showNode(project.view, "primary", PreviewNode::EmblemPrimary);
-        showNode(project.view, "secondary", PreviewNode::EmblemSecondary);
-        m_canvasCommands->fitAll();
-    });
     m_pictures->setShownGraph([this] { return m_modes->shownGraph(); });
     connect(m_modes, SIGNAL(changed()), m_pictures, SLOT(schedule()));
     connect(m_modes, &ModeHost::left, this, [this] { m_editInView->setChecked(false); });
-}
-
-// Other programs may have written what they like there.
-void EditorWindow::showNode(const nlohmann::ordered_json& view, const char* key, PreviewNode::Emblem emblem)
-{
-    const auto shown = view.find(key);
-    if (shown != view.end() && shown->is_string())
-        m_scene->show(QString::fromStdString(shown->get<std::string>()).toULongLong(), emblem);
 }
 
 void EditorWindow::addFileMenu()

@@ -2,11 +2,9 @@
 
 #include "document.h"
 
-#include <ondrel/nodes/previewnode.h>
-
-#include <nlohmann/json_fwd.hpp>
-
 #include <QMainWindow>
+
+#include <memory>
 
 namespace Host
 {
@@ -25,6 +23,7 @@ class PaneKeys;
 class Pictures;
 class Preferences;
 class ProjectFiles;
+class ProjectView;
 class Scene;
 class SceneView;
 class Shortcuts;
@@ -74,12 +73,12 @@ private:
     void addEditMenu();
     void addViewMenu();
     void connectParts();
-    void showNode(const nlohmann::ordered_json& view, const char* key, Ondrel::PreviewNode::Emblem emblem);
     bool mayEndExports();
 
     Document m_document;
     Scene* m_scene;
     SceneView* m_sceneView;
+    std::unique_ptr<ProjectView> m_projectView;
     ImagePane* m_imagePane;
     Pictures* m_pictures;
     ModeHost* m_modes;

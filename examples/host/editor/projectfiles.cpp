@@ -41,6 +41,13 @@ ProjectFiles::ProjectFiles(Document& document, QWidget& window)
     });
 }
 
+void ProjectFiles::setView(std::function<QString(const nlohmann::ordered_json&)> show,
+                           std::function<void(nlohmann::ordered_json&)> write)
+{
+    m_showView = std::move(show);
+    m_writeView = std::move(write);
+}
+
 bool ProjectFiles::mayLeave(std::function<void()> again)
 {
     if (m_document.undoStack().isClean())
@@ -147,12 +154,14 @@ void ProjectFiles::take(const Source& source, const ProjectReading& reading)
     m_autosaveTimer.stop(); // loading is no change
     if (source.from != source.file)
         m_document.undoStack().resetClean();
-    Q_EMIT opened(*reading.project);
+    QStringList notes = reading.notes;
+    if (const QString note = m_showView ? m_showView(m_view) : QString(); !note.isEmpty())
+        notes.append(note);
     if (!source.file.isEmpty())
         Q_EMIT used(source.file);
     Q_EMIT nameChanged();
-    if (!reading.notes.isEmpty())
-        Q_EMIT message(reading.notes.join("  "));
+    if (!notes.isEmpty())
+        Q_EMIT message(notes.join("  "));
 }
 
 // Those of the document; a project that is read brings handles of its own.

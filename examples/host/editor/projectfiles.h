@@ -31,8 +31,10 @@ public:
     QString file() const { return m_file; } // empty: never saved
     bool isBusy() const { return m_worker.isBusy(); }
 
-    // Adds to what is saved what the document does not hold: how it is looked at.
-    void setViewWriter(std::function<void(nlohmann::ordered_json& view)> writer) { m_writeView = std::move(writer); }
+    // How the project is looked at, which the document does not hold. `show` is called once the document has been
+    // loaded, and gives a sentence if it does not understand everything; `write` adds to what is saved.
+    void setView(std::function<QString(const nlohmann::ordered_json& view)> show,
+                 std::function<void(nlohmann::ordered_json& view)> write);
 
     // Pictures of a project that another one replaces go from the store, unless the clipboard names them or this says
     // that work on the old project goes on.
@@ -57,9 +59,8 @@ public Q_SLOTS:
     void chooseAndSave();
 
 Q_SIGNALS:
-    void opened(const Host::Project& project); // the document holds its graph already; also of a new, empty one
-    void nameChanged();                        // of the file, or whether there is something to save
-    void used(const QString& file);            // was opened or saved
+    void nameChanged();             // of the file, or whether there is something to save
+    void used(const QString& file); // was opened or saved
     void message(const QString& text);
 
 private Q_SLOTS:
@@ -81,6 +82,7 @@ private:
 
     Document& m_document;
     QWidget& m_window;
+    std::function<QString(const nlohmann::ordered_json&)> m_showView;
     std::function<void(nlohmann::ordered_json&)> m_writeView;
     std::function<bool()> m_isStillUsed;
     std::function<void()> m_afterSaving;

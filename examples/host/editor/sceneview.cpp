@@ -43,10 +43,41 @@ void SceneView::fit(const QRectF& area)
     if (area.isEmpty())
         return;
     fitInView(area.adjusted(-40, -40, 40, 40), Qt::KeepAspectRatio);
-    const double zoom = transform().m11();
-    const double wanted = std::clamp(zoom, kSmallest, 1.0);
-    scale(wanted / zoom, wanted / zoom);
-    centerOn(area.center());
+    setPlace({std::min(transform().m11(), 1.0), area.center()});
+}
+
+SceneView::Position SceneView::position() const
+{
+    return {transform(), QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value())};
+}
+
+CanvasPlace SceneView::place() const
+{
+    if (isWherePlaced())
+        return *m_place;
+    return {transform().m11(), mapToScene(viewport()->rect()).boundingRect().center()};
+}
+
+void SceneView::setPlace(const CanvasPlace& place)
+{
+    const QRectF limits = sceneRect();
+    CanvasPlace within;
+    within.zoom = std::clamp(place.zoom, kSmallest, kLargest);
+    within.center = QPointF(std::clamp(place.center.x(), limits.left(), limits.right()),
+                            std::clamp(place.center.y(), limits.top(), limits.bottom()));
+    setTransform(QTransform::fromScale(within.zoom, within.zoom));
+    centerOn(within.center);
+    m_place = within;
+    m_placedAt = position();
+}
+
+// Also while a window is being built and has not its size yet.
+void SceneView::resizeEvent(QResizeEvent* event)
+{
+    const bool keeps = isWherePlaced();
+    QGraphicsView::resizeEvent(event);
+    if (keeps)
+        setPlace(*m_place);
 }
 
 QPointF SceneView::pointerInScene() const
