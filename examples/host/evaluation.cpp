@@ -1,7 +1,8 @@
 // oneTBB has a member named emit, which Qt makes a macro of.
 #pragma push_macro("emit")
 #undef emit
-#include <tbb/flow_graph.h>
+#include <tbb/task_arena.h>
+#include <tbb/task_group.h>
 #pragma pop_macro("emit")
 
 #include "evaluation.h"
@@ -13,9 +14,11 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 
+#include <atomic>
 #include <deque>
 #include <exception>
 #include <future>
+#include <mutex>
 #include <set>
 
 namespace Host
@@ -61,17 +64,42 @@ auto asked(const Ask& ask) -> decltype(ask())
     }
 }
 
+// Whether this thread is inside a node's work at the moment. What is evaluated from there never waits for others, which
+// may wait for that node.
+thread_local bool isInNode = false;
+
+class InNode
+{
+public:
+    InNode() { isInNode = true; }
+    ~InNode() { isInNode = m_before; }
+    InNode(const InNode&) = delete;
+    InNode& operator=(const InNode&) = delete;
+
+private:
+    const bool m_before = isInNode;
+};
+
 // One piece of work: all nodes of the graph whose results must be equal.
 struct Task {
-    QByteArray key;
+    enum State { Idle, Needed, Elsewhere, Done };
+
+    ResultCache::Key key;
     const NodeRecord* record = nullptr;
     const NodeType* type = nullptr;
     std::vector<NodeId> nodes;
     std::map<QString, std::pair<Task*, QString>> inputs; // by field: where it comes from, and which output
-    bool needed = false;
-    bool computed = false; // or found in the cache
-    bool starved = false;  // an input has no picture
-    Result result;
+    State state = Idle;
+    ResultCache::ResultPtr result;  // once it is done
+    ResultCache::WorkPtr elsewhere; // of the evaluation that computes it, instead of this one
+    std::vector<Task*> next;        // those that wait for it in this round, once for each input
+    std::atomic<int> missing{0};    // inputs that are not there yet
+
+    void take(const ResultCache::ResultPtr& found)
+    {
+        result = found;
+        state = Done;
+    }
 };
 
 class Evaluation
@@ -83,11 +111,15 @@ public:
         , m_types(types)
         , m_scale(scale)
         , m_cache(cache)
+        , m_generation(cache.generation())
+        , m_mayWait(!isInNode)
         , m_status(status)
         , m_progress(progress)
     {
     }
 
+    // In rounds: all that needs no other evaluation is computed, then there is a wait for what others compute. Nothing
+    // is claimed meanwhile, so that no two evaluations can wait for each other.
     Outcome run(NodeId node, const QString& output)
     {
         for (const NodeId id : dependencies(m_graph, node))
@@ -96,18 +128,24 @@ public:
         Outcome outcome;
         if (!last)
             return outcome;
-        need(*last);
-        compute();
+        do {
+            need(*last);
+            compute();
+        } while (last->state != Task::Done && awaitOthers());
         outcome.cancelled = isCancelled(m_status);
-        outcome.picture = last->result.outputs.value(output);
+        if (last->result)
+            outcome.picture = last->result->outputs.value(output);
         for (const Task& task : m_tasks) {
             for (const NodeId id : task.nodes) {
-                if (!task.result.error.isEmpty())
-                    outcome.errors.insert(id, task.result.error);
+                if (task.result && !task.result->error.isEmpty())
+                    outcome.errors.insert(id, task.result->error);
             }
         }
         return outcome;
     }
+
+    // False if some of the results may be of another generation than the rest.
+    bool isCurrent() const { return m_cache.generation() == m_generation; }
 
 private:
     void addNode(NodeId id)
@@ -123,17 +161,21 @@ private:
                 task.inputs[connection.input] = {m_byNode[connection.from], connection.output};
         }
         task.key = keyOf(task);
-        auto [known, isNew] = m_byKey.try_emplace(task.key.toStdString(), nullptr);
+        auto [known, isNew] = m_byKey.try_emplace(task.key, nullptr);
         if (isNew) {
-            m_tasks.push_back(std::move(task));
-            known->second = &m_tasks.back();
+            Task& added = m_tasks.emplace_back();
+            added.key = task.key;
+            added.record = task.record;
+            added.type = task.type;
+            added.inputs = std::move(task.inputs);
+            known->second = &added;
         }
         known->second->nodes.push_back(id);
         m_byNode[id] = known->second;
     }
 
-    // Everything that the result depends on.
-    QByteArray keyOf(const Task& task) const
+    // Everything that the result depends on, but for what has generations (see ResultCache).
+    ResultCache::Key keyOf(const Task& task) const
     {
         QCryptographicHash hash(QCryptographicHash::Sha256);
         const auto add = [&hash](const std::string& text) {
@@ -147,123 +189,189 @@ private:
         add(valueToJson(values).dump());
         for (const auto& [field, source] : task.inputs) {
             add(field.toStdString());
-            add(source.first->key.toStdString());
+            add(source.first->key);
             add(source.second.toStdString());
         }
-        return hash.result();
+        return hash.result().toStdString();
     }
 
-    // Marks what has to be computed; what the cache has needs nothing behind it.
+    // Marks what has to be computed; what is there, or is computed elsewhere, needs nothing behind it.
     void need(Task& last)
     {
+        m_elsewhere.clear();
+        for (Task& task : m_tasks) {
+            if (task.state != Task::Done)
+                task.state = Task::Idle;
+        }
         std::vector<Task*> stack{&last};
         while (!stack.empty()) {
-            Task* const task = stack.back();
+            Task& task = *stack.back();
             stack.pop_back();
-            if (task->needed || task->computed)
+            if (task.state != Task::Idle)
                 continue;
-            if (m_cache.find(task->key, task->result)) {
-                task->computed = true;
-                continue;
+            const ResultCache::Answer answer = m_cache.find(task.key, m_generation);
+            if (answer.result) {
+                task.take(answer.result);
+            } else if (answer.work && m_mayWait) {
+                leaveToOthers(task, answer.work);
+            } else {
+                task.state = Task::Needed;
+                for (const auto& [field, source] : task.inputs)
+                    stack.push_back(source.first);
             }
-            task->needed = true;
-            for (const auto& [field, source] : task->inputs)
-                stack.push_back(source.first);
         }
+    }
+
+    void leaveToOthers(Task& task, const ResultCache::WorkPtr& work)
+    {
+        task.state = Task::Elsewhere;
+        task.elsewhere = work;
+        const std::lock_guard lock(m_mutex);
+        m_elsewhere.push_back(&task);
+    }
+
+    // Until one of them has come to an end. False if there is none, or this evaluation is cancelled.
+    bool awaitOthers()
+    {
+        if (m_elsewhere.empty() || isCancelled(m_status))
+            return false;
+        std::vector<ResultCache::WorkPtr> works;
+        for (Task* const task : m_elsewhere) {
+            works.push_back(task->elsewhere);
+            tell(m_progress.begin, *task);
+        }
+        m_cache.await(works, [this] { return isCancelled(m_status); });
+        for (Task* const task : m_elsewhere) {
+            tell(m_progress.end, *task);
+            if (const ResultCache::ResultPtr result = m_cache.resultOf(task->elsewhere))
+                task->take(result);
+        }
+        return !isCancelled(m_status);
+    }
+
+    // The needed tasks of which no input, however far behind, is computed elsewhere.
+    void compute()
+    {
+        for (Task& task : m_tasks) {
+            task.next.clear();
+            task.missing = 0;
+        }
+        std::vector<Task*> first;
+        for (Task& task : m_tasks) { // each behind those that it depends on
+            if (task.state != Task::Needed)
+                continue;
+            for (const auto& [field, source] : task.inputs) {
+                if (source.first->state == Task::Done)
+                    continue;
+                source.first->next.push_back(&task);
+                ++task.missing;
+            }
+            if (task.missing == 0)
+                first.push_back(&task);
+        }
+        computeFrom(first);
     }
 
 #ifdef __SANITIZE_THREAD__
     // Debian's oneTBB is not built for the thread sanitizer, which would report whatever it orders: a plain thread for
     // each task instead.
-    void compute()
+    void computeFrom(const std::vector<Task*>& ready)
     {
-        std::map<const Task*, std::shared_future<void>> done;
-        for (Task& task : m_tasks) { // each behind those it needs
-            if (!task.needed)
-                continue;
-            std::vector<std::shared_future<void>> before;
-            for (const auto& [field, source] : task.inputs) {
-                const auto found = done.find(source.first);
-                if (found != done.end())
-                    before.push_back(found->second);
-            }
-            done[&task] = std::async(std::launch::async, [this, &task, before] {
-                              for (const std::shared_future<void>& other : before)
-                                  other.wait();
-                              runTask(task);
-                          }).share();
-        }
-        for (const auto& [task, future] : done)
-            future.get();
+        std::vector<std::future<void>> threads;
+        for (Task* const task : ready)
+            threads.push_back(std::async(std::launch::async, [this, task] { computeFrom(computed(*task)); }));
+        for (std::future<void>& thread : threads)
+            thread.get();
     }
 #else
-    void compute()
+    // While a thread waits for the others of this evaluation, it takes up nothing else: work from elsewhere that waits
+    // for this evaluation could not come to an end on top of it.
+    void computeFrom(const std::vector<Task*>& first)
     {
-        using Message = tbb::flow::continue_msg;
-        using FlowNode = tbb::flow::continue_node<Message>;
-        tbb::flow::graph flow;
-        std::map<const Task*, std::unique_ptr<FlowNode>> flowNodes;
-        for (Task& task : m_tasks) {
-            if (task.needed)
-                flowNodes[&task] = std::make_unique<FlowNode>(flow, [this, &task](Message) { runTask(task); });
-        }
-        std::vector<FlowNode*> first;
-        for (const auto& [task, flowNode] : flowNodes) {
-            bool waits = false;
-            for (const auto& [field, source] : task->inputs) {
-                const auto before = flowNodes.find(source.first);
-                if (before == flowNodes.end())
-                    continue;
-                tbb::flow::make_edge(*before->second, *flowNode);
-                waits = true;
-            }
-            if (!waits)
-                first.push_back(flowNode.get());
-        }
-        for (FlowNode* const flowNode : first)
-            flowNode->try_put(Message());
-        flow.wait_for_all();
+        tbb::this_task_arena::isolate([this, &first] {
+            tbb::task_group group;
+            spawn(group, first);
+            group.wait();
+        });
+    }
+
+    void spawn(tbb::task_group& group, const std::vector<Task*>& ready)
+    {
+        for (Task* const task : ready)
+            group.run([this, &group, task] { spawn(group, computed(*task)); });
     }
 #endif
+
+    // Computes it, if nobody else does, and gives those that now have all their inputs.
+    std::vector<Task*> computed(Task& task)
+    {
+        std::vector<Task*> ready;
+        runTask(task);
+        if (task.state != Task::Done)
+            return ready;
+        for (Task* const next : task.next) {
+            if (--next->missing == 0)
+                ready.push_back(next);
+        }
+        return ready;
+    }
 
     void runTask(Task& task)
     {
         if (isCancelled(m_status))
             return;
-        const auto tell = [&task](const std::function<void(NodeId)>& listener) {
-            for (const NodeId id : task.nodes) {
-                if (listener)
-                    listener(id);
-            }
-        };
-        tell(m_progress.begin);
-        task.result = resultOf(task);
-        tell(m_progress.end);
-        if (task.result.error.isEmpty() && !task.starved && !isCancelled(m_status))
-            m_cache.insert(task.key, task.result);
-    }
-
-    Result resultOf(Task& task) const
-    {
-        Result result;
         if (!task.type) {
-            result.error = QCoreApplication::translate("Host", "There is no plug-in for this kind of node.");
-            return result;
+            Result unknown;
+            unknown.error = QCoreApplication::translate("Host", "There is no plug-in for this kind of node.");
+            return task.take(std::make_shared<Result>(unknown));
         }
         Request request;
+        if (!takeInputs(task, request)) // the node before says why, and has to be asked again
+            return task.take(std::make_shared<Result>());
+        ResultCache::Claim claim;
+        const ResultCache::Answer answer = m_cache.begin(task.key, m_generation, claim);
+        if (answer.result)
+            return task.take(answer.result);
+        if (answer.work && m_mayWait)
+            return leaveToOthers(task, answer.work);
+        tell(m_progress.begin, task);
+        const auto result = std::make_shared<Result>(resultOf(task, request));
+        tell(m_progress.end, task);
+        if (isCancelled(m_status))
+            return;
+        if (!answer.work)
+            claim.finish(result, result->error.isEmpty());
+        task.take(result);
+    }
+
+    static void tell(const std::function<void(NodeId)>& listener, const Task& task)
+    {
+        for (const NodeId id : task.nodes) {
+            if (listener)
+                listener(id);
+        }
+    }
+
+    static bool takeInputs(const Task& task, Request& request)
+    {
         for (const auto& [field, source] : task.inputs) {
-            const Picture picture = source.first->result.outputs.value(source.second);
-            if (!picture.image) {
-                task.starved = true; // the node before says why, and has to be asked again
-                return result;
-            }
+            const Picture picture = source.first->result->outputs.value(source.second);
+            if (!picture.image)
+                return false;
             request.inputs.insert(field, picture);
         }
+        return true;
+    }
+
+    Result resultOf(const Task& task, Request& request) const
+    {
         if (task.record->bypassed)
             return passedThrough(task, request);
         request.values = completeValues(*task.record, *task.type);
         request.scale = m_scale;
         request.status = m_status;
+        const InNode inNode;
+        Result result;
         try {
             return task.type->entry.behaviour->evaluate(request);
         } catch (const std::bad_alloc&) {
@@ -292,11 +400,15 @@ private:
     const NodeTypes& m_types;
     double m_scale;
     ResultCache& m_cache;
+    const quint64 m_generation;
+    const bool m_mayWait;
     const Ondrel::RunStatus& m_status;
     const Progress& m_progress;
     std::deque<Task> m_tasks; // each behind those that it depends on
-    std::map<std::string, Task*> m_byKey;
+    std::map<ResultCache::Key, Task*> m_byKey;
     std::map<NodeId, Task*> m_byNode;
+    std::mutex m_mutex; // of m_elsewhere
+    std::vector<Task*> m_elsewhere;
 };
 
 // The node and output whose picture is meant.
@@ -383,7 +495,12 @@ Outcome evaluate(const Graph& graph, const NodeTypes& types, const Target& targe
 {
     assertMayBlock("evaluate");
     const auto [node, output] = resolved(graph, types, target);
-    return Evaluation(graph, types, target.scale, cache, status, progress).run(node, output);
+    for (;;) {
+        Evaluation evaluation(graph, types, target.scale, cache, status, progress);
+        const Outcome outcome = evaluation.run(node, output);
+        if (outcome.cancelled || evaluation.isCurrent())
+            return outcome;
+    }
 }
 
 QSize fullSize(const Graph& graph, const NodeTypes& types, const Target& target)

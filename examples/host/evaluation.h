@@ -28,8 +28,8 @@ struct Outcome {
     bool cancelled = false;
 };
 
-// Called from worker threads, several at once, when a node begins and ends to be computed. Not called for results from
-// the cache.
+// Called from worker threads, several at once, when a node begins and ends to be computed, or to be waited for while
+// another evaluation computes it. Not called for results from the cache.
 struct Progress {
     std::function<void(NodeId)> begin;
     std::function<void(NodeId)> end;
@@ -41,7 +41,9 @@ struct Progress {
 // input to its outputs. The same graph gives the same bytes at any number of threads.
 //
 // Blocks; not for the user-interface thread (asserted in debug builds). Any number of threads may evaluate at once with
-// one cache.
+// one cache: what one of them computes, the others wait for, and compute themselves if that one is cancelled. A node
+// that fails is tried anew by the next evaluation, not by those that waited. If the cache begins a new generation, all
+// is computed again, so that a picture is of one generation as a whole.
 Outcome evaluate(const Graph& graph, const NodeTypes& types, const Target& target, ResultCache& cache,
                  const Ondrel::RunStatus& status, const Progress& progress = {});
 

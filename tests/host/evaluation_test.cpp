@@ -6,72 +6,14 @@
 #include <tbb/global_control.h>
 #pragma pop_macro("emit")
 
-#include "testnodes.h"
-
-#include <evaluation.h>
-#include <resultcache.h>
-
-#include <gtest/gtest.h>
+#include "evaluationfixture.h"
 
 #include <chrono>
 #include <cstring>
 #include <thread>
 
-using Host::NodeId;
-using Host::Outcome;
-
 namespace
 {
-
-constexpr std::size_t kPictureBytes = 32 * 24 * 8;
-
-class Evaluation : public testing::Test
-{
-protected:
-    NodeId add(const QString& type, const QVariantMap& values = {})
-    {
-        Host::NodeRecord record;
-        record.id = graph.nodes.size() + 1;
-        record.type = "test/" + type;
-        record.name = QString::number(record.id);
-        record.values = values;
-        graph.nodes[record.id] = record;
-        return record.id;
-    }
-
-    NodeId addAfter(NodeId before, const QString& type, const QVariantMap& values = {})
-    {
-        const NodeId id = add(type, values);
-        graph.connections.push_back({before, "image", id, "image"});
-        return id;
-    }
-
-    Outcome evaluate(NodeId node)
-    {
-        return onWorker([&] {
-            return Host::evaluate(graph, nodes.types, {node, QString(), 1}, cache, Ondrel::RunStatus{&stop});
-        });
-    }
-
-    // How many nodes an evaluation computes.
-    int work(NodeId node)
-    {
-        const int before = nodes.evaluations();
-        evaluate(node);
-        return nodes.evaluations() - before;
-    }
-
-    static QByteArray bytes(const Outcome& outcome)
-    {
-        const auto& image = outcome.picture.image;
-        return image ? QByteArray(reinterpret_cast<const char*>(image->data), int(kPictureBytes)) : QByteArray();
-    }
-
-    TestNodes nodes;
-    Host::Graph graph;
-    Host::ResultCache cache{std::size_t(100) << 20};
-    int stop = 0;
-};
 
 TEST_F(Evaluation, OnlyWhatChangedIsComputedAgain)
 {
@@ -117,30 +59,31 @@ TEST_F(Evaluation, CancellingTakesEffectWithinATenthOfASecond)
     EXPECT_FALSE(outcome.picture.image);
     EXPECT_EQ(nodes.evaluations(), 2); // nothing behind it began
     stop = 0;
-    Host::Result kept;
     EXPECT_EQ(cache.bytes(), kPictureBytes + 256); // of the source alone: what was cut short is not kept
 }
 
 TEST_F(Evaluation, TheLeastRecentlyUsedResultGoesFirst)
 {
-    const auto resultOf = [](int) {
-        Host::Result result;
-        result.outputs["image"].image = std::make_shared<Ondrel::Image>(32, 24);
-        return result;
-    };
     Host::ResultCache small(3 * (kPictureBytes + 256));
-    for (int i = 0; i < 3; ++i)
-        small.insert(QByteArray::number(i), resultOf(i));
-    Host::Result found;
-    EXPECT_TRUE(small.find("0", found)); // now 1 is the oldest
-    small.insert("3", resultOf(3));
-    EXPECT_FALSE(small.find("1", found));
-    EXPECT_TRUE(small.find("0", found));
-    EXPECT_TRUE(small.find("2", found));
+    const auto insert = [&small](const std::string& key) {
+        auto result = std::make_shared<Host::Result>();
+        result->outputs["image"].image = std::make_shared<Ondrel::Image>(32, 24);
+        Host::ResultCache::Claim claim;
+        small.begin(key, 0, claim);
+        claim.finish(result, true);
+    };
+    const auto has = [&small](const std::string& key) { return small.find(key, 0).result != nullptr; };
+    for (const char* const key : {"0", "1", "2"})
+        insert(key);
+    EXPECT_TRUE(has("0")); // now 1 is the oldest
+    insert("3");
+    EXPECT_FALSE(has("1"));
+    EXPECT_TRUE(has("0"));
+    EXPECT_TRUE(has("2"));
     EXPECT_LE(small.bytes(), small.byteBudget());
     small.setByteBudget(kPictureBytes + 256);
-    EXPECT_TRUE(small.find("2", found));
-    EXPECT_FALSE(small.find("0", found));
+    EXPECT_TRUE(has("2"));
+    EXPECT_FALSE(has("0"));
     small.clear();
     EXPECT_EQ(small.bytes(), 0u);
 }

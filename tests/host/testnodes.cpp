@@ -25,6 +25,9 @@ const std::map<QString, QString> kFiles = {
             "<output><field name=\"image\">Image</field></output></node>"},
     {"slow", "<node title=\"Slow\"><input><field name=\"image\">Image</field></input>"
              "<output><field name=\"image\">Image</field></output></node>"},
+    {"hook", "<node title=\"Hook\"><input><field name=\"image\">Image</field>"
+             "<field name=\"amount\" type=\"slider\" value=\"1\">Amount</field></input>"
+             "<output><field name=\"image\">Image</field></output></node>"},
     {"fail", "<node title=\"Fail\"><input><field name=\"image\">Image</field></input>"
              "<output><field name=\"image\">Image</field></output></node>"},
     {"throw", "<node title=\"Throw\"><input><field name=\"image\">Image</field></input>"
@@ -43,13 +46,13 @@ const std::map<QString, QString> kFiles = {
     {"layers", "<node title=\"Layers\"><input/><output><field name=\"image\">Image</field></output></node>"},
 };
 
-using Work = Result (*)(const Request& request);
+using Work = std::function<Result(const Request& request)>;
 
 class Behaviour : public Host::NodeBehaviour
 {
 public:
     Behaviour(Work work, std::shared_ptr<std::atomic<int>> counter)
-        : m_work(work)
+        : m_work(std::move(work))
         , m_counter(std::move(counter))
     {
     }
@@ -150,9 +153,14 @@ TestNodes::~TestNodes()
 
 std::vector<Host::NodeEntry> TestNodes::nodes() const
 {
-    const std::pair<const char*, Work> works[] = {
-        {"Source", source},  {"Add", add},        {"Mix", mix},       {"Slow", slow},   {"Fail", fail},
-        {"Throw", throwing}, {"Number", nothing}, {"Photo", nothing}, {"All", nothing}, {"Layers", layers}};
+    const auto hooked = [this](const Request& request) {
+        const unsigned int amount = hook(request);
+        return picture([&](unsigned int i) { return sampleOf(request, "image", i) + amount; });
+    };
+    const std::pair<const char*, Work> works[] = {{"Source", source},  {"Add", add},       {"Mix", mix},
+                                                  {"Slow", slow},      {"Fail", fail},     {"Throw", throwing},
+                                                  {"Number", nothing}, {"Photo", nothing}, {"All", nothing},
+                                                  {"Hook", hooked},    {"Layers", layers}};
     std::vector<Host::NodeEntry> entries;
     for (const auto& [name, work] : works) {
         Host::NodeEntry entry;

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include <atomic>
+#include <functional>
 #include <future>
 #include <map>
 
@@ -16,6 +17,7 @@
 //   add     adds its slider "amount" to every sample of "image"
 //   mix     the mean of "a" and "b"
 //   slow    works until it is cancelled, or 10 seconds
+//   hook    asks `hook` what to add to every sample of "image"
 //   fail    reports an error; throw throws an exception
 //   number  has an output of the type "number"
 //   photo   has a resource "image"
@@ -34,6 +36,7 @@ public:
 
     Host::NodeTypes types;
     QStringList problems;
+    std::function<unsigned int(const Host::Request&)> hook; // called from several threads at once
 
 private:
     QTemporaryDir m_folder;

@@ -67,7 +67,7 @@ void Pictures::setPaused(bool paused)
         m_evaluator.cancel();
         return;
     }
-    m_evaluator.cache().clear();
+    m_evaluator.cache().beginGeneration();
     forgetAll();
     schedule();
 }

@@ -1,0 +1,119 @@
+// Work in the background, and what happens to it meanwhile.
+
+#include "editorwindow.h"
+#include "exporter.h"
+#include "gate.h"
+#include "imagepane.h"
+#include "pictures.h"
+#include "preferences.h"
+#include "scene.h"
+#include "script.h"
+#include "testnodes.h"
+
+#include <ondrel/color/colormanager.h>
+#include <ondrel/resources/resourceengine.h>
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Host;
+
+namespace
+{
+
+constexpr int kPatience = 60000; // milliseconds
+
+QByteArray otherProfile()
+{
+    std::vector<std::pair<QString, std::array<unsigned char, 32>>> profiles;
+    using Profile = Ondrel::ColorManager::ColorProfile;
+    Ondrel::ColorManager::colorProfileNamesAndHashesSorted(profiles, {Profile::RGB}, {Profile::BuiltIn});
+    for (const auto& [name, hash] : profiles) {
+        if (name.contains("ProPhoto"))
+            return QByteArray(reinterpret_cast<const char*>(hash.data()), int(hash.size()));
+    }
+    ADD_FAILURE() << "no ProPhoto RGB";
+    return QByteArray();
+}
+
+// What a node adds whose result hangs on the display.
+unsigned int displayAmount()
+{
+    return Ondrel::ColorManager::displayProfileAsHash()[0] * 16u;
+}
+
+// A window in which a source is shown, beside a hook behind it that nobody looks at.
+class ExportOverReload : public testing::Test
+{
+protected:
+    ExportOverReload()
+        : window(nodes.types)
+        , script(window, QDir(folder.path()))
+        , source(window.document().addNode("test/source", {0, 0}, "Source"))
+        , hook(window.document().addNode("test/hook", {400, 0}, "Hook"))
+    {
+        window.setAttribute(Qt::WA_DontShowOnScreen);
+        window.show();
+        EXPECT_EQ(window.document().addConnection({source, "image", hook, "image"}), QString());
+        play("show Source\nwait");
+    }
+    ~ExportOverReload() override
+    {
+        window.document().undoStack().setClean();
+        QSettings().remove("settings");
+        Ondrel::ColorManager::reload();
+    }
+
+    void play(const QString& lines) { EXPECT_TRUE(script.run(lines)) << qPrintable(script.error()); }
+
+    TestNodes nodes;
+    QTemporaryDir folder;
+    EditorWindow window;
+    Script script;
+    NodeId source, hook;
+    Gate inHook, release;
+};
+
+} // namespace
+
+// The node has looked at the display when its settings change, and is not ready yet when they hold.
+TEST_F(ExportOverReload, LeavesNothingOfTheOldDisplay)
+{
+    std::atomic<int> entries{0};
+    nodes.hook = [&](const Request&) {
+        const unsigned int amount = displayAmount();
+        if (++entries == 1) {
+            inHook.open();
+            release.pass();
+        }
+        return amount;
+    };
+    const QString file = folder.filePath("exported.png");
+    const unsigned int before = displayAmount();
+    ExportOrder order{window.document().graph(), hook, file, FileFormat::Png, {{"pngdepth", "16 bits"}}};
+    QSignalSpy exported(&window.exporter(), &Exporter::finished);
+    window.exporter().add(order);
+    inHook.pass();
+    PreferenceValues values;
+    values.displayProfile = otherProfile();
+    window.preferences().apply(values);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !window.preferences().isBusy(); }, kPatience));
+    ASSERT_NE(displayAmount(), before);
+    EXPECT_EQ(entries, 1);
+    release.open();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return exported.count() == 1; }, kPatience));
+    EXPECT_EQ(exported[0][1].toString(), QString());
+    Ondrel::Image written;
+    ASSERT_TRUE(ResourceEngine::ImportPNG(file, written));
+    const unsigned int expected = 50 * 256 + displayAmount();
+    EXPECT_EQ(written.data[0], expected);
+    EXPECT_EQ(entries, 2);
+    play("show Hook\nwait");
+    EXPECT_EQ(window.imagePane().picture().image->data[0], expected);
+    EXPECT_EQ(entries, 2) << "what the export left is of the new display";
+}
