@@ -155,9 +155,17 @@ bool CropMode::nudge(int dx, int dy)
     if (!ready() || m_drag)
         return true;
     const Rect before = m_frame;
-    showFrame(dragged(m_frame, Handle::Inside, QPointF(dx, dy), pictureSize(), m_aspect));
-    finish(tr("Move crop"), CropCommand::Nudge, before);
+    showFrame(dragged(m_frame, m_byKeys, QPointF(dx, dy), pictureSize(), m_aspect));
+    finish(m_byKeys == Handle::Inside ? tr("Move crop") : tr("Change crop"), CropCommand::Nudge, before);
     return true;
+}
+
+// The handles clockwise, then the inside.
+void CropMode::chooseHandle(int by)
+{
+    const int count = int(kHandles.size()) + 1;
+    m_byKeys = Handle((int(m_byKeys) + by + count) % count);
+    Q_EMIT requestCanvasUpdate();
 }
 
 void CropMode::giveUp()
@@ -287,6 +295,8 @@ void CropMode::viewKeyPressEvent(QKeyEvent* event)
         Q_EMIT requestCanvasZoomStep(1);
     else if (event->key() == Qt::Key_Minus)
         Q_EMIT requestCanvasZoomStep(-1);
+    else if (event->key() == Qt::Key_Space)
+        chooseHandle(event->modifiers().testFlag(Qt::ShiftModifier) ? -1 : 1);
     else
         PictureMode::viewKeyPressEvent(event);
 }
@@ -341,7 +351,7 @@ void CropMode::drawHandles(QPainter& painter) const
 {
     const QTransform toView = pictureToView();
     for (const Handle handle : kHandles) {
-        const bool active = m_drag ? m_drag->handle == handle : m_hovered == handle;
+        const bool active = m_drag ? m_drag->handle == handle : m_hovered == handle || m_byKeys == handle;
         QRectF box(0, 0, kHandleSide, kHandleSide);
         box.moveCenter(toView.map(handlePosition(m_frame, handle)));
         painter.setPen(QPen(QColor(32, 32, 32), 1));

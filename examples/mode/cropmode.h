@@ -16,8 +16,9 @@ class QRubberBand;
 // of the crop node's picture; everything on screen goes through the series that the host hands over.
 //
 // Drag a handle, or the inside, with the left button; Escape gives the drag up. The arrow keys move the frame by a
-// pixel, by ten with Shift. Plus and minus zoom, the middle button scrolls, and with the zoom tool a drag shows a part
-// of the picture as large as fits, or, with Alt, makes all that is in view fit there.
+// pixel, by ten with Shift; Space chooses a handle that they move instead, one after the other, with Shift the one
+// before. Plus and minus zoom, the middle button scrolls, and with the zoom tool a drag shows a part of the picture as
+// large as fits, or, with Alt, makes all that is in view fit there.
 class CropMode : public PictureMode
 {
     Q_OBJECT
@@ -75,6 +76,7 @@ private:
 
     std::optional<Handle> handleAt(const QPointF& viewPoint) const;
     QPolygonF outline(const Rect& frame) const;
+    void chooseHandle(int by);
     void finish(const QString& text, int kind, const Rect& before);
     void updateCursor(const QPointF& viewPoint);
     void zoomBy(const QRect& area, bool outwards);
@@ -86,6 +88,7 @@ private:
     Aspect m_aspect;
     std::optional<DragState> m_drag;
     std::optional<Handle> m_hovered;
+    Handle m_byKeys = Handle::Inside;
     bool m_zooming = false; // the zoom tool is chosen
     std::optional<QPoint> m_zoomStart;
     std::optional<QPoint> m_scrollFrom;

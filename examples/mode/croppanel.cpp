@@ -40,6 +40,7 @@ CropPanel::CropPanel(CropMode& mode, QWidget* parent)
     layout->addWidget(m_aspects);
     layout->addWidget(m_numbers);
     layout->addWidget(reset);
+    layout->addWidget(new QLabel(tr("Arrow keys: move the frame\nSpace: choose a handle"), this));
     layout->addStretch();
     connect(m_aspects, SIGNAL(currentIndexChanged(int)), this, SLOT(chooseAspect(int)));
     connect(reset, SIGNAL(clicked()), &mode, SLOT(resetFrame()));

@@ -116,6 +116,7 @@ void ModeHost::addControls()
     for (QToolButton* button : buttons) {
         button->setAutoExclusive(true);
         bar->addWidget(button);
+        takeKeys(button->shortcut());
         connect(button, &QToolButton::toggled, this, [this, button](bool on) {
             if (!on || !m_mode)
                 return;
@@ -140,6 +141,17 @@ void ModeHost::addControls()
     }
 }
 
+// Keys that the window and a button of the mode have would do neither.
+void ModeHost::takeKeys(const QKeySequence& keys)
+{
+    for (QAction* const action : m_window.findChildren<QAction*>()) {
+        if (keys.isEmpty() || !action->shortcuts().contains(keys) || action->shortcutContext() != Qt::WindowShortcut)
+            continue;
+        action->setShortcutContext(Qt::WidgetShortcut); // a menu's, which answers to its own keys while it is open
+        m_silent.push_back(action);
+    }
+}
+
 void ModeHost::leave()
 {
     if (!m_mode)
@@ -152,6 +164,10 @@ void ModeHost::leave()
         widget->deleteLater(); // a button of it may have been pressed
     }
     m_controls.clear();
+    for (const QPointer<QAction>& action : std::exchange(m_silent, {})) {
+        if (action)
+            action->setShortcutContext(Qt::WindowShortcut);
+    }
     m_mode.release()->deleteLater();
     m_node = 0;
     m_kept.clear();
@@ -225,10 +241,11 @@ void ModeHost::storeValue(size_t fieldIndex, QVariant value, Rect)
     m_storing = false;
 }
 
-// Keys that follow each other soon are one step, as a drag of the mouse is; unless there was an undo in between.
+// Keys that follow each other soon are one step, as a drag of the mouse is; unless there was an undo in between. What
+// is painted are strokes, each a step of its own.
 int ModeHost::gestureOfStep()
 {
-    if (!m_pane.view().isInKeyPress()) {
+    if (!m_pane.view().isInKeyPress() || m_mode->isPaintingMode()) {
         m_sinceKey.invalidate();
         return 0;
     }

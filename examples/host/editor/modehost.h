@@ -4,7 +4,9 @@
 
 #include <ondrel/nodes/modeinterface.h>
 
+#include <QAction>
 #include <QElapsedTimer>
+#include <QPointer>
 
 #include <map>
 #include <memory>
@@ -58,6 +60,7 @@ private Q_SLOTS:
 private:
     void wire();
     void addControls();
+    void takeKeys(const QKeySequence& keys);
     void tellAllValues();
     int gestureOfStep();
     bool comesFrom(NodeId node, NodeId shown) const;
@@ -70,10 +73,11 @@ private:
     NodeId m_node = 0;
     std::map<QString, QVariant> m_kept; // values that wait for the rest of their step
     bool m_storing = false;
-    QElapsedTimer m_sinceKey;         // the last value that came by a key
-    int m_keyStep = 0;                // the gesture of the values that come by keys one soon after the other
-    int m_undoIndex = 0;              // after the last of them
-    std::vector<QWidget*> m_controls; // the window's
+    QElapsedTimer m_sinceKey;                // the last value that came by a key
+    int m_keyStep = 0;                       // the gesture of the values that come by keys one soon after the other
+    int m_undoIndex = 0;                     // after the last of them
+    std::vector<QWidget*> m_controls;        // the window's
+    std::vector<QPointer<QAction>> m_silent; // actions of the window whose keys the mode has
 };
 
 } // namespace Host

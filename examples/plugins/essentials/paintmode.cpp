@@ -21,6 +21,8 @@ namespace
 constexpr unsigned long kStrokes = 2; // among the fields of nodes/paint.xml
 constexpr int kLargest = 2000;
 constexpr double kStep = 1.25; // of the size, with each key
+constexpr int kWay = 4;        // in pixels of the view, with each key
+constexpr int kEdge = 20;      // of the view, that the cursor does not reach
 
 } // namespace
 
@@ -38,7 +40,8 @@ void PaintMode::createDockWidgets(std::vector<QDockWidget*>& widgets)
     button->setObjectName("color");
     button->setAccessibleName(tr("Brush color"));
     button->setColor(m_color);
-    auto* const help = new QLabel(tr("[ and ]: size\nShift+[ and ]: hardness"), panel);
+    auto* const help = new QLabel(
+        tr("[ and ]: size\nShift+[ and ]: hardness\nArrow keys: move the brush\nSpace: put it down, lift it"), panel);
     auto* const layout = new QVBoxLayout(panel);
     layout->addWidget(new QLabel(tr("Color"), panel));
     layout->addWidget(button);
@@ -77,6 +80,7 @@ void PaintMode::setBrush(int size, int tenths)
 void PaintMode::giveUp()
 {
     m_points.clear();
+    m_isLowered = false;
     Q_EMIT requestCanvasUpdate();
 }
 
@@ -90,6 +94,8 @@ void PaintMode::viewMousePressEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton || !ready())
         return;
+    if (m_isLowered)
+        finishStroke();
     if (const std::optional<QPointF> point = pictureAt(event->localPos()))
         m_points = QPolygonF({*point});
     Q_EMIT requestCanvasUpdate();
@@ -98,6 +104,9 @@ void PaintMode::viewMousePressEvent(QMouseEvent* event)
 void PaintMode::viewMouseMoveEvent(QMouseEvent* event)
 {
     m_pointer = event->localPos();
+    if (m_isLowered)
+        return; // a touched mouse does not spoil what the keys paint
+    m_cursor.reset();
     const std::optional<QPointF> point = ready() && !m_points.isEmpty() ? pictureAt(event->localPos()) : std::nullopt;
     if (point)
         m_points.append(*point);
@@ -106,14 +115,70 @@ void PaintMode::viewMouseMoveEvent(QMouseEvent* event)
 
 void PaintMode::viewMouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || m_points.isEmpty())
-        return;
+    if (event->button() == Qt::LeftButton && !m_points.isEmpty() && !m_isLowered)
+        finishStroke();
+}
+
+void PaintMode::finishStroke()
+{
     QVariantList points;
     for (const QPointF& point : std::exchange(m_points, QPolygonF()))
         points.append(point);
+    m_isLowered = false;
     m_strokes.append(QVariantMap{
         {"size", m_size}, {"hardness", hardness()}, {"color", QVariant::fromValue(m_color)}, {"points", points}});
     Q_EMIT inputValueChanged(kStrokes, QVariant(m_strokes));
+}
+
+// Where the mouse has been last, or in the middle of the view, but in the picture.
+void PaintMode::placeCursor()
+{
+    if (m_cursor)
+        return;
+    const std::optional<QPointF> point = pictureAt(m_pointer.value_or(view->viewport()->rect().center()));
+    const QPointF at = point.value_or(QPointF(0, 0));
+    m_cursor = QPointF(std::clamp(at.x(), 0.0, double(pictureSize().width())),
+                       std::clamp(at.y(), 0.0, double(pictureSize().height())));
+}
+
+// Moves the canvas where the cursor would leave the view.
+void PaintMode::showCursor()
+{
+    const QPoint at = pictureToView().map(*m_cursor).toPoint();
+    const QRect room = view->viewport()->rect().adjusted(kEdge, kEdge, -kEdge, -kEdge);
+    const QPoint inside(std::clamp(at.x(), room.left(), std::max(room.left(), room.right())),
+                        std::clamp(at.y(), room.top(), std::max(room.top(), room.bottom())));
+    if (inside != at)
+        Q_EMIT requestCanvasTranslate(inside - at);
+    Q_EMIT requestCanvasUpdate();
+}
+
+bool PaintMode::nudge(int dx, int dy)
+{
+    bool isInvertible = false;
+    const QTransform toPicture = pictureToView().inverted(&isInvertible);
+    if (!ready() || !isInvertible || (!m_points.isEmpty() && !m_isLowered))
+        return true;
+    placeCursor();
+    const QPointF at = toPicture.map(pictureToView().map(*m_cursor) + QPointF(dx, dy) * kWay);
+    m_cursor = QPointF(std::clamp(at.x(), 0.0, double(pictureSize().width())),
+                       std::clamp(at.y(), 0.0, double(pictureSize().height())));
+    if (m_isLowered)
+        m_points.append(*m_cursor);
+    showCursor();
+    return true;
+}
+
+void PaintMode::lowerOrLift()
+{
+    if (m_isLowered)
+        return finishStroke();
+    if (!ready() || !m_points.isEmpty())
+        return;
+    placeCursor();
+    m_points = QPolygonF({*m_cursor});
+    m_isLowered = true;
+    showCursor();
 }
 
 void PaintMode::viewMouseLeaveEvent(QEvent*)
@@ -134,6 +199,10 @@ void PaintMode::viewKeyPressEvent(QKeyEvent* event)
         return setBrush(m_size, m_tenths - 1);
     case Qt::Key_BraceRight:
         return setBrush(m_size, m_tenths + 1);
+    case Qt::Key_Space:
+        if (!event->isAutoRepeat())
+            lowerOrLift();
+        return;
     default:
         PictureMode::viewKeyPressEvent(event);
     }
@@ -155,9 +224,25 @@ void PaintMode::draw(QPainter& painter)
         const QPolygonF line = pictureToView().map(m_points);
         line.size() == 1 ? painter.drawPoint(line.front()) : painter.drawPolyline(line);
     }
-    if (m_pointer) {
-        painter.setPen(QPen(QColor(255, 255, 255, 200), 1));
-        painter.drawEllipse(*m_pointer, brushInView(), brushInView());
+    if (m_cursor)
+        drawBrush(painter, pictureToView().map(*m_cursor));
+    else if (m_pointer)
+        drawBrush(painter, *m_pointer);
+}
+
+// With a cross for the keys, whose brush may be small and lie anywhere.
+void PaintMode::drawBrush(QPainter& painter, const QPointF& at) const
+{
+    painter.setPen(QPen(QColor(255, 255, 255, 200), 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(at, brushInView(), brushInView());
+    if (!m_cursor)
+        return;
+    const double reach = m_isLowered ? 4 : 8;
+    for (const QColor& color : {QColor(0, 0, 0, 160), QColor(255, 255, 255)}) {
+        painter.setPen(QPen(color, color.alpha() == 255 ? 1 : 3));
+        painter.drawLine(at - QPointF(reach, 0), at + QPointF(reach, 0));
+        painter.drawLine(at - QPointF(0, reach), at + QPointF(0, reach));
     }
 }
 

@@ -12,7 +12,8 @@ namespace Essentials
 {
 
 // Paints strokes with the left button. The keys [ and ] make the brush smaller and larger, with Shift softer and
-// harder; Escape gives a stroke up. Each stroke is one change of the node's value.
+// harder; Escape gives a stroke up. Without a mouse, the arrow keys move the brush by four pixels of the view, by forty
+// with Shift, and Space puts it down and lifts it. Each stroke is one change of the node's value.
 class PaintMode : public PictureMode
 {
     Q_OBJECT
@@ -33,6 +34,7 @@ public:
     QString modeName() const override;
 
 protected:
+    bool nudge(int dx, int dy) override;
     void giveUp() override;
     void draw(QPainter& painter) override;
 
@@ -45,10 +47,17 @@ private Q_SLOTS:
 private:
     void setBrush(int size, int tenths);
     double brushInView() const; // its radius
+    void placeCursor();
+    void showCursor();
+    void lowerOrLift();
+    void finishStroke();
+    void drawBrush(QPainter& painter, const QPointF& at) const;
 
-    QVariantList m_strokes; // all of the node's
-    QPolygonF m_points;     // of the stroke that is being painted, in the picture
-    std::optional<QPointF> m_pointer;
+    QVariantList m_strokes;           // all of the node's
+    QPolygonF m_points;               // of the stroke that is being painted, in the picture
+    std::optional<QPointF> m_pointer; // the mouse, in the view
+    std::optional<QPointF> m_cursor;  // what the keys move, in the picture; until the mouse moves
+    bool m_isLowered = false;         // by a key
     Ondrel::Color m_color = Ondrel::Color(65535, 52428, 0, 65535);
     int m_size = 40;
     int m_tenths = 5; // of hardness

@@ -140,7 +140,8 @@ void PerspectiveMode::viewKeyPressEvent(QKeyEvent* event)
 {
     if (event->key() != Qt::Key_Space)
         return PictureMode::viewKeyPressEvent(event);
-    m_corner = (m_corner + 1) % m_corners.size();
+    const std::size_t by = event->modifiers().testFlag(Qt::ShiftModifier) ? m_corners.size() - 1 : 1;
+    m_corner = (m_corner + by) % m_corners.size();
     Q_EMIT requestCanvasUpdate();
 }
 

@@ -9,7 +9,7 @@ namespace Essentials
 {
 
 // Moves the four corners of the node's picture. Drag one with the left button; Escape gives the drag up. Space chooses
-// a corner, which the arrow keys move by a pixel, by ten with Shift.
+// a corner, with Shift the one before, which the arrow keys move by a pixel, by ten with Shift.
 class PerspectiveMode : public PictureMode
 {
     Q_OBJECT
