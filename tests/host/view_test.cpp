@@ -219,7 +219,7 @@ TEST_F(View, ReadOutIsOfThePictureUnderThePointer)
     play("key W\nwait");
     const QLabel* readOut = nullptr;
     for (const QLabel* const label : pane().findChildren<QLabel*>()) {
-        if (label->accessibleName() == "Colour under the pointer")
+        if (label->objectName() == "readOut")
             readOut = label;
     }
     ASSERT_TRUE(readOut);

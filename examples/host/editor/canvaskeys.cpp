@@ -1,7 +1,9 @@
 #include "canvaskeys.h"
 
+#include "arrowkeys.h"
 #include "connectiondialog.h"
 #include "sceneview.h"
+#include "valuesdialog.h"
 #include "wirekeys.h"
 
 #include <QInputDialog>
@@ -21,22 +23,6 @@ namespace
 constexpr double kStep = 10;   // scene units
 constexpr int kScroll = 60;    // screen pixels
 constexpr double kAside = 2.5; // what a distance across the direction counts more than one along it
-
-QPointF directionOf(int key)
-{
-    switch (key) {
-    case Qt::Key_Left:
-        return {-1, 0};
-    case Qt::Key_Right:
-        return {1, 0};
-    case Qt::Key_Up:
-        return {0, -1};
-    case Qt::Key_Down:
-        return {0, 1};
-    default:
-        return {0, 0};
-    }
-}
 
 } // namespace
 
@@ -63,6 +49,7 @@ void CanvasKeys::addActions(QMenu& menu)
     menu.addAction(tr("&Rename..."), this, SLOT(renameSelected()), QKeySequence("F2"))->setObjectName("renameNode");
     menu.addAction(tr("C&onnections..."), this, SLOT(connectSelected()), QKeySequence("C"))
         ->setObjectName("connectNode");
+    menu.addAction(tr("&Values as text..."), this, SLOT(typeValues()), QKeySequence("V"))->setObjectName("edit.values");
 }
 
 bool CanvasKeys::eventFilter(QObject* object, QEvent* event)
@@ -84,7 +71,7 @@ bool CanvasKeys::press(const QKeyEvent& event)
     }
     if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter)
         return enter();
-    const QPointF direction = directionOf(event.key());
+    const QPointF direction = arrowDirection(event.key());
     if (direction.isNull())
         return false;
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
@@ -236,6 +223,14 @@ void CanvasKeys::renameNode(NodeId node)
     dialog.setTextValue(record->name);
     if (dialog.exec() == QDialog::Accepted)
         m_document.renameNode(record->id, uniqueName(m_document.graph(), dialog.textValue().trimmed()));
+}
+
+void CanvasKeys::typeValues()
+{
+    if (typedInputs(m_document, current()).empty())
+        return;
+    ValuesDialog dialog(m_document, current(), m_view.window());
+    dialog.exec();
 }
 
 void CanvasKeys::connectSelected()

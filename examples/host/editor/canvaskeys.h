@@ -33,6 +33,7 @@ public Q_SLOTS:
     void selectAll();
     void renameSelected();
     void connectSelected();
+    void typeValues();
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;

@@ -39,8 +39,8 @@ void CanvasMenu::fillForNode(PreviewNode& node)
     QAction* const primary = addAction(tr("Show in &view"), &m_commands, SLOT(showSelected()));
     QAction* const secondary = addAction(tr("Show as &secondary"), &m_commands, SLOT(showSelectedAsSecondary()));
     addNamed({"view.editInView", nullptr, "edit.cut", "edit.copy", "edit.duplicate", "edit.delete", nullptr,
-              "edit.bypass", "edit.replaceNode", "renameNode", "connectNode", nullptr, "edit.embedPicture",
-              "edit.savePicture", nullptr, "edit.frameNodes"});
+              "edit.bypass", "edit.replaceNode", "renameNode", "connectNode", "edit.values", nullptr,
+              "edit.embedPicture", "edit.savePicture", nullptr, "edit.frameNodes"});
     if (auto* const arrange = m_window.findChild<QMenu*>("arrange"); arrange && m_scene.selectedNodes().size() > 1)
         addMenu(arrange);
     node.displayingContextMenu(this, primary, secondary);

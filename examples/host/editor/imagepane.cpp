@@ -1,5 +1,6 @@
 #include "imagepane.h"
 
+#include "panecursor.h"
 #include "pictureitem.h"
 #include "wipehandle.h"
 
@@ -50,6 +51,13 @@ QImage firstLevel(const RenderedPicture& rendered)
     return rendered.isNull() ? QImage() : rendered.levels.front();
 }
 
+// Assistive programs read a label's name alone.
+void setText(QLabel& label, const QString& title, const QString& text)
+{
+    label.setText(text);
+    label.setAccessibleName(text.trimmed().isEmpty() ? title : title + ": " + text);
+}
+
 // The same part in both: their scenes and zooms are equal.
 void scrollTogether(QScrollBar* one, QScrollBar* other)
 {
@@ -75,9 +83,9 @@ ImagePane::ImagePane(QWidget* parent)
     m_secondScene.addItem(m_secondCanvas);
     m_view->setAccessibleName(tr("Picture"));
     m_secondView->setAccessibleName(tr("Secondary picture"));
-    m_readOut->setAccessibleName(tr("Colour under the pointer"));
-    m_zoomText->setAccessibleName(tr("Zoom"));
-    m_readOut->setText(" ");
+    m_readOut->setObjectName("readOut");
+    m_zoomText->setObjectName("zoom");
+    readOutAt(std::nullopt);
     auto* const views = new QHBoxLayout;
     views->setSpacing(kGap);
     views->addWidget(m_view, 1);
@@ -103,6 +111,7 @@ ImagePane::ImagePane(QWidget* parent)
     connect(m_wipe, SIGNAL(dragged(double)), this, SLOT(moveWipe(double)));
     connect(m_wipe, &WipeHandle::stepped, this, [this](int steps) { setWipe(m_options.wipe + steps * kWipeStep); });
     connect(&m_renderer, SIGNAL(rendered()), this, SLOT(takeRendered()));
+    new PaneCursor(*this);
 }
 
 void ImagePane::addView(CanvasView& view)
@@ -254,6 +263,13 @@ void ImagePane::setZoom(double zoom, QPoint anchor)
     Q_EMIT zoomChanged();
 }
 
+void ImagePane::scrollBy(QPoint way)
+{
+    m_fitting = m_fitting && way.isNull();
+    m_view->horizontalScrollBar()->setValue(m_view->horizontalScrollBar()->value() + way.x());
+    m_view->verticalScrollBar()->setValue(m_view->verticalScrollBar()->value() + way.y());
+}
+
 // Room around the picture in every direction, so that it can be scrolled anywhere at any zoom.
 void ImagePane::placeScene()
 {
@@ -278,7 +294,7 @@ bool ImagePane::eventFilter(QObject* object, QEvent* event)
 {
     CanvasView& view = object == m_secondView->viewport() ? *m_secondView : *m_view;
     if (event->type() == QEvent::Leave)
-        m_readOut->setText(" ");
+        readOutAt(std::nullopt);
     const bool isMove = event->type() == QEvent::MouseMove;
     if (isMove || event->type() == QEvent::MouseButtonPress) {
         const auto& mouse = *static_cast<QMouseEvent*>(event);
@@ -298,12 +314,8 @@ bool ImagePane::eventFilter(QObject* object, QEvent* event)
 
 void ImagePane::handleMouse(CanvasView& view, const QMouseEvent& event)
 {
-    if (event.buttons().testFlag(Qt::MiddleButton)) {
-        const QPoint moved = event.pos() - m_lastPosition;
-        view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->value() - moved.x());
-        view.verticalScrollBar()->setValue(view.verticalScrollBar()->value() - moved.y());
-        m_fitting = m_fitting && moved.isNull();
-    }
+    if (event.buttons().testFlag(Qt::MiddleButton))
+        scrollBy(m_lastPosition - event.pos());
     showColour(found(&view == m_secondView, view.mapToScene(event.pos())));
 }
 
@@ -320,9 +332,15 @@ ImagePane::Found ImagePane::found(bool inSecondView, QPointF scenePosition) cons
     return {&secondPicture(), QPointF(in.x() * size.width() / place.width(), in.y() * size.height() / place.height())};
 }
 
+void ImagePane::readOutAt(const std::optional<QPointF>& position)
+{
+    static const Picture none;
+    showColour(position ? found(false, *position) : Found{&none, QPointF()});
+}
+
 void ImagePane::showColour(const Found& found)
 {
-    m_readOut->setText(" ");
+    setText(*m_readOut, tr("Colour under the pointer"), " ");
     if (!found.picture->image || found.picture->fullSize.isEmpty())
         return;
     const Ondrel::Image& image = *found.picture->image;
@@ -335,22 +353,24 @@ void ImagePane::showColour(const Found& found)
     std::copy_n(pixel, 4, one.data);
     one.colorProfile = image.colorProfile;
     const std::vector<float> lab = Ondrel::ColorManager::toLab(one);
-    m_readOut->setText(tr("%1, %2   R %3  G %4  B %5  A %6   L %7  a %8  b %9")
-                           .arg(int(found.position.x()))
-                           .arg(int(found.position.y()))
-                           .arg(pixel[0])
-                           .arg(pixel[1])
-                           .arg(pixel[2])
-                           .arg(pixel[3])
-                           .arg(double(lab[0]), 0, 'f', 1)
-                           .arg(double(lab[1]), 0, 'f', 1)
-                           .arg(double(lab[2]), 0, 'f', 1));
+    setText(*m_readOut, tr("Colour under the pointer"),
+            tr("%1, %2   R %3  G %4  B %5  A %6   L %7  a %8  b %9")
+                .arg(int(found.position.x()))
+                .arg(int(found.position.y()))
+                .arg(pixel[0])
+                .arg(pixel[1])
+                .arg(pixel[2])
+                .arg(pixel[3])
+                .arg(double(lab[0]), 0, 'f', 1)
+                .arg(double(lab[1]), 0, 'f', 1)
+                .arg(double(lab[2]), 0, 'f', 1));
 }
 
 void ImagePane::showZoom()
 {
     const double percent = m_zoom * devicePixelRatioF() * 100;
-    m_zoomText->setText(m_fullSize.isEmpty() ? QString() : tr("%1 %").arg(percent, 0, 'f', percent < 10 ? 1 : 0));
+    setText(*m_zoomText, tr("Zoom"),
+            m_fullSize.isEmpty() ? QString() : tr("%1 %").arg(percent, 0, 'f', percent < 10 ? 1 : 0));
 }
 
 } // namespace Host

@@ -5,6 +5,8 @@
 #include <QGraphicsScene>
 #include <QWidget>
 
+#include <optional>
+
 class CanvasView;
 class QLabel;
 class QMouseEvent;
@@ -50,6 +52,8 @@ public Q_SLOTS:
     void fit();
     void showPixels(); // one pixel of the device for each of the picture
     void setZoom(double zoom, QPoint anchor);
+    void scrollBy(QPoint way);                              // in pixels of the view
+    void readOutAt(const std::optional<QPointF>& position); // of the scene of view(); clears it for none
 
 Q_SIGNALS:
     void zoomChanged();

@@ -126,7 +126,7 @@ void ModeHost::addControls()
     }
     if (!buttons.empty())
         buttons.front()->setChecked(true);
-    bar->addAction(tr("Done"), this, SLOT(leave()));
+    bar->widgetForAction(bar->addAction(tr("Done"), this, SLOT(leave())))->setFocusPolicy(Qt::TabFocus);
     m_window.addToolBar(bar);
     m_controls.push_back(bar);
     std::vector<QDockWidget*> docks;
