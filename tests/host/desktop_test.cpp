@@ -4,7 +4,9 @@
 
 #include <QFile>
 #include <QIcon>
+#include <QMimeDatabase>
 #include <QProcess>
+#include <QSet>
 #include <QTemporaryDir>
 
 namespace
@@ -26,6 +28,21 @@ protected:
         if (process.exitCode() != 0)
             ADD_FAILURE() << qPrintable(program) << ": " << process.readAll().constData();
         return process.exitCode();
+    }
+
+    int exitStatus(const QStringList& arguments) const
+    {
+        QProcess process;
+        process.start(installed("bin/ondrel-editor"), arguments);
+        return process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit ? process.exitCode()
+                                                                                               : -1;
+    }
+
+    static QString contentsOf(const QString& name)
+    {
+        QFile file(name);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
+        return QString::fromUtf8(file.readAll());
     }
 
     static QString source(const QString& ending)
@@ -73,6 +90,51 @@ TEST_F(Desktop, InstalledEditorFindsItsDataAndPlugins)
     script.close();
     EXPECT_EQ(run(installed("bin/ondrel-editor"), {"--script", script.fileName(), "--out", installed("")}), 0);
     EXPECT_EQ(run(installed("bin/ondrel-render"), {"--help"}), 0);
+}
+
+TEST_F(Desktop, OffersTheEditorForEveryKindOfPictureThatItReads)
+{
+    const QString text = contentsOf(source("desktop"));
+    EXPECT_TRUE(text.contains("\nExec=ondrel-editor %F\n"));
+    const int begin = text.indexOf("\nMimeType=") + 10;
+    const QStringList offered = text.mid(begin, text.indexOf('\n', begin) - begin).split(';', Qt::SkipEmptyParts);
+    EXPECT_EQ(QSet<QString>(offered.begin(), offered.end()).size(), offered.size());
+    const QString metainfo = contentsOf(source("metainfo.xml"));
+    for (const QString& type : offered) {
+        EXPECT_TRUE(type == "application/x-ondrel-project" || QMimeDatabase().mimeTypeForName(type).isValid())
+            << qPrintable(type);
+        EXPECT_TRUE(metainfo.contains("<mediatype>" + type + "</mediatype>")) << qPrintable(type);
+    }
+    for (const char* const ending :
+         {"png", "jpg", "jpeg", "tif", "tiff", "arw", "cr2", "cr3", "crw", "dcr", "dng", "k25",
+          "kdc", "mrw", "nef",  "nrw", "orf",  "pef", "raf", "rw2", "sr2", "srf", "x3f"}) {
+        const QString type =
+            QMimeDatabase().mimeTypeForFile(QString("a.") + ending, QMimeDatabase::MatchExtension).name();
+        EXPECT_TRUE(offered.contains(type)) << ending << ' ' << qPrintable(type);
+    }
+}
+
+TEST_F(Desktop, EditorOpensAProjectAndPicturesFromItsCommandLine)
+{
+    install();
+    QImage picture(7, 5, QImage::Format_RGB888);
+    picture.fill(Qt::blue);
+    ASSERT_TRUE(picture.save(installed("one.png")) && picture.save(installed("two.jpg")));
+    const auto play = [this](const char* text, const QStringList& files) {
+        QFile script(installed("script"));
+        EXPECT_TRUE(script.open(QIODevice::WriteOnly));
+        script.write(text);
+        script.close();
+        return run(installed("bin/ondrel-editor"),
+                   QStringList{"--script", script.fileName(), "--out", installed("")} + files);
+    };
+    const QString project = installed("a.ondrel");
+    const QByteArray save = "wait\nexpect nodes 2\nselect one two\nsave " + project.toUtf8();
+    ASSERT_EQ(play(save.constData(), {installed("one.png"), installed("two.jpg")}), 0);
+    EXPECT_EQ(play("wait\nexpect nodes 3\nselect one \"one 2\" two", {project, installed("one.png")}), 0);
+    EXPECT_EQ(play("wait\nexpect nodes 3", {installed("one.png"), project}), 0); // in any order
+    EXPECT_EQ(exitStatus({project, project}), 2);
+    EXPECT_EQ(exitStatus({"--no-such-option"}), 2);
 }
 
 TEST_F(Desktop, ProjectFilesHaveATypeOfTheirOwn)

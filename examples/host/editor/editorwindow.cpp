@@ -7,6 +7,7 @@
 #include "embedding.h"
 #include "exportcommands.h"
 #include "exporter.h"
+#include "fileopener.h"
 #include "histogramdock.h"
 #include "imagepane.h"
 #include "importer.h"
@@ -63,6 +64,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_exporter(new Exporter(types, m_pictures->evaluator().cache(), this))
     , m_files(new ProjectFiles(m_document, *this))
     , m_importer(new Importer(m_document, *m_scene, this))
+    , m_opener(new FileOpener(*m_files, *m_importer, *m_sceneView, this))
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
     , m_embedding(new Embedding(m_document, *m_scene, *this))
     , m_wireKeys(new WireKeys(*m_scene, *m_sceneView, *m_canvasCommands))
@@ -97,6 +99,7 @@ EditorWindow::~EditorWindow()
 {
     m_document.disconnect(this);
     m_document.undoStack().disconnect(this);
+    delete m_opener;
     delete m_importer;
     delete m_files;
     delete m_exportCommands;
@@ -113,9 +116,9 @@ EditorWindow::~EditorWindow()
 
 void EditorWindow::connectParts()
 {
-    for (QObject* const part :
-         {static_cast<QObject*>(m_files), static_cast<QObject*>(m_importer), static_cast<QObject*>(m_canvasCommands),
-          static_cast<QObject*>(m_exportCommands), static_cast<QObject*>(m_embedding)})
+    for (QObject* const part : {static_cast<QObject*>(m_files), static_cast<QObject*>(m_importer),
+                                static_cast<QObject*>(m_opener), static_cast<QObject*>(m_canvasCommands),
+                                static_cast<QObject*>(m_exportCommands), static_cast<QObject*>(m_embedding)})
         connect(part, SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(&m_preferences->device(), SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(m_scene, SIGNAL(refused(QString)), this, SLOT(showMessage(QString)));
@@ -235,7 +238,7 @@ void EditorWindow::dragEnterEvent(QDragEnterEvent* event)
         event->acceptProposedAction();
 }
 
-// A project is opened, anything else imported: where it was dropped on the canvas, or in the middle of it.
+// Pictures go where they were dropped on the canvas, or into the middle of it.
 void EditorWindow::dropEvent(QDropEvent* event)
 {
     QStringList files;
@@ -244,13 +247,9 @@ void EditorWindow::dropEvent(QDropEvent* event)
             files.append(url.toLocalFile());
     }
     event->acceptProposedAction();
-    if (files.size() == 1 && files[0].endsWith(".ondrel")) {
-        m_files->openAfterAsking(files[0]);
-        return;
-    }
     QWidget* const canvas = m_sceneView->viewport();
     const QPoint at = canvas->mapFrom(this, event->pos());
-    m_importer->import(files, m_sceneView->mapToScene(canvas->rect().contains(at) ? at : canvas->rect().center()));
+    m_opener->open(files, canvas->rect().contains(at) ? std::optional(at) : std::nullopt);
 }
 
 void EditorWindow::editInView(bool on)
@@ -267,9 +266,9 @@ void EditorWindow::editInView(bool on)
 
 bool EditorWindow::isSettled() const
 {
-    return !m_pictures->isWaiting() && !m_files->isBusy() && !m_importer->isBusy() && !m_exporter->isBusy() &&
-           !m_imagePane->isBusy() && !m_memory->isBusy() && !m_histogram->isBusy() && !m_embedding->isBusy() &&
-           !m_preferences->isBusy();
+    return !m_pictures->isWaiting() && !m_files->isBusy() && !m_importer->isBusy() && !m_opener->isBusy() &&
+           !m_exporter->isBusy() && !m_imagePane->isBusy() && !m_memory->isBusy() && !m_histogram->isBusy() &&
+           !m_embedding->isBusy() && !m_preferences->isBusy();
 }
 
 } // namespace Host

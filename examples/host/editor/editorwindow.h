@@ -14,6 +14,7 @@ class CanvasKeys;
 class Embedding;
 class ExportCommands;
 class Exporter;
+class FileOpener;
 class HistogramDock;
 class ImagePane;
 class Importer;
@@ -47,6 +48,7 @@ public:
     Pictures& pictures() { return *m_pictures; }
     ProjectFiles& files() { return *m_files; }
     Importer& importer() { return *m_importer; }
+    FileOpener& opener() { return *m_opener; }
     CanvasCommands& canvasCommands() { return *m_canvasCommands; }
     Embedding& embedding() { return *m_embedding; }
     ExportCommands& exportCommands() { return *m_exportCommands; }
@@ -85,6 +87,7 @@ private:
     Exporter* m_exporter;
     ProjectFiles* m_files;
     Importer* m_importer;
+    FileOpener* m_opener;
     CanvasCommands* m_canvasCommands;
     Embedding* m_embedding;
     WireKeys* m_wireKeys;     // the canvas's

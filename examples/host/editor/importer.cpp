@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 
+#include <memory>
 #include <new>
 
 namespace Host
@@ -38,18 +39,21 @@ Importer::Importer(Document& document, Scene& scene, QObject* parent)
 {
 }
 
-void Importer::import(const QStringList& files, QPointF at)
+void Importer::import(const QStringList& files, QPointF at, const QStringList& told)
 {
+    const auto texts = std::make_shared<QStringList>(told);
     for (const QString& file : files) {
-        m_worker.run([this, file, at]() -> std::function<void()> {
+        m_worker.run([this, file, at, texts]() -> std::function<void()> {
             bool isRaw = false;
             const Import made = importAny(file, isRaw);
-            return [this, file, made, isRaw, at] {
+            return [this, file, made, isRaw, at, texts] {
                 if (made.id.id != 0)
                     addNode(file, isRaw ? "essentials/rawimage" : "essentials/image", made.id, at);
                 const QString text = made.id.id != 0 ? made.note : tr("%1 is no image that can be read.").arg(file);
-                if (!text.isEmpty())
-                    Q_EMIT message(text);
+                if (text.isEmpty())
+                    return;
+                texts->append(text);
+                Q_EMIT message(texts->join("  "));
             };
         });
         at += QPointF(40, 40);

@@ -23,8 +23,9 @@ public:
     Importer(Document& document, Scene& scene, QObject* parent);
 
     bool isBusy() const { return m_worker.isBusy(); }
-    // The first node at the point, the others beside it. The first picture of all is shown.
-    void import(const QStringList& files, QPointF at);
+    // The first node at the point, the others beside it. The first picture of all is shown. One message has all that
+    // there is to tell of these files, behind what `told` says already.
+    void import(const QStringList& files, QPointF at, const QStringList& told = QStringList());
 
 Q_SIGNALS:
     void message(const QString& text);

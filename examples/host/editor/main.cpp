@@ -3,6 +3,7 @@
 
 #include "application.h"
 #include "editorwindow.h"
+#include "fileopener.h"
 #include "preferences.h"
 #include "projectfiles.h"
 #include "script.h"
@@ -18,6 +19,7 @@
 #include <QDir>
 #include <QIcon>
 
+#include <algorithm>
 #include <cstdio>
 
 int main(int argc, char** argv)
@@ -33,12 +35,15 @@ int main(int argc, char** argv)
     parser.setApplicationDescription("Edits pictures by graphs of nodes.");
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addPositionalArgument("project", "A project file.", "[PROJECT]");
+    parser.addPositionalArgument("project", "A project to open.", "[PROJECT]");
+    parser.addPositionalArgument("images", "Pictures to make nodes of, in that project or a new one.", "[IMAGE...]");
     parser.addOptions({{"plugins", "The folder of plug-ins (default: beside the program).", "FOLDER",
                         QDir(QCoreApplication::applicationDirPath()).filePath("plugins")},
                        {"script", "Play what is in a file, and stop.", "FILE"},
                        {"out", "Where the script's pictures go (default: here).", "FOLDER", "."}});
-    if (!parser.parse(QCoreApplication::arguments()) || parser.positionalArguments().size() > 1) {
+    const bool isParsed = parser.parse(QCoreApplication::arguments());
+    const QStringList files = parser.positionalArguments();
+    if (!isParsed || std::count_if(files.begin(), files.end(), Host::FileOpener::isProjectName) > 1) {
         const QString reason = parser.errorText().isEmpty() ? "one project at a time" : parser.errorText();
         std::fprintf(stderr, "ondrel-editor: %s\n", qUtf8Printable(reason));
         return 2;
@@ -56,13 +61,13 @@ int main(int argc, char** argv)
         if (!problems.isEmpty())
             window.showMessage(problems.join("  "));
         window.preferences().device().start();
-        if (!parser.positionalArguments().isEmpty())
-            window.files().open(parser.positionalArguments().front());
+        if (!files.isEmpty())
+            window.opener().open(files);
         if (parser.isSet("script")) {
             status = Common::playScript<Host::Script>(window, parser.value("script"), parser.value("out"));
         } else {
             window.show();
-            if (parser.positionalArguments().isEmpty())
+            if (files.isEmpty())
                 window.files().offerUnsaved();
             status = QApplication::exec();
         }

@@ -38,6 +38,7 @@ ProjectFiles::ProjectFiles(Document& document, QWidget& window)
         m_window.setEnabled(true);
         m_afterSaving = nullptr;
         Q_EMIT message(reason);
+        endOpening();
     });
 }
 
@@ -79,12 +80,24 @@ void ProjectFiles::chooseAndOpen()
 
 void ProjectFiles::openAfterAsking(const QString& file)
 {
-    if (mayLeave([this, file] { open(file); }))
-        open(file);
+    openAfterAsking(file, {});
 }
 
-void ProjectFiles::open(const QString& file)
+void ProjectFiles::openAfterAsking(const QString& file, std::function<void()> then)
 {
+    if (mayLeave([this, file, then] { open(file, then); }))
+        open(file, std::move(then));
+}
+
+void ProjectFiles::endOpening()
+{
+    if (const std::function<void()> then = std::exchange(m_afterOpening, nullptr))
+        then();
+}
+
+void ProjectFiles::open(const QString& file, std::function<void()> then)
+{
+    m_afterOpening = std::move(then);
     m_window.setEnabled(false);
     m_worker.run([this, file]() -> std::function<void()> {
         const QString autosave = recoverableAutosave(file);
@@ -141,6 +154,7 @@ void ProjectFiles::take(const Source& source, const ProjectReading& reading)
     m_window.setEnabled(true);
     if (!reading.project) {
         Q_EMIT message(reading.error);
+        endOpening();
         return;
     }
     ++m_saves; // an autosave that still waits is of what goes now
@@ -162,6 +176,7 @@ void ProjectFiles::take(const Source& source, const ProjectReading& reading)
     Q_EMIT nameChanged();
     if (!notes.isEmpty())
         Q_EMIT message(notes.join("  "));
+    endOpening();
 }
 
 // Those of the document; a project that is read brings handles of its own.

@@ -40,8 +40,11 @@ public:
     // that work on the old project goes on.
     void setStillUsed(std::function<bool()> isStillUsed) { m_isStillUsed = std::move(isStillUsed); }
 
-    // Where an autosave is newer than the file, the user is asked which of them is opened.
-    void open(const QString& file);
+    // Where an autosave is newer than the file, the user is asked which of them is opened. `then` is called when the
+    // project is open, or could not be opened.
+    void open(const QString& file, std::function<void()> then = {});
+    // Unless the user wants to keep what is open.
+    void openAfterAsking(const QString& file, std::function<void()> then);
     void save(const QString& file);
     void setAutosaveInterval(int milliseconds); // a minute at first; counted from the first change after a save
     // Offers what was being edited without ever having been saved when another process died.
@@ -77,6 +80,7 @@ private:
     void read(const Source& source);
     void take(const Source& source, const ProjectReading& reading);
     QString autosavedAs() const; // the name that the autosave of what is edited goes by; empty: there is none yet
+    void endOpening();
     void dropResources();
     Project project() const;
 
@@ -86,6 +90,7 @@ private:
     std::function<void(nlohmann::ordered_json&)> m_writeView;
     std::function<bool()> m_isStillUsed;
     std::function<void()> m_afterSaving;
+    std::function<void()> m_afterOpening;
     nlohmann::ordered_json m_view = nlohmann::ordered_json::object(); // of the file; it may hold what is not ours
     QString m_file;
     std::shared_ptr<UnsavedPlace> m_unsaved; // of a project without a file, once it has been autosaved

@@ -1,0 +1,65 @@
+#include "fileopener.h"
+
+#include "importer.h"
+#include "projectfiles.h"
+#include "sceneview.h"
+
+#include <QFile>
+
+namespace Host
+{
+namespace
+{
+
+// Projects may have any name. Blocks.
+bool beginsAsProject(const QString& name)
+{
+    constexpr int kBeginning = 80;
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) && file.read(kBeginning).contains("\"ondrel-project\"");
+}
+
+} // namespace
+
+FileOpener::FileOpener(ProjectFiles& projects, Importer& importer, SceneView& canvas, QObject* parent)
+    : QObject(parent)
+    , m_projects(projects)
+    , m_importer(importer)
+    , m_canvas(canvas)
+{
+    connect(&projects, &ProjectFiles::message, this, [this](const QString& text) { m_told.append(text); });
+}
+
+bool FileOpener::isProjectName(const QString& file)
+{
+    return file.endsWith(".ondrel", Qt::CaseInsensitive);
+}
+
+void FileOpener::open(const QStringList& files, std::optional<QPoint> at)
+{
+    m_worker.run([this, files, at]() -> std::function<void()> {
+        QStringList projects, pictures;
+        for (const QString& file : files)
+            (isProjectName(file) || beginsAsProject(file) ? projects : pictures).append(file);
+        return [this, projects, pictures, at] { openSorted(projects, pictures, at); };
+    });
+}
+
+void FileOpener::openSorted(const QStringList& projects, const QStringList& pictures, std::optional<QPoint> at)
+{
+    m_told.clear();
+    if (projects.size() > 1)
+        Q_EMIT message(tr("One project at a time can be opened."));
+    else if (projects.size() == 1)
+        m_projects.openAfterAsking(projects.front(), [this, pictures, at] { import(pictures, at); });
+    else
+        import(pictures, at);
+}
+
+void FileOpener::import(const QStringList& pictures, std::optional<QPoint> at)
+{
+    if (!pictures.isEmpty())
+        m_importer.import(pictures, m_canvas.mapToScene(at.value_or(m_canvas.viewport()->rect().center())), m_told);
+}
+
+} // namespace Host

@@ -1,0 +1,100 @@
+// What is handed over by dropping files or on the command line.
+
+#include "editorfixture.h"
+
+#include "fileopener.h"
+#include "importer.h"
+#include "projectfiles.h"
+#include "sceneview.h"
+
+using namespace Host;
+
+namespace
+{
+
+class OpeningFiles : public Editor
+{
+protected:
+    OpeningFiles()
+    {
+        play("add essentials/levels 260 0 Levels\nsave " + path("a.ondrel") + "\nkey Ctrl+N\nwait\nexpect nodes 0");
+        QImage grey(7, 5, QImage::Format_Grayscale8);
+        grey.fill(100);
+        EXPECT_TRUE(grey.save(path("grey.png")));
+        QFile bad(path("bad.jpg"));
+        EXPECT_TRUE(bad.open(QIODevice::WriteOnly));
+        bad.write("no picture");
+    }
+
+    void open(const QStringList& names)
+    {
+        QStringList files;
+        for (const QString& name : names)
+            files.append(path(name));
+        window.opener().open(files);
+        settle();
+    }
+
+    QString typeOf(const QString& name) { return id(name) ? graph().nodeByName(name)->type : QString(); }
+};
+
+} // namespace
+
+TEST_F(OpeningFiles, PicturesBecomeNodesInTheMiddleOfTheCanvas)
+{
+    window.sceneView().setPlace({1, QPointF(300, -200)});
+    open({"photo.png", "grey.png"});
+    EXPECT_EQ(graph().nodes.size(), 2u);
+    EXPECT_EQ(typeOf("photo"), "essentials/image");
+    EXPECT_EQ(typeOf("grey"), "essentials/image");
+    EXPECT_LE(QLineF(graph().nodeByName("photo")->position, QPointF(300, -200)).length(), 2);
+    EXPECT_EQ(status(), "\"grey.png\" is grey and was made a colour picture.");
+    EXPECT_TRUE(window.files().file().isEmpty());
+}
+
+TEST_F(OpeningFiles, PicturesGoIntoTheProjectThatComesWithThem)
+{
+    open({"photo.png", "a.ondrel", "grey.png"});
+    EXPECT_EQ(window.files().file(), path("a.ondrel"));
+    EXPECT_EQ(graph().nodes.size(), 4u);
+    EXPECT_TRUE(id("Levels") && id("photo") && id("photo 2") && id("grey"));
+    EXPECT_FALSE(window.document().undoStack().isClean());
+    EXPECT_EQ(window.document().undoStack().count(), 2); // one import each
+}
+
+TEST_F(OpeningFiles, WhatCannotBeReadIsNamedAndTheRestIsOpened)
+{
+    open({"bad.jpg", "photo.png", "nosuch.tif"});
+    EXPECT_EQ(graph().nodes.size(), 1u);
+    const QString bad = path("bad.jpg") + " is no image that can be read.";
+    const QString gone = path("nosuch.tif") + " is no image that can be read.";
+    EXPECT_TRUE(status() == bad + "  " + gone || status() == gone + "  " + bad) << qPrintable(status());
+}
+
+TEST_F(OpeningFiles, ProjectThatCannotBeReadIsNamedBesideThePicturesThatAre)
+{
+    QFile damaged(path("damaged.ondrel"));
+    ASSERT_TRUE(damaged.open(QIODevice::WriteOnly));
+    damaged.write("{\"format\": 5}");
+    damaged.close();
+    open({"damaged.ondrel", "grey.png"});
+    EXPECT_EQ(graph().nodes.size(), 1u);
+    EXPECT_EQ(status(), "Line 1, column 12: \"format\" is a text in quotes.  "
+                        "\"grey.png\" is grey and was made a colour picture.");
+}
+
+TEST_F(OpeningFiles, ProjectOfAnyNameIsKnownByItsBeginning)
+{
+    ASSERT_TRUE(QFile::copy(path("a.ondrel"), path("a.json")));
+    open({"a.json"});
+    EXPECT_EQ(window.files().file(), path("a.json"));
+    EXPECT_EQ(graph().nodes.size(), 2u);
+}
+
+TEST_F(OpeningFiles, TwoProjectsAreTooMany)
+{
+    ASSERT_TRUE(QFile::copy(path("a.ondrel"), path("b.ondrel")));
+    open({"a.ondrel", "b.ondrel", "photo.png"});
+    EXPECT_EQ(status(), "One project at a time can be opened.");
+    EXPECT_TRUE(graph().nodes.empty());
+}
