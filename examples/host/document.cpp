@@ -47,18 +47,6 @@ std::vector<Connection> missing(const std::vector<Connection>& wanted, std::vect
     return result;
 }
 
-// What stands in the way of a wire when its node becomes one of another kind.
-bool fits(const Graph& graph, const NodeTypes& types, const Connection& connection)
-{
-    const NodeRecord* const from = graph.node(connection.from);
-    const NodeRecord* const to = graph.node(connection.to);
-    const NodeType* const fromType = from ? types.find(from->type) : nullptr;
-    const NodeType* const toType = to ? types.find(to->type) : nullptr;
-    const OutputInfo* const output = fromType ? fromType->output(connection.output) : nullptr;
-    const InputInfo* const input = toType ? toType->input(connection.input) : nullptr;
-    return output && input && output->dataType == input->dataType;
-}
-
 } // namespace
 
 Document::Document(const NodeTypes& types, QObject* parent)

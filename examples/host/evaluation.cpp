@@ -9,9 +9,9 @@
 
 #include "blocking.h"
 #include "resultcache.h"
+#include "text.h"
 #include "values.h"
 
-#include <QCoreApplication>
 #include <QCryptographicHash>
 
 #include <atomic>
@@ -157,7 +157,7 @@ private:
         task.record = record;
         task.type = m_types.find(record->type);
         for (const Connection& connection : m_graph.connections) {
-            if (connection.to == id && m_byNode.count(connection.from) != 0)
+            if (connection.to == id && m_byNode.count(connection.from) != 0 && carries(connection))
                 task.inputs[connection.input] = {m_byNode[connection.from], connection.output};
         }
         task.key = keyOf(task);
@@ -172,6 +172,14 @@ private:
         }
         known->second->nodes.push_back(id);
         m_byNode[id] = known->second;
+    }
+
+    // Of kinds that are not loaded nothing is known: what waits for them waits for its picture.
+    bool carries(const Connection& connection) const
+    {
+        const bool areKnown = m_types.find(m_graph.nodes.at(connection.from).type) != nullptr &&
+                              m_types.find(m_graph.nodes.at(connection.to).type) != nullptr;
+        return !areKnown || fits(m_graph, m_types, connection);
     }
 
     // Everything that the result depends on, but for what has generations (see ResultCache).
@@ -322,7 +330,7 @@ private:
             return;
         if (!task.type) {
             Result unknown;
-            unknown.error = QCoreApplication::translate("Host", "There is no plug-in for this kind of node.");
+            unknown.error = Text::tr("There is no plug-in for this kind of node.");
             return task.take(std::make_shared<Result>(unknown));
         }
         Request request;
@@ -375,11 +383,11 @@ private:
         try {
             return task.type->entry.behaviour->evaluate(request);
         } catch (const std::bad_alloc&) {
-            result.error = QCoreApplication::translate("Host", "There is not enough memory.");
+            result.error = Text::tr("There is not enough memory.");
         } catch (const std::exception& exception) {
             result.error = QString::fromLocal8Bit(exception.what());
         } catch (...) {
-            result.error = QCoreApplication::translate("Host", "The plug-in failed.");
+            result.error = Text::tr("The plug-in failed.");
         }
         return result;
     }

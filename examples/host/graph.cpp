@@ -1,5 +1,6 @@
 #include "graph.h"
 
+#include "text.h"
 #include "values.h"
 
 #include <algorithm>
@@ -25,8 +26,8 @@ bool sameValues(const QVariantMap& a, const QVariantMap& b)
 QString displayOf(const QString& dataType)
 {
     if (dataType.isEmpty())
-        return "nothing";
-    return QString(QString("aeiou").contains(dataType[0]) ? "an %1" : "a %1").arg(dataType);
+        return Text::tr("nothing");
+    return (QString("aeiou").contains(dataType[0]) ? Text::tr("an %1") : Text::tr("a %1")).arg(dataType);
 }
 
 } // namespace
@@ -90,9 +91,23 @@ bool Graph::operator==(const Graph& other) const
 QVariantMap completeValues(const NodeRecord& node, const NodeType& type)
 {
     QVariantMap values = type.defaults();
-    for (auto entry = node.values.begin(); entry != node.values.end(); ++entry)
-        values.insert(entry.key(), entry.value());
+    for (auto entry = node.values.begin(); entry != node.values.end(); ++entry) {
+        const InputInfo* const input = type.input(entry.key());
+        if (!input || fitsKind(entry.value(), input->kind))
+            values.insert(entry.key(), entry.value());
+    }
     return values;
+}
+
+bool fits(const Graph& graph, const NodeTypes& types, const Connection& connection)
+{
+    const NodeRecord* const from = graph.node(connection.from);
+    const NodeRecord* const to = graph.node(connection.to);
+    const NodeType* const fromType = from ? types.find(from->type) : nullptr;
+    const NodeType* const toType = to ? types.find(to->type) : nullptr;
+    const OutputInfo* const output = fromType ? fromType->output(connection.output) : nullptr;
+    const InputInfo* const input = toType ? toType->input(connection.input) : nullptr;
+    return output && input && !input->dataType.isEmpty() && output->dataType == input->dataType;
 }
 
 QString whyNotConnect(const Graph& graph, const NodeTypes& types, const Connection& connection)
@@ -100,23 +115,23 @@ QString whyNotConnect(const Graph& graph, const NodeTypes& types, const Connecti
     const NodeRecord* const from = graph.node(connection.from);
     const NodeRecord* const to = graph.node(connection.to);
     if (!from || !to)
-        return "One of the nodes does not exist.";
+        return Text::tr("One of the nodes does not exist.");
     const NodeType* const fromType = types.find(from->type);
     const NodeType* const toType = types.find(to->type);
     if (!fromType || !toType)
-        return QString("The kind of \"%1\" is not known here.").arg(fromType ? to->name : from->name);
+        return Text::tr("The kind of \"%1\" is not known here.").arg(fromType ? to->name : from->name);
     const OutputInfo* const output = fromType->output(connection.output);
     const InputInfo* const input = toType->input(connection.input);
     if (!output)
-        return QString("\"%1\" has no output \"%2\".").arg(from->name, connection.output);
+        return Text::tr("\"%1\" has no output \"%2\".").arg(from->name, connection.output);
     if (!input || input->dataType.isEmpty())
-        return QString("\"%1\" has no input \"%2\" to connect to.").arg(to->name, connection.input);
+        return Text::tr("\"%1\" has no input \"%2\" to connect to.").arg(to->name, connection.input);
     if (input->dataType != output->dataType)
-        return QString("\"%1\" of \"%2\" takes %3, and \"%4\" gives %5.")
+        return Text::tr("\"%1\" of \"%2\" takes %3, and \"%4\" gives %5.")
             .arg(input->label, to->name, displayOf(input->dataType), from->name, displayOf(output->dataType));
     const std::vector<NodeId> behind = dependencies(graph, connection.from);
     if (std::find(behind.begin(), behind.end(), connection.to) != behind.end())
-        return QString("\"%1\" would depend on itself.").arg(to->name);
+        return Text::tr("\"%1\" would depend on itself.").arg(to->name);
     return QString();
 }
 

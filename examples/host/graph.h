@@ -58,8 +58,12 @@ struct Graph {
     bool operator==(const Graph& other) const;
 };
 
-// All values of a node, defaults filled in.
+// All values of a node. A default stands where it has none, or one that its input cannot hold.
 QVariantMap completeValues(const NodeRecord& node, const NodeType& type);
+
+// Whether both ends exist, and what comes out of one may go into the other. Projects may have connections that do not
+// fit, since plug-ins change; nothing flows through them.
+bool fits(const Graph& graph, const NodeTypes& types, const Connection& connection);
 
 // Why the connection may not be made, in a sentence for the user; empty if it may. Replacing the connection that now
 // ends at the input is no reason against it.

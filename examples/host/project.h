@@ -23,13 +23,17 @@ struct Project {
 // Of a project that was read. Either there is a project, perhaps with notes, or there is an error.
 struct ProjectReading {
     std::optional<Project> project;
-    QString error;     // a sentence, with line and column where the file is at fault
-    QStringList notes; // one sentence each: pictures and kinds of nodes that are missing, pictures that were mended
+    QString error; // a sentence, with line and column where the file is at fault
+    // One sentence each: pictures and kinds of nodes that are missing, pictures that were mended, and with line and
+    // column values and connections that do not fit the kinds of nodes that are loaded.
+    QStringList notes;
 };
 
 // A project file is JSON, told apart by {"format": "ondrel-project", "version": 1}. Whatever is not as this version
 // writes it is refused with the line and column (in bytes, from 1) of the value at fault; nodes of kinds that are not
-// loaded are taken as they are, kept in NodeRecord::unread, and written again with all they had.
+// loaded are taken as they are, kept in NodeRecord::unread, and written again with all they had. Plug-ins change:
+// connections between fields that their nodes do not have, or of different types, and values that their inputs cannot
+// hold are kept too, unused, with a note.
 //
 // Pictures are added to the store under new handles: those with a path from their files, relative paths starting from
 // `folder`; those with bytes through the store's manual mode. One that cannot be read keeps its handle, path and wires,

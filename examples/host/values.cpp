@@ -6,8 +6,10 @@
 
 #include <QPointF>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <optional>
 
 using Json = nlohmann::ordered_json;
@@ -17,6 +19,8 @@ namespace Host
 {
 namespace
 {
+
+constexpr int kProfileHashSize = 32;
 
 std::string shortest(double number)
 {
@@ -157,6 +161,14 @@ bool readMap(const Json& json, QVariant& value)
     return true;
 }
 
+bool isNumber(const QVariant& value)
+{
+    constexpr int kinds[] = {QMetaType::QString,   QMetaType::Int,   QMetaType::UInt,  QMetaType::LongLong,
+                             QMetaType::ULongLong, QMetaType::Float, QMetaType::Double};
+    bool ok = std::find(std::begin(kinds), std::end(kinds), value.userType()) != std::end(kinds);
+    return ok && std::isfinite(value.toDouble(&ok)) && ok;
+}
+
 struct Form {
     const char* name;
     bool (*read)(const Json& json, QVariant& value);
@@ -231,6 +243,27 @@ bool sameValue(const QVariant& a, const QVariant& b)
     return valueToJson(a) == valueToJson(b);
 }
 
+bool fitsKind(const QVariant& value, const QString& kind)
+{
+    if (kind == "slider")
+        return isNumber(value);
+    if (kind == "rangeslider") {
+        const auto range = value.value<RangeValue>();
+        return value.userType() == qMetaTypeId<RangeValue>() && isNumber(range.left) && isNumber(range.right);
+    }
+    if (kind == "combobox" || kind == "fieldsetcombobox")
+        return value.type() == QVariant::String;
+    if (kind == "color")
+        return value.userType() == qMetaTypeId<Ondrel::Color>();
+    if (kind == "colorprofile") {
+        const int size = value.toByteArray().size();
+        return value.type() == QVariant::ByteArray && (size == 0 || size == kProfileHashSize);
+    }
+    if (kind == "resource")
+        return value.userType() == qMetaTypeId<Ondrel::ResourceId>();
+    return !kind.isEmpty();
+}
+
 bool valueFromText(const QString& text, const QString& kind, const QStringList& choices, QVariant& value)
 {
     bool ok = true;
@@ -256,7 +289,7 @@ bool valueFromText(const QString& text, const QString& kind, const QStringList& 
             value = color;
     } else if (kind == "colorprofile") {
         const QByteArray hash = QByteArray::fromHex(text.toLatin1());
-        ok = hash.size() == 32;
+        ok = hash.size() == kProfileHashSize;
         if (ok)
             value = hash;
     } else { // hidden, or an input of a plug-in's own: as projects have it
