@@ -6,6 +6,7 @@
 #include "lcmshandles.h"
 #include "pngencoder.h"
 #include "settledprofiles.h"
+#include "text.h"
 #include "tiffpicture.h"
 
 #include <ondrel/color/colormanager.h>
@@ -118,7 +119,7 @@ FileBytes mendedPng(const Record& record, QStringList& notes)
         return {};
     FileBytes mended = encodePng(image, profileBytes(profile.get()));
     if (!mended.empty())
-        notes.append("is grey and was made a colour picture");
+        notes.append(Text::tr("\"%1\" is grey and was made a colour picture."));
     return mended;
 }
 
@@ -127,7 +128,7 @@ FileBytes turnedFile(bool wasRead, Ondrel::Image image, void* handle, int orient
     const Profile profile(handle);
     FileBytes mended = wasRead ? encodePng(turned(std::move(image), orientation), profileBytes(handle)) : FileBytes();
     if (!mended.empty())
-        notes.append("was turned upright");
+        notes.append(Text::tr("\"%1\" was turned upright."));
     return mended;
 }
 
@@ -141,7 +142,7 @@ FileBytes turnedJpeg(const Record& record, QStringList& notes)
     if (orientation.value < 2 || (!orientation.bigEndian && !mirrors))
         return {};
     if (!mirrors) {
-        notes.append("was turned upright");
+        notes.append(Text::tr("\"%1\" was turned upright."));
         return segments.withOrientation(orientation.value);
     }
     const auto unturned = std::make_shared<ResourceEngine::ImageInfo>();
@@ -170,13 +171,13 @@ FileBytes jpegWithOtherProfile(const FileBytes& file, QStringList& notes)
     const JpegSegments segments(file);
     switch (segments.components()) {
     case 1:
-        notes.append("is grey without a fitting colour profile and was given that of sRGB");
+        notes.append(Text::tr("\"%1\" is grey without a fitting colour profile and was given that of sRGB."));
         return segments.withProfile(greyProfile());
     case 3:
-        notes.append("has a colour profile that does not fit and was read as sRGB");
+        notes.append(Text::tr("\"%1\" has a colour profile that does not fit and was read as sRGB."));
         return segments.withProfile({});
     case 4:
-        notes.append("is CMYK without a fitting colour profile, so that its colours are a guess");
+        notes.append(Text::tr("\"%1\" is CMYK without a fitting colour profile, so that its colours are a guess."));
         return segments.withProfile(inkProfile());
     default:
         return {};
@@ -188,7 +189,7 @@ FileBytes otherTiff(const FileBytes& file, QStringList& notes)
     Ondrel::Image image;
     FileBytes mended = readTiffPicture(file, image) ? encodePng(image, {}) : FileBytes();
     if (!mended.empty())
-        notes = QStringList("is a TIFF of a rare kind and was read with 8 bits a colour");
+        notes = QStringList(Text::tr("\"%1\" is a TIFF of a rare kind and was read with 8 bits a colour."));
     return mended;
 }
 
@@ -240,7 +241,7 @@ Import importImage(const QString& file)
     }
     settleProfiles();
     if (!notes.isEmpty())
-        result.note = QString("\"%1\" %2.").arg(QFileInfo(file).fileName(), notes.join(", "));
+        result.note = notes.join(' ').arg(QFileInfo(file).fileName());
     return result;
 }
 

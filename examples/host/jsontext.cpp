@@ -1,5 +1,7 @@
 #include "jsontext.h"
 
+#include "text.h"
+
 #include <algorithm>
 #include <functional>
 #include <set>
@@ -73,11 +75,11 @@ QString findOddities(const std::string& text)
             const auto name = Json::parse(text.substr(token.begin, token.end - token.begin)).get<std::string>();
             if (!open.back().insert(name).second)
                 problem = withPlace(placeOf(text, token.begin),
-                                    QString("There are two values named \"%1\".").arg(QString::fromStdString(name)));
+                                    Text::tr("There are two values named \"%1\".").arg(QString::fromStdString(name)));
         } else if (first == '{' || first == '[') {
             open.emplace_back();
             if (open.size() > kMaximumDepth)
-                problem = withPlace(placeOf(text, token.begin), "The values are nested too deeply.");
+                problem = withPlace(placeOf(text, token.begin), Text::tr("The values are nested too deeply."));
         }
         return problem.isEmpty();
     });
@@ -137,7 +139,7 @@ TextPlace placeOf(const std::string& text, std::size_t offset)
 
 QString withPlace(const TextPlace& place, const QString& sentence)
 {
-    return QString("Line %1, column %2: %3").arg(place.line).arg(place.column).arg(sentence);
+    return Text::tr("Line %1, column %2: %3").arg(place.line).arg(place.column).arg(sentence);
 }
 
 QString parseJson(const std::string& text, Json& json)
@@ -148,9 +150,9 @@ QString parseJson(const std::string& text, Json& json)
     } catch (const Json::parse_error& error) {
         const std::size_t offset = std::min(std::max<std::size_t>(error.byte, 1) - 1, text.size());
         return withPlace(placeOf(text, offset),
-                         offset == text.size() ? QString("The text ends too early.") : QString("This is no JSON."));
+                         offset == text.size() ? Text::tr("The text ends too early.") : Text::tr("This is no JSON."));
     } catch (const Json::out_of_range&) {
-        return withPlace(placeOf(text, findOverflow(text)), "This number is too large.");
+        return withPlace(placeOf(text, findOverflow(text)), Text::tr("This number is too large."));
     }
     const QString problem = findOddities(text);
     if (problem.isEmpty())

@@ -1,5 +1,7 @@
 #include "nodetypes.h"
 
+#include "text.h"
+
 #include <ondrel/color/colormanager.h>
 #include <ondrel/core/color.h>
 #include <ondrel/core/platform.h>
@@ -205,9 +207,9 @@ void NodeTypes::addPlugin(const QString& pluginName, const QString& folder, cons
         type.id = pluginName + '/' + file;
         type.entry = entry;
         if (!entry.behaviour)
-            problems.append(QString("%1: the node has no behaviour").arg(type.id));
+            problems.append(Text::tr("%1: the node has no behaviour").arg(type.id));
         else if (!readFile(files.loadXmlFromFile(entry.nodeName), type))
-            problems.append(QString("%1: there is no node file, or it is damaged").arg(type.id));
+            problems.append(Text::tr("%1: there is no node file, or it is damaged").arg(type.id));
         else {
             applyEntry(type);
             m_types[type.id] = std::move(type);

@@ -1,6 +1,7 @@
 #include "pictureexport.h"
 
 #include "blocking.h"
+#include "text.h"
 
 #include <ondrel/color/colorprofiles.h>
 #include <ondrel/resources/resourceengine.h>
@@ -136,7 +137,7 @@ ExportResult exportPicture(Ondrel::Image image, FileFormat format, const QVarian
     };
     const bool written = writeTo(part, image, format, outputValues, watched);
     if (!result.stopped && !(written && putInPlace(part, fileName)))
-        result.error = QString("\"%1\" cannot be written: %2.").arg(fileName, QString::fromLocal8Bit(strerror(errno)));
+        result.error = Text::tr("\"%1\" cannot be written: %2.").arg(fileName, QString::fromLocal8Bit(strerror(errno)));
     if (result.stopped || !result.error.isEmpty())
         QFile::remove(part);
     return result;

@@ -1,4 +1,5 @@
 #include "nodetypes.h"
+#include "text.h"
 
 #include <QDir>
 #include <QPluginLoader>
@@ -14,7 +15,7 @@ QString loadOne(const QString& name, const QDir& folder, NodeTypes& types, QStri
     QPluginLoader loader(folder.absoluteFilePath(name));  // others are looked for in Qt's own folders
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint); // a missing symbol shows here, not in the middle of work
     if (loader.metaData().value("IID").toString() != OndrelNodePlugin_iid)
-        return loader.fileName().isEmpty() ? QString("there is no shared object") : QString("it is no node plug-in");
+        return loader.fileName().isEmpty() ? Text::tr("there is no shared object") : Text::tr("it is no node plug-in");
     try {
         const auto* plugin = qobject_cast<NodePlugin*>(loader.instance());
         if (!plugin)
@@ -23,7 +24,7 @@ QString loadOne(const QString& name, const QDir& folder, NodeTypes& types, QStri
     } catch (const std::exception& exception) {
         return QString::fromLocal8Bit(exception.what());
     } catch (...) {
-        return "it failed to start";
+        return Text::tr("it failed to start");
     }
     return QString();
 }
@@ -37,7 +38,7 @@ QStringList loadPlugins(const QString& folder, NodeTypes& types)
     for (const QString& name : all.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name)) {
         const QString reason = loadOne(name, QDir(all.filePath(name)), types, problems);
         if (!reason.isEmpty())
-            problems.append(QString("The plug-in \"%1\" was skipped: %2").arg(name, reason));
+            problems.append(Text::tr("The plug-in \"%1\" was skipped: %2").arg(name, reason));
     }
     return problems;
 }

@@ -2,6 +2,7 @@
 
 #include "imageimport.h"
 #include "settledprofiles.h"
+#include "text.h"
 
 #include <ondrel/resources/imagebuffer.h>
 
@@ -107,7 +108,7 @@ std::vector<std::uint32_t> addToStore(const std::vector<StoredResource>& resourc
     settleProfiles();
     for (std::size_t i = 0; i < resources.size(); ++i) {
         if (!hasSize(handles[i]))
-            notes.append(QString("The picture \"%1\" cannot be read.").arg(resources[i].path));
+            notes.append(Text::tr("The picture \"%1\" cannot be read.").arg(resources[i].path));
     }
     return handles;
 }

@@ -3,6 +3,7 @@
 #include "project.h"
 #include "projectform.h"
 #include "projectresources.h"
+#include "text.h"
 #include "values.h"
 
 #include <QDateTime>
@@ -152,7 +153,7 @@ QString saveProject(const Project& project, const QString& fileName)
     QSaveFile file(fileName);
     if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
         return QString();
-    return QString("\"%1\" cannot be saved: %2.").arg(fileName, file.errorString());
+    return Text::tr("\"%1\" cannot be saved: %2.").arg(fileName, file.errorString());
 }
 
 QString autosaveName(const QString& fileName)

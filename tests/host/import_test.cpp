@@ -368,7 +368,8 @@ TEST_F(Importing, TurnsAndGivesAProfileAtOnce)
     }
     import("old.jpg", jpegWithExif(JCS_GRAYSCALE, bigEndianExifOrientation(2)));
     EXPECT_EQ(note,
-              "\"old.jpg\" is grey without a fitting colour profile and was given that of sRGB, was turned upright.");
+              "\"old.jpg\" is grey without a fitting colour profile and was given that of sRGB. \"old.jpg\" was turned "
+              "upright.");
 }
 
 TEST_F(Importing, FilesInOrderAreTakenAsTheyAre)
