@@ -197,7 +197,7 @@ QString uniqueName(const Graph& graph, const QString& wanted)
 {
     QString name = wanted;
     for (int number = 2; graph.nodeByName(name); ++number)
-        name = QString("%1 %2").arg(wanted).arg(number);
+        name = QString("%1 %2").arg(wanted, QString::number(number));
     return name;
 }
 

@@ -108,4 +108,13 @@ TEST_F(GraphOfNodes, AChainOfManyNodesNeedsNoDeepStack)
     EXPECT_EQ(dependencies(graph, last).size(), 3000u);
 }
 
+TEST_F(GraphOfNodes, NamesAreMadeUniqueWhateverSignsTheyHave)
+{
+    for (const char* const name : {"Blur", "100%2", "%1"}) {
+        add("add", name);
+        EXPECT_EQ(uniqueName(graph, name), QString(name) + " 2");
+    }
+    EXPECT_EQ(uniqueName(graph, "%2"), "%2");
+}
+
 } // namespace
