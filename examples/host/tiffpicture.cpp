@@ -3,8 +3,11 @@
 #include <tiffio.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
+#include <iterator>
 #include <memory>
+#include <vector>
 
 namespace Host
 {
@@ -14,7 +17,8 @@ namespace
 constexpr std::uint64_t kMostPixels = std::uint64_t(1) << 28;
 
 struct MemoryFile {
-    const FileBytes& bytes;
+    const unsigned char* data;
+    std::uint64_t size;
     std::uint64_t at = 0;
 };
 
@@ -26,10 +30,10 @@ MemoryFile& fileOf(thandle_t handle)
 tmsize_t readBytes(thandle_t handle, void* target, tmsize_t size)
 {
     MemoryFile& file = fileOf(handle);
-    if (size <= 0 || file.at >= file.bytes.size())
+    if (size <= 0 || file.at >= file.size)
         return 0;
-    const std::uint64_t count = std::min(std::uint64_t(size), file.bytes.size() - file.at);
-    std::memcpy(target, file.bytes.data() + file.at, count);
+    const std::uint64_t count = std::min(std::uint64_t(size), file.size - file.at);
+    std::memcpy(target, file.data + file.at, count);
     file.at += count;
     return tmsize_t(count);
 }
@@ -42,7 +46,7 @@ tmsize_t writeNothing(thandle_t, void*, tmsize_t)
 toff_t seekTo(thandle_t handle, toff_t offset, int whence)
 {
     MemoryFile& file = fileOf(handle);
-    const std::uint64_t start = whence == SEEK_CUR ? file.at : whence == SEEK_END ? file.bytes.size() : 0;
+    const std::uint64_t start = whence == SEEK_CUR ? file.at : whence == SEEK_END ? file.size : 0;
     file.at = start + offset; // wraps for offsets below zero, as they come
     return file.at;
 }
@@ -54,12 +58,48 @@ int closeNothing(thandle_t)
 
 toff_t sizeOf(thandle_t handle)
 {
-    return fileOf(handle).bytes.size();
+    return fileOf(handle).size;
 }
 
 struct CloseTiff {
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
 };
+
+using Tiff = std::unique_ptr<TIFF, CloseTiff>;
+
+Tiff open(MemoryFile& file)
+{
+    return Tiff(
+        TIFFClientOpen("memory", "rm", &file, readBytes, writeNothing, seekTo, closeNothing, sizeOf, nullptr, nullptr));
+}
+
+bool isTiff(const unsigned char* data, std::size_t size)
+{
+    constexpr unsigned char starts[][4] = {{'I', 'I', 42, 0}, {'M', 'M', 0, 42}, {'I', 'I', 43, 0}, {'M', 'M', 0, 43}};
+    return size > sizeof(starts[0]) && std::any_of(std::begin(starts), std::end(starts), [data](const auto& start) {
+               return std::memcmp(data, start, sizeof(start)) == 0;
+           });
+}
+
+void takeLarger(TIFF* tiff, QSize& largest)
+{
+    std::uint32_t width = 0, height = 0;
+    TIFFGetField(tiff, TIFFTAG_IMAGEWIDTH, &width);
+    TIFFGetField(tiff, TIFFTAG_IMAGELENGTH, &height);
+    if (width <= INT_MAX && height <= INT_MAX &&
+        std::uint64_t(width) * height > std::uint64_t(largest.width()) * std::uint64_t(largest.height()))
+        largest = QSize(int(width), int(height));
+}
+
+// Directories below the present one.
+std::vector<std::uint64_t> below(TIFF* tiff)
+{
+    std::uint16_t count = 0;
+    const std::uint64_t* offsets = nullptr;
+    if (!TIFFGetField(tiff, TIFFTAG_SUBIFD, &count, &offsets) || !offsets)
+        return {};
+    return std::vector<std::uint64_t>(offsets, offsets + count);
+}
 
 std::uint16_t straight(std::uint32_t premultiplied, std::uint32_t alpha)
 {
@@ -71,9 +111,8 @@ std::uint16_t straight(std::uint32_t premultiplied, std::uint32_t alpha)
 
 bool readTiffPicture(const FileBytes& bytes, Ondrel::Image& image)
 {
-    MemoryFile file{bytes};
-    const std::unique_ptr<TIFF, CloseTiff> tiff(
-        TIFFClientOpen("memory", "rm", &file, readBytes, writeNothing, seekTo, closeNothing, sizeOf, nullptr, nullptr));
+    MemoryFile file{bytes.data(), bytes.size()};
+    const Tiff tiff = open(file);
     std::uint32_t width = 0, height = 0;
     std::uint16_t compression = 0;
     if (!tiff || !TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width) ||
@@ -95,6 +134,30 @@ bool readTiffPicture(const FileBytes& bytes, Ondrel::Image& image)
     }
     image = std::move(result);
     return true;
+}
+
+QSize tiffSize(const unsigned char* data, std::size_t size)
+{
+    constexpr int mostDirectories = 64; // camera files have less than ten
+    if (!isTiff(data, size))            // of which libtiff would complain on standard error
+        return QSize();
+    MemoryFile file{data, size};
+    const Tiff tiff = open(file);
+    QSize largest(0, 0);
+    std::vector<std::uint64_t> children;
+    for (int i = 0; tiff && i < mostDirectories; ++i) {
+        takeLarger(tiff.get(), largest);
+        const std::vector<std::uint64_t> found = below(tiff.get());
+        children.insert(children.end(), found.begin(), found.end());
+        if (!TIFFReadDirectory(tiff.get()))
+            break;
+    }
+    children.resize(std::min(children.size(), std::size_t(mostDirectories)));
+    for (const std::uint64_t offset : children) {
+        if (TIFFSetSubDirectory(tiff.get(), offset))
+            takeLarger(tiff.get(), largest);
+    }
+    return largest;
 }
 
 } // namespace Host

@@ -4,6 +4,8 @@
 
 #include <ondrel/core/image.h>
 
+#include <QSize>
+
 namespace Host
 {
 
@@ -12,5 +14,9 @@ namespace Host
 // False for what libtiff does not read either, for damaged files, JPEG in the form that TIFF 6.0 had and was soon
 // replaced, and above 2^28 pixels.
 bool readTiffPicture(const FileBytes& file, Ondrel::Image& image);
+
+// The size of the largest of all pictures in a TIFF file, those below others too, as its directories have it. Empty if
+// there is none.
+QSize tiffSize(const unsigned char* data, std::size_t size);
 
 } // namespace Host

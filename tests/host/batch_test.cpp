@@ -20,6 +20,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstring>
 #include <future>
 #include <map>
 #include <sys/resource.h>
@@ -389,30 +390,129 @@ TEST_F(Batch, StaysWithinTheMemoryItIsGiven)
     EXPECT_TRUE(tooLittle.errors.contains("more than --memory allows")) << qPrintable(tooLittle.errors);
 }
 
+// Grey pictures are decoded and encoded anew when they are read, which comes on top of what is computed.
+#ifndef __SANITIZE_ADDRESS__ // under which freed memory stays for a while
+TEST_F(Batch, StaysWithinTheMemoryItIsGivenWithSeveralJobs)
+{
+    QDir(folder.path()).mkpath("grey");
+    QImage grey(1600, 1200, QImage::Format_Grayscale16);
+    const Ondrel::Image noise = OndrelTest::randomImage(400, 1200, 3); // as many samples
+    for (int y = 0; y < grey.height(); ++y)
+        std::memcpy(grey.scanLine(y), noise.data + std::size_t(y) * 1600, 3200);
+    ASSERT_TRUE(grey.save(path("grey/0.png"), nullptr, 90));
+    for (int i = 1; i < 4; ++i)
+        ASSERT_TRUE(QFile::copy(path("grey/0.png"), path(QString("grey/%1.png").arg(i))));
+    const auto peak = [&](const QString& jobs, const QString& memory) {
+        int status = 0;
+        const std::size_t bytes =
+            peakOf(withDefaults({"--over", "Photo", path("grey/*.png"), "--out", path(jobs + "/{name}.tif"), "--jobs",
+                                 jobs, "--memory", memory, "--set", "Out.tiffcompression=None"}),
+                   status);
+        EXPECT_EQ(status, 0);
+        return bytes;
+    };
+    const std::size_t several = peak("4", "250M");
+    EXPECT_LE(several, std::size_t(250) << 20);
+    // There is room for one, and a little for threads that wait.
+    EXPECT_LE(several, peak("1", "250M") + (std::size_t(10) << 20));
+    EXPECT_EQ(contents("4").size(), 4u);
+    EXPECT_TRUE(contents("4") == contents("1"));
+}
+#endif
+
+// The need in MiB that a run names which has much too little.
+int needOf(const Finished& run)
+{
+    return run.errors.section("up to ", 1).section(" MiB", 0, 0).toInt();
+}
+
+TEST_F(Batch, APictureThatDoesNotFitIsNamedAndTheOthersAreMade)
+{
+    QDir(folder.path()).mkpath("mixed");
+    ASSERT_TRUE(QFile::copy(path("in/01.png"), path("mixed/small.png")));
+    makePicture("mixed/large.png", 1500, 1000, 1);
+    const Finished run = render(
+        {"--over", "Photo", path("mixed/*.png"), "--out", path("out/{name}.png"), "--jobs", "4", "--memory", "120M"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.errors.contains("mixed/large.png: It needs up to ")) << qPrintable(run.errors);
+    EXPECT_EQ(contents("out").size(), 1u);
+    const int megabytes = needOf(run);
+    EXPECT_GE(megabytes, 96 + 1500 * 1000 * 48 / (1 << 20)); // before it is read
+    EXPECT_EQ(render({"--over", "Photo", path("mixed/*.png"), "--out", path("out/{name}.png"), "--jobs", "4",
+                      "--memory", "400M"})
+                  .status,
+              0);
+}
+
+TEST_F(Batch, PicturesOfOtherNodesAreInTheEstimate)
+{
+    makePicture("other.png", 1000, 800, 1);
+    const auto need = [this] {
+        return needOf(
+            render({"--over", "Photo", path("in/01.png"), "--out", path("out/{name}.png"), "--memory", "97M"}));
+    };
+    const int without = need();
+    Json json;
+    {
+        QFile file(path("project.ondrel"));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        json = Json::parse(file.readAll().toStdString());
+    }
+    json["nodes"].push_back({{"id", "4"},
+                             {"type", "essentials/image"},
+                             {"name", "Other"},
+                             {"position", {"0", "0"}},
+                             {"bypassed", false},
+                             {"values", {{"image", {{"resource", "2"}}}}}});
+    json["resources"].push_back({{"id", "2"}, {"kind", "image"}, {"path", "other.png"}});
+    QFile file(path("project.ondrel"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(QByteArray::fromStdString(json.dump(1)));
+    file.close();
+    const int with = need();
+    EXPECT_GE(with - without, 1000 * 800 * 8 / (1 << 20)) << with;
+}
+
+TEST_F(Batch, APictureOfTheProjectThatCannotBeReadWithinTheMemoryIsAComplaint)
+{
+    makePicture("huge.png", 2000, 1500, 1);
+    makeProject("huge.ondrel", "huge.png", "2");
+    const Finished project = runAny(
+        ONDREL_RENDER, {path("huge.ondrel"), "--plugins", ONDREL_PLUGINS, "--out", path("a.png"), "--memory", "150M"});
+    EXPECT_EQ(project.status, 2);
+    EXPECT_TRUE(project.errors.contains("huge.ondrel: It needs up to ")) << qPrintable(project.errors);
+    const Finished input = render({"--input", "Photo=" + path("huge.png"), "--out", path("a.png"), "--memory", "150M"});
+    EXPECT_EQ(input.status, 2);
+    EXPECT_TRUE(input.errors.contains("huge.png\" needs up to ")) << qPrintable(input.errors);
+    EXPECT_EQ(render({"--input", "Photo=" + path("huge.png"), "--out", path("a.png"), "--memory", "500M"}).status, 0);
+}
+
 TEST(MemoryGate, NeverLetsInMoreThanItsBound)
 {
     MemoryGate gate(100);
-    EXPECT_FALSE(gate.enter(101));
+    EXPECT_FALSE(gate.change(0, 101));
     std::atomic<int> inside{0}, most{0}, entries{0};
     std::vector<std::future<void>> all;
     for (int i = 0; i < 8; ++i)
         all.push_back(std::async(std::launch::async, [&, i] {
             for (int round = 0; round < 500; ++round) {
                 const int bytes = 10 + (i * 7 + round) % 60;
-                ASSERT_TRUE(gate.enter(std::size_t(bytes)));
+                ASSERT_TRUE(gate.change(0, std::size_t(bytes)));
                 const int now = inside += bytes;
                 for (int seen = most; now > seen && !most.compare_exchange_weak(seen, now);) {
                 }
                 ++entries;
                 inside -= bytes;
-                gate.leave(std::size_t(bytes));
+                gate.change(std::size_t(bytes), 0);
             }
         }));
     for (auto& one : all)
         one.get();
     EXPECT_EQ(entries, 4000);
     EXPECT_LE(most, 100);
-    EXPECT_TRUE(gate.enter(100)); // all is free again
+    EXPECT_TRUE(gate.change(0, 100)); // all is free again
+    EXPECT_FALSE(gate.change(100, 101));
+    EXPECT_TRUE(gate.change(100, 100));
 }
 
 TEST_F(Batch, RunsUnderGnuParallelAndResumesAfterAKill)

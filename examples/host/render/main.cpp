@@ -1,6 +1,7 @@
 // Renders a project without a window.
 
 #include "application.h"
+#include "memoryneed.h"
 #include "options.h"
 #include "plan.h"
 #include "project.h"
@@ -15,6 +16,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <malloc.h>
 #include <type_traits>
 #include <unistd.h>
 
@@ -63,12 +65,25 @@ std::FILE* takeStandardOutput()
     return stream;
 }
 
+// Blocks that are freed go back to the system at once. By itself the C library keeps ever larger ones, for each thread.
+void keepNoFreedMemory()
+{
+    mallopt(M_MMAP_THRESHOLD, 256 << 10);
+    mallopt(M_TRIM_THRESHOLD, 1 << 20);
+}
+
 int run(const Options& options)
 {
     listenToSignals();
+    if (options.memory != 0)
+        keepNoFreedMemory();
     std::FILE* const out = takeStandardOutput();
     Host::NodeTypes types;
     warn(Host::loadPlugins(options.plugins.isEmpty() ? Ondrel::Platform::PluginsDirectory() : options.plugins, types));
+    const std::size_t bytes = options.memory == 0 ? 0 : kProgramBytes + bytesToRead(options.project);
+    if (bytes > options.memory)
+        return complain(QString("%1: It needs up to %2 to be read, more than --memory allows.")
+                            .arg(options.project, memoryText(bytes)));
     const Host::ProjectReading reading = Host::loadProject(options.project, types);
     if (!reading.project)
         return complain(options.project + ": " + reading.error);

@@ -13,25 +13,19 @@ public:
     {
     }
 
-    // Waits until there is room. False if there never will be.
-    bool enter(std::size_t bytes)
+    // Waits until there is room for `after` bytes in place of the `before` ones that the caller holds. False, and all
+    // is as it was, if there never will be. Of those that hold something, one at a time may wait for more.
+    bool change(std::size_t before, std::size_t after)
     {
         std::unique_lock lock(m_mutex);
         if (m_bound == 0)
             return true;
-        if (bytes > m_bound)
+        if (after > m_bound)
             return false;
-        m_changed.wait(lock, [&] { return bytes <= m_bound - m_used; });
-        m_used += bytes;
-        return true;
-    }
-
-    void leave(std::size_t bytes)
-    {
-        const std::lock_guard lock(m_mutex);
-        if (m_bound != 0)
-            m_used -= bytes;
+        m_changed.wait(lock, [&] { return after <= m_bound - (m_used - before); });
+        m_used = m_used - before + after;
         m_changed.notify_all();
+        return true;
     }
 
 private:

@@ -1,7 +1,9 @@
 #include "plan.h"
 
 #include "imageimport.h"
+#include "memoryneed.h"
 #include "pictureexport.h"
+#include "picturesize.h"
 #include "values.h"
 
 #include <ondrel/resources/resourceengine.h>
@@ -51,18 +53,23 @@ QString pictureField(const NodeRecord& node, const NodeTypes& types)
     throw Refusal{QString("\"%1\" takes no picture.").arg(node.name)};
 }
 
-QVariant addPicture(const QString& file, bool raw, QStringList& notes)
+QVariant addPicture(const QString& file, bool raw, Plan& plan, std::size_t memory)
 {
     const QString place = QFileInfo(file).absoluteFilePath();
+    const std::size_t bytes = memory == 0 ? 0 : kProgramBytes + bytesInStore(plan.stored) + bytesToImport(place);
+    if (bytes > memory)
+        throw Refusal{
+            QString("\"%1\" needs up to %2 to be read, more than --memory allows.").arg(file, memoryText(bytes))};
     const Import import = raw ? importRawImage(place) : importImage(place);
     if (import.id.id == 0)
         throw Refusal{QString("\"%1\" cannot be read as a picture.").arg(file)};
     if (!import.note.isEmpty())
-        notes.append(import.note);
+        plan.notes.append(import.note);
+    plan.stored.push_back(import.id);
     return QVariant::fromValue(import.id);
 }
 
-void apply(const Options::Setting& setting, Plan& plan, const NodeTypes& types)
+void apply(const Options::Setting& setting, Plan& plan, const NodeTypes& types, std::size_t memory)
 {
     NodeRecord& node = plan.graph.nodes.at(nodeNamed(plan.graph, setting.node));
     const NodeType& type = typeOf(node, types);
@@ -71,7 +78,7 @@ void apply(const Options::Setting& setting, Plan& plan, const NodeTypes& types)
         throw Refusal{QString("\"%1\" has no field \"%2\".").arg(setting.node, setting.field)};
     QVariant value;
     if (input->kind == "resource")
-        value = addPicture(setting.value, takesRaw(type), plan.notes);
+        value = addPicture(setting.value, takesRaw(type), plan, memory);
     else if (!valueFromText(setting.value, input->kind, input->choices, value))
         throw Refusal{QString("\"%1\" is no value for \"%2\" of \"%3\"%4.")
                           .arg(setting.value, setting.field, setting.node,
@@ -197,13 +204,14 @@ Plan makePlan(const Project& project, const NodeTypes& types, const Options& opt
 {
     Plan plan;
     plan.graph = project.graph;
+    plan.stored = resourcesOf(project.graph);
     try {
         for (const Options::Setting& setting : options.settings)
-            apply(setting, plan, types);
+            apply(setting, plan, types, options.memory);
         for (const Options::Input& input : options.inputs) {
             NodeRecord& node = plan.graph.nodes.at(nodeNamed(plan.graph, input.node));
             const QString field = pictureField(node, types);
-            node.values.insert(field, addPicture(input.file, takesRaw(typeOf(node, types)), plan.notes));
+            node.values.insert(field, addPicture(input.file, takesRaw(typeOf(node, types)), plan, options.memory));
         }
         if (!options.overGlob.isEmpty()) {
             plan.overNode = nodeNamed(plan.graph, options.overNode);

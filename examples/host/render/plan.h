@@ -21,9 +21,10 @@ struct Plan {
     Host::Graph graph;
     Host::NodeId overNode = 0;
     QString overField;
-    std::vector<Job> jobs; // of this shard
-    QStringList notes;     // on the pictures that the command line names, in sentences
-    QString error;         // why it cannot begin, in a sentence
+    std::vector<Job> jobs;                  // of this shard
+    std::vector<Ondrel::ResourceId> stored; // pictures in the store: those of the project and of the command line
+    QStringList notes;                      // on the pictures that the command line names, in sentences
+    QString error;                          // why it cannot begin, in a sentence
 };
 
 Plan makePlan(const Host::Project& project, const Host::NodeTypes& types, const Options& options);

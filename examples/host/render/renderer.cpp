@@ -3,7 +3,9 @@
 #include "evaluation.h"
 #include "imageimport.h"
 #include "memorygate.h"
+#include "memoryneed.h"
 #include "pictureexport.h"
+#include "picturesize.h"
 #include "resultcache.h"
 
 #include <ondrel/resources/resourceengine.h>
@@ -15,18 +17,14 @@
 #include <atomic>
 #include <chrono>
 #include <future>
-#include <optional>
-#include <thread>
+#include <map>
+#include <memory>
+#include <mutex>
 
 using namespace Host;
 
 namespace
 {
-
-// What the program takes without any picture, and what nodes and encoders take beside the pictures on the wires, in
-// bytes a pixel of the largest one.
-constexpr std::size_t kProgramBytes = std::size_t(96) << 20;
-constexpr std::size_t kBytesAPixel = 8, kWorkingBytesAPixel = 40;
 
 // A picture in the store, for as long as it is needed.
 class StoredPicture
@@ -52,52 +50,68 @@ private:
     Import m_import;
 };
 
-class Admission
+// The pictures that jobs have in the store, each of them once: several outputs may be made of one.
+class StoredPictures
 {
 public:
-    Admission(MemoryGate& gate, std::size_t bytes)
-        : m_gate(gate)
-        , m_bytes(bytes)
-        , m_isAdmitted(gate.enter(bytes))
+    // Null unless a job has it.
+    std::shared_ptr<StoredPicture> find(const QString& file)
     {
+        Place& place = placeOf(file);
+        const std::lock_guard lock(place.mutex);
+        return place.picture.lock();
     }
-    ~Admission()
-    {
-        if (m_isAdmitted)
-            m_gate.leave(m_bytes);
-    }
-    Admission(const Admission&) = delete;
-    Admission& operator=(const Admission&) = delete;
 
-    bool isAdmitted() const { return m_isAdmitted; }
+    std::shared_ptr<StoredPicture> get(const QString& file, bool raw)
+    {
+        Place& place = placeOf(file);
+        const std::lock_guard lock(place.mutex); // one reads the file, the others wait
+        std::shared_ptr<StoredPicture> picture = place.picture.lock();
+        if (!picture)
+            place.picture = picture = std::make_shared<StoredPicture>(file, raw);
+        return picture;
+    }
+
+private:
+    struct Place {
+        std::mutex mutex;
+        std::weak_ptr<StoredPicture> picture;
+    };
+
+    Place& placeOf(const QString& file)
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_places[file];
+    }
+
+    std::mutex m_mutex;
+    std::map<QString, Place> m_places;
+};
+
+// What a job may take, given back at its end.
+class Allowance
+{
+public:
+    explicit Allowance(MemoryGate& gate)
+        : m_gate(gate)
+    {
+    }
+    ~Allowance() { change(0); }
+    Allowance(const Allowance&) = delete;
+    Allowance& operator=(const Allowance&) = delete;
+
+    bool change(std::size_t bytes)
+    {
+        if (!m_gate.change(m_bytes, bytes))
+            return false;
+        m_bytes = bytes;
+        return true;
+    }
 
 private:
     MemoryGate& m_gate;
-    std::size_t m_bytes;
-    bool m_isAdmitted;
+    std::size_t m_bytes = 0;
 };
-
-// An upper estimate: the picture of every node on the way, and what the largest needs while it is worked on.
-std::size_t bytesFor(const Graph& graph, const NodeTypes& types, NodeId node)
-{
-    std::size_t sum = 0, largest = 0;
-    for (const NodeId id : dependencies(graph, node)) {
-        const NodeRecord* const record = graph.node(id);
-        const NodeType* const type = record ? types.find(record->type) : nullptr;
-        for (const OutputInfo& output : type ? type->outputs : std::vector<OutputInfo>()) {
-            const QSize size = fullSize(graph, types, {id, output.name, 1});
-            const std::size_t pixels = size.isEmpty() ? 0 : std::size_t(size.width()) * std::size_t(size.height());
-            sum += pixels * kBytesAPixel;
-            largest = std::max(largest, pixels);
-        }
-    }
-    return sum + largest * kWorkingBytesAPixel;
-}
-
-QString sizeText(std::size_t bytes)
-{
-    return QString("%1 MiB").arg((bytes + (std::size_t(1) << 20) - 1) >> 20);
-}
 
 QString reasonOf(const Graph& graph, const Outcome& outcome)
 {
@@ -119,7 +133,8 @@ public:
         , m_options(options)
         , m_stop(stop)
         , m_report(report)
-        , m_gate(options.memory == 0 ? 0 : std::max(options.memory, kProgramBytes + 1) - kProgramBytes)
+        , m_kept(kProgramBytes + bytesInStore(plan.stored))
+        , m_gate(options.memory == 0 ? 0 : std::max(options.memory, m_kept + 1) - m_kept)
     {
     }
 
@@ -168,29 +183,51 @@ private:
     QString make(const Job& job)
     {
         Graph graph = m_plan.graph;
-        std::optional<StoredPicture> picture;
-        if (!job.input.isEmpty()) {
-            NodeRecord& node = graph.nodes.at(m_plan.overNode);
-            const NodeType* const type = m_types.find(node.type);
-            picture.emplace(job.input, type && takesRaw(*type));
-            if (!picture->isThere())
-                return "It cannot be read as a picture.";
-            node.values.insert(m_plan.overField, QVariant::fromValue(picture->import().id));
-            if (!picture->import().note.isEmpty())
-                m_report.note(picture->import().note);
-        }
-        const std::size_t bytes = bytesFor(graph, m_types, job.outputNode) + std::size_t(QFileInfo(job.input).size());
-        const Admission admission(m_gate, bytes);
-        if (!admission.isAdmitted())
-            return QString("It needs up to %1, more than --memory allows.").arg(sizeText(kProgramBytes + bytes));
-        ResultCache nothingKept(0);
+        std::shared_ptr<StoredPicture> picture;
+        Allowance allowance(m_gate);
+        const QString reason = begin(job, graph, picture, allowance);
+        if (!reason.isEmpty() || isStopped())
+            return reason;
         const Outcome outcome =
-            evaluate(graph, m_types, {job.outputNode, QString(), 1}, nothingKept, Ondrel::RunStatus{&m_stop});
+            evaluate(graph, m_types, {job.outputNode, QString(), 1}, m_sharedOnly, Ondrel::RunStatus{&m_stop});
         if (isStopped())
             return QString();
         if (!outcome.picture.image || !outcome.errors.isEmpty())
             return reasonOf(graph, outcome);
         return write(job, graph, *outcome.picture.image);
+    }
+
+    // Reads the job's picture and waits until there is room for the rest. With a bound one job at a time: only then may
+    // it hold what it has read while it waits for more.
+    QString begin(const Job& job, Graph& graph, std::shared_ptr<StoredPicture>& picture, Allowance& allowance)
+    {
+        std::unique_lock alone(m_beginning, std::defer_lock);
+        if (m_options.memory != 0)
+            alone.lock();
+        std::size_t stored = 0;
+        if (!job.input.isEmpty()) {
+            picture = m_pictures.find(job.input);
+            const std::size_t bytes = picture || m_options.memory == 0 ? 0 : bytesToImport(job.input);
+            if (!allowance.change(bytes))
+                return tooLarge(bytes);
+            NodeRecord& node = graph.nodes.at(m_plan.overNode);
+            const NodeType* const type = m_types.find(node.type);
+            picture = m_pictures.get(job.input, type && takesRaw(*type));
+            if (!picture->isThere())
+                return "It cannot be read as a picture.";
+            const Import& import = picture->import();
+            node.values.insert(m_plan.overField, QVariant::fromValue(import.id));
+            if (!import.note.isEmpty())
+                m_report.note(import.note);
+            stored = ResourceEngine::Get().SumMemorySizes({import.id});
+        }
+        const std::size_t bytes = stored + bytesToCompute(graph, m_types, job.outputNode);
+        return allowance.change(bytes) ? QString() : tooLarge(bytes);
+    }
+
+    QString tooLarge(std::size_t bytes) const
+    {
+        return QString("It needs up to %1, more than --memory allows.").arg(memoryText(m_kept + bytes));
     }
 
     QString write(const Job& job, const Graph& graph, const Ondrel::Image& image) const
@@ -207,7 +244,11 @@ private:
     const Options& m_options;
     const int& m_stop;
     Report& m_report;
+    const std::size_t m_kept; // all the time
     MemoryGate m_gate;
+    std::mutex m_beginning;
+    StoredPictures m_pictures;
+    ResultCache m_sharedOnly{0}; // what jobs have in common while they run
     std::atomic<std::size_t> m_next{0};
 };
 
