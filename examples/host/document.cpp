@@ -26,6 +26,11 @@ std::vector<Connection> connectionsWithout(const Graph& graph, Predicate goes)
     return kept;
 }
 
+quint64 freeFrameId(const Graph& graph)
+{
+    return graph.frames.empty() ? 1 : graph.frames.rbegin()->first + 1;
+}
+
 bool contains(const Graph& graph, const Connection& connection)
 {
     return std::find(graph.connections.begin(), graph.connections.end(), connection) != graph.connections.end();
@@ -326,7 +331,7 @@ bool Document::replaceNode(NodeId id, const QString& typeId)
 
 quint64 Document::addFrame(const QString& title, const QRectF& area)
 {
-    const quint64 id = m_graph.frames.empty() ? 1 : m_graph.frames.rbegin()->first + 1;
+    const quint64 id = freeFrameId(m_graph);
     GraphChange change;
     change.frames[id] = {std::nullopt, FrameRecord{id, title, area}};
     edit(tr("Add frame"), change);
@@ -411,6 +416,11 @@ std::map<NodeId, NodeId> Document::insert(const Graph& graph, QPointF offset)
             next.embedded.insert(resource.id);
     }
     change.setEmbedded(m_graph.embedded, next.embedded);
+    for (const auto& [id, record] : graph.frames) {
+        const FrameRecord copy{freeFrameId(next), record.title, record.area.translated(offset)};
+        next.frames[copy.id] = copy;
+        change.frames[copy.id] = {std::nullopt, copy};
+    }
     edit(tr("Insert"), change);
     return ids;
 }

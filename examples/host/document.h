@@ -51,7 +51,7 @@ public:
     void setEmbedded(const std::vector<Ondrel::ResourceId>& resources, bool embedded); // as in Graph::embedded
     void replaceResource(Ondrel::ResourceId resource, Ondrel::ResourceId by);          // in the values of all nodes
     // Adds the nodes of another graph under new ids and free names, with the wires among them but those that would
-    // close a cycle or end at an input that has one; the new ids by the old.
+    // close a cycle or end at an input that has one, and its frames under new ids; the new ids of nodes by the old.
     std::map<NodeId, NodeId> insert(const Graph& graph, QPointF offset);
 
 Q_SIGNALS:

@@ -3,6 +3,7 @@
 #include "editorfixture.h"
 
 #include "canvasaccessibility.h"
+#include "clipboardgraph.h"
 #include "connectiondialog.h"
 #include "scene.h"
 #include "sceneview.h"
@@ -10,8 +11,11 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QClipboard>
 #include <QLineEdit>
 #include <QTest>
+
+#include <cmath>
 
 using namespace Host;
 
@@ -375,4 +379,99 @@ TEST_F(CanvasByKeys, AssistiveProgramsSeeWires)
     EXPECT_TRUE(QTest::qWaitFor([&] { return isOpened; }));
     window.document().removeConnection(wire("Blur", "Levels"));
     EXPECT_EQ(childNamed("Wire from Blur to Levels"), nullptr);
+}
+
+// ---- Frames and the clipboard
+
+TEST_F(CanvasByKeys, SelectedFrameIsCopiedWithWhatLiesInIt)
+{
+    connectNodes("photo", "Blur");
+    const quint64 sky = addFrame("Sky", (area("photo") | area("Blur")).adjusted(-30, -60, 30, 30));
+    const QRectF place = frame(sky).area;
+    scene().select({0, std::nullopt, sky});
+    const int count = steps();
+    play("key Ctrl+C\nkey Ctrl+V\nexpect nodes 5\nexpect wires 2");
+    EXPECT_EQ(steps(), count + 1);
+    ASSERT_EQ(graph().frames.size(), 2u);
+    EXPECT_EQ(graph().frames.rbegin()->second.title, "Sky");
+    EXPECT_EQ(graph().frames.rbegin()->second.area, place.translated(40, 40));
+    EXPECT_EQ(position("Blur 2"), position("Blur") + QPointF(40, 40));
+    undo();
+    EXPECT_EQ(graph().frames.size(), 1u);
+    play("expect nodes 3");
+}
+
+TEST_F(CanvasByKeys, FrameGoesWithAllOfItsNodesButNotWithSome)
+{
+    addFrame("Sky", (area("photo") | area("Blur")).adjusted(-30, -60, 30, 30));
+    addFrame("Empty", QRectF(-900, -900, 200, 100));
+    play("select photo\nkey Ctrl+D\nexpect nodes 4");
+    EXPECT_EQ(graph().frames.size(), 2u);
+    undo();
+    play("select photo Blur\nkey Ctrl+D\nexpect nodes 5");
+    ASSERT_EQ(graph().frames.size(), 3u);
+    EXPECT_EQ(graph().frames.rbegin()->second.title, "Sky");
+}
+
+TEST_F(CanvasByKeys, FrameIsCutWithItsNodesInOneStep)
+{
+    const quint64 sky = addFrame("Sky", (area("photo") | area("Blur")).adjusted(-30, -60, 30, 30));
+    scene().select({0, std::nullopt, sky});
+    const int count = steps();
+    play("key Ctrl+X\nexpect nodes 1");
+    EXPECT_TRUE(graph().frames.empty());
+    EXPECT_EQ(steps(), count + 1);
+    play("key Ctrl+V\nexpect nodes 3");
+    EXPECT_EQ(graph().frames.size(), 1u);
+    undo();
+    undo();
+    play("expect nodes 3");
+    EXPECT_EQ(frame(sky).title, "Sky");
+}
+
+TEST_F(CanvasByKeys, EmptyFrameIsDuplicatedAndSelected)
+{
+    const quint64 sky = addFrame("Sky", QRectF(-900, -900, 400, 300));
+    addFrame("Inner", QRectF(-850, -850, 150, 100));
+    scene().select({0, std::nullopt, sky});
+    play("key Ctrl+D\nexpect nodes 3");
+    ASSERT_EQ(graph().frames.size(), 4u) << "with the frame inside";
+    EXPECT_EQ(scene().frames().selected(), graph().frames.rbegin()->first);
+}
+
+TEST_F(CanvasByKeys, HostileFramesOnTheClipboardAreRefused)
+{
+    Graph graph;
+    graph.frames[7] = {7, "Sky", QRectF(10, 20, 300, 200)};
+    const QByteArray text = graphToText(graph);
+    ASSERT_TRUE(graphFromText(text));
+    EXPECT_EQ(graphFromText(text)->frames, graph.frames);
+    const auto with = [&](const QRectF& place) {
+        graph.frames[7].area = place;
+        return graphFromText(graphToText(graph));
+    };
+    EXPECT_FALSE(with(QRectF(10, 20, 1e300, 200)));
+    EXPECT_FALSE(with(QRectF(10, 20, 2, 200)));
+    EXPECT_FALSE(with(QRectF(10, 20, -300, 200)));
+    EXPECT_FALSE(with(QRectF(-5e6, 20, 300, 200)));
+    EXPECT_FALSE(with(QRectF(std::nan(""), 20, 300, 200)));
+    Graph far;
+    far.nodes[1].id = 1;
+    far.nodes[1].type = "essentials/levels";
+    EXPECT_TRUE(graphFromText(graphToText(far)));
+    far.nodes[1].position = QPointF(0, std::nan(""));
+    EXPECT_FALSE(graphFromText(graphToText(far)));
+    far.nodes[1].position = QPointF(-1e300, 0);
+    EXPECT_FALSE(graphFromText(graphToText(far)));
+    EXPECT_FALSE(graphFromText(QByteArray(text).replace("\"id\": \"7\"", "\"id\": 7")));
+    EXPECT_FALSE(graphFromText(QByteArray(text).replace("\"size\"", "\"girth\"")));
+    EXPECT_FALSE(graphFromText(QByteArray(text).replace("\"frames\": [", "\"frames\": [3, ")));
+    const QByteArray older = QByteArray(text).replace("\"frames\"", "\"other\"");
+    ASSERT_TRUE(graphFromText(older));
+    EXPECT_TRUE(graphFromText(older)->frames.empty());
+    graph.frames[7] = {7, QString("long\n").repeated(1000), QRectF(10, 20, 300, 200)};
+    EXPECT_EQ(graphFromText(graphToText(graph))->frames[7].title.size(), 1000);
+    QApplication::clipboard()->setText(older);
+    play("key Ctrl+V\nexpect nodes 3");
+    EXPECT_EQ(status(), "There are no nodes on the clipboard.");
 }

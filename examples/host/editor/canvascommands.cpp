@@ -13,6 +13,8 @@
 #include <QAction>
 #include <QMenu>
 
+#include <algorithm>
+
 namespace Host
 {
 
@@ -209,15 +211,25 @@ void CanvasCommands::bypassSelected()
     m_document.endStep();
 }
 
+// The selected frame is meant with all that lies in it, and selected nodes with a frame that has no others.
 Graph CanvasCommands::selectedGraph() const
 {
+    const Graph& all = m_document.graph();
+    const quint64 frame = m_scene.selectedThing().frame;
     Graph graph;
-    graph.embedded = m_document.graph().embedded;
-    for (const NodeId id : m_scene.selectedNodes())
-        graph.nodes[id] = *m_document.graph().node(id);
-    for (const Connection& connection : m_document.graph().connections) {
+    graph.embedded = all.embedded;
+    for (const NodeId id : frame != 0 ? m_scene.frames().nodesInside(frame) : m_scene.selectedNodes())
+        graph.nodes[id] = *all.node(id);
+    for (const Connection& connection : all.connections) {
         if (graph.node(connection.from) && graph.node(connection.to))
             graph.connections.push_back(connection);
+    }
+    for (const auto& [id, record] : all.frames) {
+        const std::vector<NodeId> inside = m_scene.frames().nodesInside(id);
+        const bool isTaken = std::all_of(inside.begin(), inside.end(), [&](NodeId each) { return graph.node(each); });
+        const bool isMeant = frame != 0 ? all.frames.at(frame).area.contains(record.area) : !inside.empty();
+        if (isTaken && isMeant)
+            graph.frames[id] = record;
     }
     return graph;
 }
@@ -225,15 +237,24 @@ Graph CanvasCommands::selectedGraph() const
 void CanvasCommands::copySelected()
 {
     const Graph graph = selectedGraph();
-    if (graph.nodes.empty())
-        return;
-    putOnClipboard(graph);
+    if (!graph.nodes.empty() || !graph.frames.empty())
+        putOnClipboard(graph);
 }
 
 void CanvasCommands::cutSelected()
 {
-    copySelected();
-    deleteSelected();
+    const Graph graph = selectedGraph();
+    if (graph.nodes.empty() && graph.frames.empty())
+        return;
+    putOnClipboard(graph);
+    std::vector<NodeId> nodes;
+    for (const auto& [id, record] : graph.nodes)
+        nodes.push_back(id);
+    m_document.beginStep(tr("Cut"));
+    m_document.removeNodes(nodes);
+    for (const auto& [id, record] : graph.frames)
+        m_document.removeFrame(id);
+    m_document.endStep();
 }
 
 void CanvasCommands::paste()
@@ -251,12 +272,15 @@ void CanvasCommands::duplicateSelected()
     insertAndSelect(selectedGraph());
 }
 
+// Of frames without nodes, the last.
 void CanvasCommands::insertAndSelect(const Graph& graph)
 {
     std::vector<NodeId> made;
     for (const auto& [from, to] : m_document.insert(graph, QPointF(40, 40)))
         made.push_back(to);
     m_scene.selectNodes(made);
+    if (made.empty() && !graph.frames.empty())
+        m_scene.select({0, std::nullopt, m_document.graph().frames.rbegin()->first});
 }
 
 void CanvasCommands::showSelected()

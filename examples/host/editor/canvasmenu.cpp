@@ -62,7 +62,7 @@ void CanvasMenu::fillForFrame(quint64 id)
     addAction(tr("&Select nodes inside"), this, [this, id] {
         m_scene.selectNodes(m_scene.frames().nodesInside(id));
     })->setObjectName("selectFrameNodes");
-    addNamed({nullptr, "edit.delete"});
+    addNamed({nullptr, "edit.cut", "edit.copy", "edit.duplicate", "edit.delete"});
 }
 
 void CanvasMenu::fillForCanvas(QPointF at)

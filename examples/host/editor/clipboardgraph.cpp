@@ -1,5 +1,6 @@
 #include "clipboardgraph.h"
 
+#include "frameitem.h"
 #include "values.h"
 
 #include <ondrel/resources/resourceid.h>
@@ -10,6 +11,8 @@
 #include <QMimeData>
 #include <QUuid>
 
+#include <cmath>
+
 using Json = nlohmann::ordered_json;
 
 namespace Host
@@ -17,12 +20,20 @@ namespace Host
 namespace
 {
 
+constexpr double kFarthest = 1e6; // scene units
+constexpr int kLongestTitle = 1000;
 const char* const kClipboardType = "application/x-ondrel-nodes+json";
 
 QString textIn(const Json& object, const char* key)
 {
     const auto found = object.find(key);
     return found != object.end() && found->is_string() ? QString::fromStdString(found->get<std::string>()) : QString();
+}
+
+// False also for what is no number.
+bool isOnCanvas(const QPointF& point)
+{
+    return std::abs(point.x()) <= kFarthest && std::abs(point.y()) <= kFarthest;
 }
 
 std::optional<NodeRecord> readNode(const Json& json)
@@ -40,7 +51,43 @@ std::optional<NodeRecord> readNode(const Json& json)
     const auto bypassed = json.find("bypassed");
     record.bypassed = bypassed != json.end() && bypassed->is_boolean() && bypassed->get<bool>();
     record.unread = QJsonDocument::fromJson(QByteArray::fromStdString(textIn(json, "unread").toStdString())).object();
-    return record.id != 0 && !record.type.isEmpty() ? std::optional(record) : std::nullopt;
+    const bool isUsable = record.id != 0 && !record.type.isEmpty() && isOnCanvas(record.position);
+    return isUsable ? std::optional(record) : std::nullopt;
+}
+
+// Of a size at which the canvas can show it.
+std::optional<FrameRecord> readFrame(const Json& json)
+{
+    FrameRecord record;
+    QVariant corner, size;
+    if (!json.is_object() || !json.contains("corner") || !json.contains("size") ||
+        !valueFromJson(json["corner"], corner) || !valueFromJson(json["size"], size))
+        return std::nullopt;
+    record.id = textIn(json, "id").toULongLong();
+    record.title = textIn(json, "title").simplified().left(kLongestTitle);
+    record.area = QRectF(corner.toPointF(), QSizeF(size.toPointF().x(), size.toPointF().y()));
+    const QSizeF least = FrameItem::leastSize();
+    const bool isLargeEnough = record.area.width() >= least.width() && record.area.height() >= least.height();
+    const bool isUsable =
+        record.id != 0 && isLargeEnough && isOnCanvas(record.area.topLeft()) && isOnCanvas(record.area.bottomRight());
+    return isUsable ? std::optional(record) : std::nullopt;
+}
+
+// False if there are damaged ones; none at all is no damage.
+bool readFrames(const Json& json, Graph& graph)
+{
+    const auto frames = json.find("frames");
+    if (frames == json.end())
+        return true;
+    if (!frames->is_array())
+        return false;
+    for (const Json& each : *frames) {
+        const std::optional<FrameRecord> record = readFrame(each);
+        if (!record)
+            return false;
+        graph.frames[record->id] = *record;
+    }
+    return true;
 }
 
 const std::string& thisProcess()
@@ -61,7 +108,7 @@ NodeRecord withoutResources(NodeRecord record)
 
 QByteArray graphToText(const Graph& graph)
 {
-    Json nodes = Json::array(), connections = Json::array();
+    Json nodes = Json::array(), connections = Json::array(), frames = Json::array();
     for (const auto& [id, record] : graph.nodes)
         nodes.push_back({{"id", std::to_string(id)},
                          {"type", record.type.toStdString()},
@@ -78,11 +125,17 @@ QByteArray graphToText(const Graph& graph)
     Json embedded = Json::array();
     for (const std::uint32_t handle : graph.embedded)
         embedded.push_back(handle);
+    for (const auto& [id, record] : graph.frames)
+        frames.push_back({{"id", std::to_string(id)},
+                          {"title", record.title.toStdString()},
+                          {"corner", valueToJson(record.area.topLeft())},
+                          {"size", valueToJson(QPointF(record.area.width(), record.area.height()))}});
     return QByteArray::fromStdString(Json{
         {"ondrel nodes", 1},
         {"process", thisProcess()},
         {"nodes", nodes},
         {"connections", connections},
+        {"frames", frames},
         {"embedded", embedded}}.dump(1));
 }
 
@@ -114,7 +167,7 @@ std::optional<Graph> graphFromText(const QByteArray& text)
                 graph.embedded.insert(each.get<std::uint32_t>());
         }
     }
-    return graph;
+    return readFrames(json, graph) ? std::optional(graph) : std::nullopt;
 }
 
 void putOnClipboard(const Graph& graph)
@@ -131,7 +184,9 @@ std::optional<Graph> graphOnClipboard()
     const QMimeData* const data = QApplication::clipboard()->mimeData();
     if (!data)
         return std::nullopt;
-    return graphFromText(data->hasFormat(kClipboardType) ? data->data(kClipboardType) : data->text().toUtf8());
+    const std::optional<Graph> graph =
+        graphFromText(data->hasFormat(kClipboardType) ? data->data(kClipboardType) : data->text().toUtf8());
+    return graph && (!graph->nodes.empty() || !graph->frames.empty()) ? graph : std::nullopt;
 }
 
 } // namespace Host

@@ -7,7 +7,7 @@
 namespace Host
 {
 
-// Nodes with their values and the wires among them as JSON text, for the clipboard. Resources keep the handles of this
+// Nodes with their values, the wires among them, and frames as JSON text, for the clipboard. Resources keep the handles of this
 // process, and are left out of what another one reads.
 QByteArray graphToText(const Graph& graph);
 
@@ -16,6 +16,6 @@ std::optional<Graph> graphFromText(const QByteArray& text);
 
 // User-interface thread only.
 void putOnClipboard(const Graph& graph);
-std::optional<Graph> graphOnClipboard(); // none if it has no nodes
+std::optional<Graph> graphOnClipboard(); // none if there are no nodes and no frames
 
 } // namespace Host

@@ -23,6 +23,7 @@
 #include "sceneview.h"
 #include "shortcuts.h"
 #include "viewmenu.h"
+#include "windowlayout.h"
 #include "wirekeys.h"
 
 #include <QAction>
@@ -90,6 +91,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     addEditMenu();
     addViewMenu();
     m_shortcuts->takeMenus(*menuBar());
+    m_layout = new WindowLayout(*this, *splitter, *findChild<QAction*>("view.overview"));
     connectParts();
     updateTitle();
 }
@@ -208,6 +210,11 @@ void EditorWindow::updateTitle()
     setWindowTitle(QString("%1%2 - Ondrel").arg(m_document.undoStack().isClean() ? "" : "*", name));
 }
 
+void EditorWindow::restoreLayout()
+{
+    m_layout->restore();
+}
+
 void EditorWindow::showMessage(const QString& text)
 {
     statusBar()->showMessage(text, kMessageTime);
@@ -216,8 +223,10 @@ void EditorWindow::showMessage(const QString& text)
 void EditorWindow::closeEvent(QCloseEvent* event)
 {
     event->setAccepted(mayEndExports() && m_files->mayLeave([this] { close(); }));
-    if (event->isAccepted())
-        m_files->leave();
+    if (!event->isAccepted())
+        return;
+    m_layout->keep();
+    m_files->leave();
 }
 
 bool EditorWindow::mayEndExports()

@@ -28,6 +28,7 @@ class ProjectView;
 class Scene;
 class SceneView;
 class Shortcuts;
+class WindowLayout;
 class WireKeys;
 
 // The window: the canvas of nodes, the picture of the node that carries the primary emblem, and the menus of what is
@@ -54,6 +55,8 @@ public:
     ExportCommands& exportCommands() { return *m_exportCommands; }
     Preferences& preferences() { return *m_preferences; }
     Shortcuts& shortcuts() { return *m_shortcuts; }
+
+    void restoreLayout(); // that of the last window that was closed
 
     bool isSettled() const; // no picture and no file is waited for
 
@@ -98,6 +101,7 @@ private:
     ExportCommands* m_exportCommands;
     Preferences* m_preferences;
     Shortcuts* m_shortcuts;
+    WindowLayout* m_layout = nullptr;
     QAction* m_editInView = nullptr; // the window's
 };
 

@@ -66,6 +66,7 @@ int main(int argc, char** argv)
         if (parser.isSet("script")) {
             status = Common::playScript<Host::Script>(window, parser.value("script"), parser.value("out"));
         } else {
+            window.restoreLayout();
             window.show();
             if (files.isEmpty())
                 window.files().offerUnsaved();
