@@ -544,8 +544,9 @@ TransformGraph transformGraph(const Graph& graph, const NodeTypes& types)
         if (type && record.bypassed)
             node.maps = passingMaps(record, *type, inputs[id]);
         else if (type)
-            node.maps =
-                asked([&] { return type->entry.behaviour->transformMaps(completeValues(record, *type), inputs[id]); });
+            node.maps = asked([&, id = id, &record = record] {
+                return type->entry.behaviour->transformMaps(completeValues(record, *type), inputs[id]);
+            });
         result.addNode(node);
     }
     for (const Connection& connection : graph.connections)
