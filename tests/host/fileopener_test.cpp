@@ -5,6 +5,7 @@
 #include "fileopener.h"
 #include "importer.h"
 #include "projectfiles.h"
+#include "scene.h"
 #include "sceneview.h"
 
 using namespace Host;
@@ -40,16 +41,35 @@ protected:
 
 } // namespace
 
-TEST_F(OpeningFiles, PicturesBecomeNodesInTheMiddleOfTheCanvas)
+TEST_F(OpeningFiles, PicturesBecomeNodesInRowsAndAreAllShown)
 {
     window.sceneView().setPlace({1, QPointF(300, -200)});
-    open({"photo.png", "grey.png"});
-    EXPECT_EQ(graph().nodes.size(), 2u);
+    ASSERT_TRUE(QFile::copy(path("photo.png"), path("b.png")) && QFile::copy(path("photo.png"), path("c.png")));
+    open({"photo.png", "grey.png", "b.png", "c.png"});
+    EXPECT_EQ(graph().nodes.size(), 4u);
     EXPECT_EQ(typeOf("photo"), "essentials/image");
     EXPECT_EQ(typeOf("grey"), "essentials/image");
-    EXPECT_LE(QLineF(graph().nodeByName("photo")->position, QPointF(300, -200)).length(), 2);
+    const QPointF first(300, -200);
+    EXPECT_EQ(graph().nodeByName("photo")->position, first);
+    EXPECT_EQ(graph().nodeByName("grey")->position, first + QPointF(320, 0));
+    EXPECT_EQ(graph().nodeByName("b")->position, first + QPointF(0, 420));
+    EXPECT_EQ(graph().nodeByName("c")->position, first + QPointF(320, 420));
     EXPECT_EQ(status(), "\"grey.png\" is grey and was made a colour picture.");
     EXPECT_TRUE(window.files().file().isEmpty());
+    const QRectF seen = window.sceneView().mapToScene(window.sceneView().viewport()->rect()).boundingRect();
+    for (const char* const name : {"photo", "grey", "b", "c"}) {
+        const PreviewNode& node = *window.scene().item(id(name));
+        EXPECT_TRUE(seen.contains(node.mapRectToScene(node.rect()))) << name; // with its picture
+    }
+}
+
+TEST_F(OpeningFiles, PicturesWithAPlaceGoThereAndTheCanvasStays)
+{
+    window.sceneView().setPlace({0.5, QPointF(0, 0)});
+    window.opener().open({path("photo.png")}, QPoint(20, 30));
+    settle();
+    EXPECT_EQ(graph().nodeByName("photo")->position, window.sceneView().mapToScene(QPoint(20, 30)));
+    EXPECT_TRUE(window.sceneView().place() == (CanvasPlace{0.5, QPointF(0, 0)}));
 }
 
 TEST_F(OpeningFiles, PicturesGoIntoTheProjectThatComesWithThem)
@@ -60,6 +80,8 @@ TEST_F(OpeningFiles, PicturesGoIntoTheProjectThatComesWithThem)
     EXPECT_TRUE(id("Levels") && id("photo") && id("photo 2") && id("grey"));
     EXPECT_FALSE(window.document().undoStack().isClean());
     EXPECT_EQ(window.document().undoStack().count(), 2); // one import each
+    for (const char* const name : {"photo 2", "grey"})   // below what was there
+        EXPECT_GE(graph().nodeByName(name)->position.y(), window.scene().item(id("Levels"))->rect().bottom());
 }
 
 TEST_F(OpeningFiles, WhatCannotBeReadIsNamedAndTheRestIsOpened)

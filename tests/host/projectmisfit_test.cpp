@@ -2,7 +2,9 @@
 
 #include "testnodes.h"
 
+#include <evaluation.h>
 #include <project.h>
+#include <resultcache.h>
 #include <values.h>
 
 #include <ondrel/core/color.h>
@@ -170,7 +172,16 @@ TEST_F(MisfittingProject, NothingFlowsThroughAConnectionOfAnotherType)
               "Line 7, column 1: \"Image\" of \"N3\" takes an image, and \"N2\" gives a number. The "
               "connection is kept unused.");
     EXPECT_TRUE(onWorker([&] { return writeProject(*reading.project, "/"); }) == laidOut(text));
-    EXPECT_FALSE(fits(reading.project->graph, nodes.types, reading.project->graph.connections.front()));
+    const Host::Graph& graph = reading.project->graph;
+    EXPECT_FALSE(fits(graph, nodes.types, graph.connections.front()));
+    Host::ResultCache cache(std::size_t(1) << 20);
+    const int before = nodes.evaluations();
+    const Host::Outcome outcome = onWorker([&] {
+        return evaluate(graph, nodes.types, {3, QString(), 1}, cache, Ondrel::RunStatus());
+    });
+    EXPECT_EQ(nodes.evaluations() - before, 1); // the sum alone
+    ASSERT_TRUE(outcome.picture.image);
+    EXPECT_EQ(outcome.picture.image->data[0], 1);
 }
 
 TEST_F(MisfittingProject, OnlyTheFirstOfManyAreToldByTheirPlaces)

@@ -65,7 +65,7 @@ EditorWindow::EditorWindow(const NodeTypes& types, QWidget* parent)
     , m_exporter(new Exporter(types, m_pictures->evaluator().cache(), this))
     , m_files(new ProjectFiles(m_document, *this))
     , m_importer(new Importer(m_document, *m_scene, this))
-    , m_opener(new FileOpener(*m_files, *m_importer, *m_sceneView, this))
+    , m_opener(new FileOpener(*m_files, *m_importer, *m_scene, *m_sceneView, this))
     , m_canvasCommands(new CanvasCommands(m_document, *m_scene, *m_sceneView, *this))
     , m_embedding(new Embedding(m_document, *m_scene, *this))
     , m_wireKeys(new WireKeys(*m_scene, *m_sceneView, *m_canvasCommands))
@@ -247,7 +247,7 @@ void EditorWindow::dragEnterEvent(QDragEnterEvent* event)
         event->acceptProposedAction();
 }
 
-// Pictures go where they were dropped on the canvas, or into the middle of it.
+// Pictures go where they were dropped on the canvas, or below all nodes.
 void EditorWindow::dropEvent(QDropEvent* event)
 {
     QStringList files;

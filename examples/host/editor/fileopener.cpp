@@ -6,10 +6,14 @@
 
 #include <QFile>
 
+#include <utility>
+
 namespace Host
 {
 namespace
 {
+
+constexpr int kGap = 60;
 
 // Projects may have any name. Blocks.
 bool beginsAsProject(const QString& name)
@@ -21,13 +25,18 @@ bool beginsAsProject(const QString& name)
 
 } // namespace
 
-FileOpener::FileOpener(ProjectFiles& projects, Importer& importer, SceneView& canvas, QObject* parent)
+FileOpener::FileOpener(ProjectFiles& projects, Importer& importer, Scene& scene, SceneView& canvas, QObject* parent)
     : QObject(parent)
     , m_projects(projects)
     , m_importer(importer)
+    , m_scene(scene)
     , m_canvas(canvas)
 {
     connect(&projects, &ProjectFiles::message, this, [this](const QString& text) { m_told.append(text); });
+    connect(&importer, &Importer::ended, this, [this] {
+        if (std::exchange(m_showsAll, false))
+            m_canvas.fitAllNodes();
+    });
 }
 
 bool FileOpener::isProjectName(const QString& file)
@@ -58,8 +67,12 @@ void FileOpener::openSorted(const QStringList& projects, const QStringList& pict
 
 void FileOpener::import(const QStringList& pictures, std::optional<QPoint> at)
 {
-    if (!pictures.isEmpty())
-        m_importer.import(pictures, m_canvas.mapToScene(at.value_or(m_canvas.viewport()->rect().center())), m_told);
+    if (pictures.isEmpty())
+        return;
+    m_showsAll = !at;
+    const QRectF all = m_scene.nodesRect({}) | m_scene.frames().area();
+    const QPointF free = all.isEmpty() ? m_canvas.place().center : all.bottomLeft() + QPointF(0, kGap);
+    m_importer.import(pictures, at ? m_canvas.mapToScene(*at) : free, m_told);
 }
 
 } // namespace Host

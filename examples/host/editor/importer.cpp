@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 
+#include <cmath>
 #include <memory>
 #include <new>
 
@@ -13,6 +14,9 @@ namespace Host
 {
 namespace
 {
+
+// Room for a node and its wires.
+constexpr int kColumn = 320, kRow = 420;
 
 // As what its name says, else as the other. A file that takes more memory than there is counts as unreadable.
 Import importAny(const QString& file, bool& isRaw)
@@ -41,22 +45,29 @@ Importer::Importer(Document& document, Scene& scene, QObject* parent)
 
 void Importer::import(const QStringList& files, QPointF at, const QStringList& told)
 {
-    const auto texts = std::make_shared<QStringList>(told);
-    for (const QString& file : files) {
-        m_worker.run([this, file, at, texts]() -> std::function<void()> {
+    struct Batch {
+        QStringList texts;
+        int left;
+    };
+    const auto batch = std::make_shared<Batch>(Batch{told, files.size()});
+    const int columns = int(std::ceil(std::sqrt(files.size())));
+    for (int i = 0; i < files.size(); ++i) {
+        const QPointF place = at + QPointF(i % columns * kColumn, i / columns * kRow);
+        m_worker.run([this, file = files[i], place, batch]() -> std::function<void()> {
             bool isRaw = false;
             const Import made = importAny(file, isRaw);
-            return [this, file, made, isRaw, at, texts] {
+            return [this, file, made, isRaw, place, batch] {
                 if (made.id.id != 0)
-                    addNode(file, isRaw ? "essentials/rawimage" : "essentials/image", made.id, at);
+                    addNode(file, isRaw ? "essentials/rawimage" : "essentials/image", made.id, place);
                 const QString text = made.id.id != 0 ? made.note : tr("%1 is no image that can be read.").arg(file);
-                if (text.isEmpty())
-                    return;
-                texts->append(text);
-                Q_EMIT message(texts->join("  "));
+                if (!text.isEmpty()) {
+                    batch->texts.append(text);
+                    Q_EMIT message(batch->texts.join("  "));
+                }
+                if (--batch->left == 0)
+                    Q_EMIT ended();
             };
         });
-        at += QPointF(40, 40);
     }
 }
 

@@ -23,12 +23,13 @@ public:
     Importer(Document& document, Scene& scene, QObject* parent);
 
     bool isBusy() const { return m_worker.isBusy(); }
-    // The first node at the point, the others beside it. The first picture of all is shown. One message has all that
-    // there is to tell of these files, behind what `told` says already.
+    // The first node at the point, the others in rows and columns beside and below it. The first picture of all is
+    // shown. One message has all that there is to tell of these files, behind what `told` says already.
     void import(const QStringList& files, QPointF at, const QStringList& told = QStringList());
 
 Q_SIGNALS:
     void message(const QString& text);
+    void ended(); // all files of one call: each has its node, or cannot be read
 
 private:
     void addNode(const QString& file, const QString& type, Ondrel::ResourceId id, QPointF at);

@@ -59,7 +59,7 @@ QString ProjectView::show(const Json& view)
         m_canvas.setPlace(*place);
         return QString();
     }
-    m_canvas.fit(m_scene.nodesRect({}) | m_scene.frames().area());
+    m_canvas.fitAllNodes();
     if (canvas == view.end())
         return QString();
     m_insteadOfUnread = m_canvas.place();

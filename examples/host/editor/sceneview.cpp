@@ -17,6 +17,7 @@ namespace
 {
 
 constexpr int kGrid = 100;
+constexpr int kPictureHeight = 130;
 constexpr double kSmallest = 0.05, kLargest = 4;
 
 } // namespace
@@ -78,6 +79,12 @@ void SceneView::resizeEvent(QResizeEvent* event)
     QGraphicsView::resizeEvent(event);
     if (keeps)
         setPlace(*m_place);
+}
+
+void SceneView::fitAllNodes()
+{
+    const QRectF all = m_scene.nodesRect({}) | m_scene.frames().area();
+    fit(all.isEmpty() ? all : all.adjusted(0, 0, 0, kPictureHeight));
 }
 
 QPointF SceneView::pointerInScene() const

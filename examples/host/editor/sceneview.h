@@ -25,6 +25,7 @@ class SceneView : public QGraphicsView
 public:
     explicit SceneView(Scene& scene);
     void fit(const QRectF& area);
+    void fitAllNodes(); // with room for the pictures of new ones, which make them taller when they have been computed
     void zoomBy(double factor, ViewportAnchor anchor); // as far as the limits allow
     QPointF pointerInScene() const;                    // or the middle, where the pointer is elsewhere
 
