@@ -6,6 +6,8 @@
 #include "resultcache.h"
 #include "values.h"
 
+#include <tests/support/dngfile.h>
+
 #include <ondrel/core/color.h>
 #include <ondrel/resources/resourceengine.h>
 
@@ -13,6 +15,7 @@
 
 #include <chrono>
 #include <future>
+#include <set>
 #include <thread>
 
 using namespace Host;
@@ -27,7 +30,7 @@ struct Case {
     std::vector<std::pair<const char*, const char*>> values; // as they are typed
 };
 
-// Every node that computes, with values that make it work hard.
+// Every node, with values that make it work hard. A histogram has no picture of its own: it shows that of its input.
 const Case kCases[] = {
     {"colourprofile", {}},
     {"crop", {{"left", "10"}}},
@@ -35,11 +38,16 @@ const Case kCases[] = {
     {"erodedilate", {{"operation", "Open"}, {"radius", "10"}}},
     {"gaussianblur", {{"radiusx", "60.5"}, {"radiusy", "60.5"}}},
     {"gradient", {{"mix", "Lab"}, {"width", "300"}, {"height", "200"}}},
+    {"histogram", {}},
+    {"image", {}},
     {"levels", {{"gamma", "1.7"}}},
     {"median", {{"radius", "10"}}},
+    {"merge", {}},
     {"mirror", {}},
+    {"output", {}},
     {"paint", {}},
     {"perspective", {}},
+    {"rawimage", {}},
     {"resize", {{"percentwidth", "60"}, {"percentheight", "60"}}},
     {"rotate", {{"angle", "12.5"}}},
     {"softproof", {{"gamut", "Show"}}},
@@ -72,15 +80,31 @@ QVariantMap valuesOf(const Case& node)
     return values;
 }
 
-// A picture of noise in the store, as the source of a graph.
+std::vector<unsigned char> cameraFile(unsigned int width, unsigned int height)
+{
+    OndrelTest::DngFile file;
+    file.width = width;
+    file.height = height;
+    for (std::size_t i = 0; i < std::size_t(width) * height; ++i)
+        file.samples.push_back(std::uint16_t((i * 7919 + i * i * 31) % 30000));
+    return file.bytes();
+}
+
+// A picture of noise in the store, as the source of a graph, and one of a camera.
 class StoredNoise
 {
 public:
     StoredNoise(unsigned int width, unsigned int height)
     {
         EXPECT_TRUE(ResourceEngine::Get().AddImageBuffer(OndrelTest::picture(width, height), m_id));
+        EXPECT_TRUE(ResourceEngine::Get().AddImageByData(ResourceEngine::FormatRAW, cameraFile(width, height),
+                                                         "camera.dng", m_camera));
     }
-    ~StoredNoise() { ResourceEngine::Get().RemoveResource(m_id); }
+    ~StoredNoise()
+    {
+        ResourceEngine::Get().RemoveResource(m_id);
+        ResourceEngine::Get().RemoveResource(m_camera);
+    }
     StoredNoise(const StoredNoise&) = delete;
     StoredNoise& operator=(const StoredNoise&) = delete;
 
@@ -98,14 +122,27 @@ public:
         record.type = QString("essentials/") + node.file;
         record.name = "Node";
         record.values = valuesOf(node);
-        if (OndrelTest::nodeType(node.file).input("image"))
+        const NodeType& type = OndrelTest::nodeType(node.file);
+        const InputInfo* const input = type.input("image");
+        if (!type.entry.variablePrefix.isEmpty())
+            graph.connections = {{1, "image", 2, type.entry.variablePrefix + "0"}};
+        else if (input && input->kind == "resource")
+            record.values["image"] = QVariant::fromValue(QString(node.file) == "rawimage" ? m_camera : m_id);
+        else if (input)
             graph.connections = {{1, "image", 2, "image"}};
+        if (!type.entry.variablePrefix.isEmpty())
+            record.values[type.entry.variablePrefix + "_order"] = "0";
         return graph;
     }
 
 private:
-    Ondrel::ResourceId m_id;
+    Ondrel::ResourceId m_id, m_camera;
 };
+
+bool hasPicture(const Case& node)
+{
+    return !OndrelTest::nodeType(node.file).outputs.empty();
+}
 
 Outcome evaluateOnWorker(const Graph& graph, ResultCache& cache, const int& word, const Progress& progress = {})
 {
@@ -125,6 +162,16 @@ void cancel(int& word)
 
 } // namespace
 
+TEST(Cancelling, IsTriedOnEveryNode)
+{
+    std::set<QString> tried;
+    for (const Case& node : kCases)
+        tried.insert(QString("essentials/") + node.file);
+    EXPECT_EQ(tried.size(), 22u);
+    for (const NodeType* const type : OndrelTest::essentials().all())
+        EXPECT_TRUE(tried.count(type->id)) << qPrintable(type->id);
+}
+
 TEST(Cancelling, NodeThatIsCancelledAtItsStartMakesNoPicture)
 {
     const StoredNoise source(40, 30);
@@ -132,11 +179,12 @@ TEST(Cancelling, NodeThatIsCancelledAtItsStartMakesNoPicture)
         ResultCache cache(1 << 26);
         int word = 0;
         Progress progress;
-        progress.begin = [&](NodeId id) {
-            if (id == 2)
+        progress.begin = [&, last = hasPicture(node) ? 2 : 1](NodeId id) {
+            if (id == NodeId(last))
                 cancel(word);
         };
         const Outcome outcome = evaluateOnWorker(source.graphOf(node), cache, word, progress);
+        EXPECT_FALSE(outcome.picture.image) << node.file;
         EXPECT_TRUE(outcome.cancelled) << node.file;
         EXPECT_TRUE(outcome.errors.isEmpty()) << node.file;
         const int never = 0;
