@@ -9,6 +9,7 @@
 
 #include "blocking.h"
 #include "resultcache.h"
+#include "stopword.h"
 #include "text.h"
 #include "values.h"
 
@@ -25,11 +26,6 @@ namespace Host
 {
 namespace
 {
-
-bool isCancelled(const Ondrel::RunStatus& status)
-{
-    return status.state && *const_cast<const volatile int*>(status.state) == 1;
-}
 
 // The input whose picture a bypassed node hands on: its first one that has a picture, in the order of a variable node's
 // own. Null if none has.
@@ -132,7 +128,7 @@ public:
             need(*last);
             compute();
         } while (last->state != Task::Done && awaitOthers());
-        outcome.cancelled = isCancelled(m_status);
+        outcome.cancelled = isStopped(m_status);
         if (last->result)
             outcome.picture = last->result->outputs.value(output);
         for (const Task& task : m_tasks) {
@@ -241,20 +237,20 @@ private:
     // Until one of them has come to an end. False if there is none, or this evaluation is cancelled.
     bool awaitOthers()
     {
-        if (m_elsewhere.empty() || isCancelled(m_status))
+        if (m_elsewhere.empty() || isStopped(m_status))
             return false;
         std::vector<ResultCache::WorkPtr> works;
         for (Task* const task : m_elsewhere) {
             works.push_back(task->elsewhere);
             tell(m_progress.begin, *task);
         }
-        m_cache.await(works, [this] { return isCancelled(m_status); });
+        m_cache.await(works, [this] { return isStopped(m_status); });
         for (Task* const task : m_elsewhere) {
             tell(m_progress.end, *task);
             if (const ResultCache::ResultPtr result = m_cache.resultOf(task->elsewhere))
                 task->take(result);
         }
-        return !isCancelled(m_status);
+        return !isStopped(m_status);
     }
 
     // The needed tasks of which no input, however far behind, is computed elsewhere.
@@ -326,7 +322,7 @@ private:
 
     void runTask(Task& task)
     {
-        if (isCancelled(m_status))
+        if (isStopped(m_status))
             return;
         if (!task.type) {
             Result unknown;
@@ -345,7 +341,7 @@ private:
         tell(m_progress.begin, task);
         const auto result = std::make_shared<Result>(resultOf(task, request));
         tell(m_progress.end, task);
-        if (isCancelled(m_status))
+        if (isStopped(m_status))
             return;
         if (!answer.work)
             claim.finish(result, result->error.isEmpty());

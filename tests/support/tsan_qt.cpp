@@ -3,7 +3,9 @@
 // build only: the symbols here stand before Qt's own and call them.
 
 #include <QFutureInterface>
+#include <QMetaObject>
 #include <QMutex>
+#include <QObject>
 #include <QRunnable>
 #include <QThreadPool>
 
@@ -46,6 +48,33 @@ public:
 
 private:
     QRunnable* m_job;
+};
+
+// Calls another slot after announcing that what happened before it was posted happened before it.
+class AnnouncedSlot : public QtPrivate::QSlotObjectBase
+{
+public:
+    explicit AnnouncedSlot(QtPrivate::QSlotObjectBase* slot)
+        : QSlotObjectBase(&act)
+        , m_slot(slot)
+    {
+    }
+
+private:
+    __attribute__((no_sanitize("thread"))) static void act(int what, QSlotObjectBase* self, QObject* receiver,
+                                                           void** arguments, bool*)
+    {
+        __tsan_acquire(self);
+        auto* const announced = static_cast<AnnouncedSlot*>(self);
+        if (what == Call)
+            announced->m_slot->call(receiver, arguments);
+        if (what != Destroy)
+            return;
+        announced->m_slot->destroyIfLastRef();
+        delete announced;
+    }
+
+    QtPrivate::QSlotObjectBase* m_slot;
 };
 
 } // namespace
@@ -96,4 +125,14 @@ bool QFutureInterfaceBase::derefT() const
     if (!alive)
         __tsan_acquire(shared);
     return alive;
+}
+
+bool QMetaObject::invokeMethodImpl(QObject* object, QtPrivate::QSlotObjectBase* slot, Qt::ConnectionType type,
+                                   void* result)
+{
+    static const auto invoke = original<bool (*)(QObject*, QtPrivate::QSlotObjectBase*, Qt::ConnectionType, void*)>(
+        "_ZN11QMetaObject16invokeMethodImplEP7QObjectPN9QtPrivate15QSlotObjectBaseEN2Qt14ConnectionTypeEPv");
+    auto* const announced = new AnnouncedSlot(slot);
+    __tsan_release(announced);
+    return invoke(object, announced, type, result);
 }

@@ -1,6 +1,7 @@
 #include "evaluator.h"
 
 #include "memoryuse.h"
+#include "stopword.h"
 
 namespace Host
 {
@@ -10,9 +11,8 @@ struct Evaluator::Job {
     std::vector<Wish> wishes;
     int word = 0; // of the run's status: 1 cancels
 
-    // The library reads the word without a lock, as its owner writes it.
-    void cancel() { *const_cast<volatile int*>(&word) = 1; }
-    bool isCancelled() const { return *const_cast<const volatile int*>(&word) == 1; }
+    void cancel() { stop(word); }
+    bool isCancelled() const { return isStopped(Ondrel::RunStatus{&word}); }
 };
 
 Evaluator::Evaluator(const NodeTypes& types, std::size_t cacheBytes, QObject* parent)

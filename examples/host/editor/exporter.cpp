@@ -1,6 +1,7 @@
 #include "exporter.h"
 
 #include "resultcache.h"
+#include "stopword.h"
 
 #include <ondrel/widgets/pushbutton.h>
 
@@ -19,8 +20,8 @@ Exporter::Exporter(const NodeTypes& types, ResultCache& cache, QWidget* parent)
     , m_name(new QLabel(this))
     , m_bar(new QProgressBar(this))
 {
-    auto* const stop = new Ondrel::PushButton(tr("Cancel"), this);
-    stop->setObjectName("cancelExport");
+    auto* const button = new Ondrel::PushButton(tr("Cancel"), this);
+    button->setObjectName("cancelExport");
     m_bar->setAccessibleName(tr("Export"));
     m_bar->setMaximumWidth(160);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
@@ -28,8 +29,8 @@ Exporter::Exporter(const NodeTypes& types, ResultCache& cache, QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_name);
     layout->addWidget(m_bar);
-    layout->addWidget(stop);
-    connect(stop, SIGNAL(clicked()), this, SLOT(cancel()));
+    layout->addWidget(button);
+    connect(button, SIGNAL(clicked()), this, SLOT(cancel()));
     hide();
 }
 
@@ -53,7 +54,7 @@ void Exporter::cancel()
     if (!m_running)
         return;
     m_running->cancelled = true;
-    *const_cast<volatile int*>(&m_running->word) = 1; // the library reads it without a lock
+    stop(m_running->word);
 }
 
 void Exporter::showState()

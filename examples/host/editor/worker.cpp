@@ -9,9 +9,30 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <thread>
+#include <utility>
 
 namespace Host
 {
+namespace
+{
+
+#ifdef __SANITIZE_THREAD__
+// Debian's oneTBB is not built for the thread sanitizer, which would report whatever it orders.
+void onThread(std::function<void()> work)
+{
+    std::thread(std::move(work)).detach();
+}
+#else
+void onThread(std::function<void()> work)
+{
+    // No place is kept for a thread that joins, since none does; the pool has one thread less than there are cores.
+    static tbb::task_arena arena(std::max(1, tbb::this_task_arena::max_concurrency() - 1), 0);
+    arena.enqueue(std::move(work));
+}
+#endif
+
+} // namespace
 
 Worker::~Worker()
 {
@@ -21,14 +42,12 @@ Worker::~Worker()
 
 void Worker::run(std::function<std::function<void()>()> work)
 {
-    // No place is kept for a thread that joins, since none does; the pool has one thread less than there are cores.
-    static tbb::task_arena arena(std::max(1, tbb::this_task_arena::max_concurrency() - 1), 0);
     ++m_waiting;
     {
         const std::lock_guard lock(m_mutex);
         ++m_running;
     }
-    arena.enqueue([this, work = std::move(work)] {
+    onThread([this, work = std::move(work)] {
         const std::function<void()> then = resultOf(work);
         const auto finish = [this, then] {
             --m_waiting;
