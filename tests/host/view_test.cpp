@@ -17,6 +17,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 using namespace Host;
@@ -366,4 +367,76 @@ TEST(PictureItem, ComparedPictureLiesInTheMiddleOfTheOther)
     EXPECT_EQ(placeOver(QSize(200, 50), QSize(100, 60)), QRectF(0, 17.5, 100, 25));
     EXPECT_EQ(placeOver(QSize(33, 20), QSize(100, 60)), QRectF(0, 0, 100, 60)); // rounded
     EXPECT_TRUE(placeOver(QSize(), QSize(100, 60)).isEmpty());
+}
+
+TEST_F(View, OneClippedPixelIsMarkedAtEveryZoom)
+{
+    const QPoint clipped(1503, 1001);
+    QImage grey(3000, 2000, QImage::Format_RGB888);
+    grey.fill(QColor(120, 120, 120));
+    grey.setPixelColor(clipped, Qt::white);
+    ASSERT_TRUE(grey.save(path("grey.png")));
+    play("import " + path("grey.png") + " 0 300\nshow grey\nkey M\nwait");
+    CanvasView& view = pane().view();
+    const double ratio = pane().devicePixelRatioF();
+    for (const double zoom : {1.0, 0.97, 0.9, 0.75, 0.66, 0.51, 0.5, 0.49, 0.31, 0.25, 0.13, 0.07}) {
+        pane().setZoom(zoom / ratio, view.viewport()->rect().center());
+        play("wait");
+        view.centerOn(clipped);
+        for (const int pan : {0, 1, 1}) {
+            pane().scrollBy(QPoint(pan, pan));
+            const QImage shown = view.viewport()->grab().toImage();
+            const QTransform toDevice = view.viewportTransform() * QTransform::fromScale(ratio, ratio);
+            const QRectF place = toDevice.mapRect(QRectF(clipped, QSizeF(1, 1)));
+            const QPoint first(int(std::floor(place.left() + 1e-6)), int(std::floor(place.top() + 1e-6)));
+            const QPoint last(int(std::ceil(place.right() - 1e-6)) - 1, int(std::ceil(place.bottom() - 1e-6)) - 1);
+            const QRect cover(first, last);
+            int marks = 0;
+            for (int y = 0; y < shown.height(); ++y) {
+                for (int x = 0; x < shown.width(); ++x) {
+                    if (shown.pixel(x, y) != qRgb(255, 0, 0))
+                        continue;
+                    ++marks;
+                    ASSERT_TRUE(cover.adjusted(-1, -1, 1, 1).contains(x, y)) << zoom << ": " << x << ", " << y;
+                }
+            }
+            for (int y = cover.top(); y <= cover.bottom(); ++y) {
+                for (int x = cover.left(); x <= cover.right(); ++x)
+                    EXPECT_EQ(shown.pixel(x, y), qRgb(255, 0, 0)) << zoom << ": " << x << ", " << y;
+            }
+            EXPECT_LE(marks, 9) << zoom;
+            EXPECT_TRUE(zoom < 1 || marks == 1);
+        }
+    }
+    play("key M\nwait");
+    EXPECT_EQ(view.viewport()->grab().toImage().pixel(view.mapFromScene(clipped)), qRgb(120, 120, 120));
+}
+
+TEST(ClippingMarksOfAPicture, AreFoundAtEverySizeAndPlace)
+{
+    Ondrel::Image image(37, 21);
+    std::fill_n(image.data, 37 * 21 * 4, std::uint16_t(30000));
+    image.data[(13 * 37 + 29) * 4 + 1] = 65535;
+    std::fill_n(image.data + (4 * 37 + 36) * 4, 3, std::uint16_t(0));
+    const ClippingMarks marks(image);
+    for (const double scale : {4.0, 1.0, 0.8, 0.5, 0.3, 0.1, 0.03}) {
+        const QTransform transform = QTransform::fromScale(scale, scale) * QTransform::fromTranslate(3.25, -1.5);
+        const QImage seen = marks.on(QRect(-5, -5, 170, 100), transform);
+        ASSERT_FALSE(seen.isNull()) << scale;
+        const auto at = [&](QPointF pixel) { // below its middle
+            const QPointF point = transform.map(pixel);
+            return seen.pixel(int(std::floor(point.x())) + 5, int(std::floor(point.y())) + 5);
+        };
+        EXPECT_EQ(at(QPointF(29.5, 13.5)), qRgb(255, 0, 0)) << scale;
+        if (scale > 0.1) {
+            EXPECT_EQ(at(QPointF(36.5, 4.5)), qRgb(0, 0, 255)) << scale;
+        }
+        if (scale > 0.3) {
+            EXPECT_EQ(at(QPointF(10, 10)), 0u) << scale;
+        }
+    }
+    EXPECT_TRUE(marks.on(QRect(0, 0, 8, 8), QTransform()).isNull());
+    EXPECT_TRUE(marks.on(QRect(500, 500, 8, 8), QTransform()).isNull());
+    EXPECT_TRUE(marks.on(QRect(0, 0, 50, 50), QTransform::fromScale(0, 0)).isNull());
+    EXPECT_TRUE(ClippingMarks(Ondrel::Image()).on(QRect(0, 0, 8, 8), QTransform()).isNull());
 }

@@ -46,11 +46,6 @@ bool isOfMiddleButton(const QEvent& event)
            static_cast<const QMouseEvent&>(event).button() == Qt::MiddleButton;
 }
 
-QImage firstLevel(const RenderedPicture& rendered)
-{
-    return rendered.isNull() ? QImage() : rendered.levels.front();
-}
-
 // Assistive programs read a label's name alone.
 void setText(QLabel& label, const QString& title, const QString& text)
 {
@@ -144,12 +139,12 @@ const Picture& ImagePane::shownPicture() const
 
 QImage ImagePane::rendered() const
 {
-    return firstLevel(m_renderer.first().rendered);
+    return m_renderer.first().rendered.marked();
 }
 
 QImage ImagePane::secondRendered() const
 {
-    return firstLevel(m_renderer.second().rendered);
+    return m_renderer.second().rendered.marked();
 }
 
 void ImagePane::setOptions(const ViewOptions& options)

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
+#include <QWidget>
 
 #include <cmath>
 
@@ -24,6 +25,27 @@ void paintLayer(QPainter& painter, const PictureItem::Layer& layer)
     painter.drawImage(layer.place, image);
 }
 
+// In pixels of the device, above the picture.
+void paintMarks(QPainter& painter, const PictureItem::Layer& layer, const QRectF& inView)
+{
+    if (!layer.picture.marks || layer.place.isEmpty())
+        return;
+    const QSize size = layer.picture.marks->size();
+    const QTransform toDevice = painter.deviceTransform();
+    const QTransform fromPicture =
+        QTransform::fromScale(layer.place.width() / size.width(), layer.place.height() / size.height()) *
+        QTransform::fromTranslate(layer.place.x(), layer.place.y()) * toDevice;
+    const QRect area = toDevice.mapRect(inView & layer.place).toAlignedRect();
+    const QImage marks = layer.picture.marks->on(area, fromPicture);
+    if (marks.isNull())
+        return;
+    const QTransform before = painter.worldTransform();
+    painter.setWorldTransform(toDevice.inverted() * before);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(area.topLeft(), marks);
+    painter.setWorldTransform(before);
+}
+
 } // namespace
 
 void PictureItem::setLayers(QSize fullSize, const Layer& below, const Layer& above, double aboveFrom)
@@ -42,18 +64,22 @@ QRectF PictureItem::boundingRect() const
     return QRectF(QPointF(0, 0), m_fullSize);
 }
 
-void PictureItem::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget*)
+void PictureItem::paint(QPainter* painter, const QStyleOptionGraphicsItem*, QWidget* widget)
 {
     const bool isSplit = !m_above.picture.isNull();
     const QRectF area = boundingRect();
+    const QRect window = widget ? widget->rect() : painter->window();
+    const QRectF inView = painter->worldTransform().inverted().mapRect(QRectF(window)) & area;
+    const auto paintPart = [&](const Layer& layer, const QRectF& part) {
+        if (isSplit)
+            painter->setClipRect(area & part);
+        paintLayer(*painter, layer);
+        paintMarks(*painter, layer, inView & part);
+    };
     painter->save();
+    paintPart(m_below, isSplit ? QRectF(area.topLeft(), QPointF(m_aboveFrom, area.bottom())) : area);
     if (isSplit)
-        painter->setClipRect(area.intersected(QRectF(area.topLeft(), QPointF(m_aboveFrom, area.bottom()))));
-    paintLayer(*painter, m_below);
-    if (isSplit) {
-        painter->setClipRect(area.intersected(QRectF(QPointF(m_aboveFrom, area.top()), area.bottomRight())));
-        paintLayer(*painter, m_above);
-    }
+        paintPart(m_above, QRectF(QPointF(m_aboveFrom, area.top()), area.bottomRight()));
     painter->restore();
 }
 

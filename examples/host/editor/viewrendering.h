@@ -1,10 +1,12 @@
 #pragma once
 
+#include "clippingmarks.h"
 #include "plugininterface.h"
 
 #include <QByteArray>
 #include <QImage>
 
+#include <memory>
 #include <vector>
 
 namespace Host
@@ -29,13 +31,16 @@ struct ViewOptions : DisplayOptions {
 };
 
 // A picture for the display: first itself, then forms that are half as large in both directions as the one before, down
-// to what a small window shows. Empty for no picture.
+// to what a small window shows. Marks of clipping are apart, as they are not to fade when the picture is shrunk. Empty
+// for no picture.
 struct RenderedPicture {
     std::vector<QImage> levels;
+    std::shared_ptr<const ClippingMarks> marks; // null if they are not wanted
 
     bool isNull() const { return levels.empty(); }
     // The smallest form with at least this many pixels across, or the picture itself.
     const QImage& forWidth(double pixels) const;
+    QImage marked() const; // the picture itself, with its marks
 };
 
 // The picture in the pixels that it has. Null without an image. Any thread.
