@@ -7,8 +7,8 @@
 namespace Host
 {
 
-// Nodes with their values, the wires among them, and frames as JSON text, for the clipboard. Resources keep the handles of this
-// process, and are left out of what another one reads.
+// Nodes with their values, the wires among them, and frames as JSON text, for the clipboard. Resources keep the handles
+// of this process, and are left out of what another one reads.
 QByteArray graphToText(const Graph& graph);
 
 // None if the text is not of that form.
