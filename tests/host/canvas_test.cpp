@@ -132,7 +132,7 @@ protected:
         for (int i = 0; i < 50; ++i) {
             QApplication::processEvents();
             const QImage now = view().viewport()->grab().toImage();
-            if (now == last)
+            if (now == last && !scene().pictures().isUnfinished())
                 break;
             last = now;
         }

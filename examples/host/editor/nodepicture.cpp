@@ -57,13 +57,14 @@ void NodePictures::beginFrame(const QRect& exposed)
     m_exposed = exposed;
     m_clock.start();
     m_isInFrame = true;
+    m_hasRendered = false;
     m_unfinished = false;
     ++m_frame;
 }
 
 bool NodePictures::mayRender() const
 {
-    return m_clock.elapsed() < kTime;
+    return !m_hasRendered || m_clock.elapsed() < kTime;
 }
 
 // Pictures that are not in view go first; those that are may take as much as they need.
@@ -139,6 +140,7 @@ void NodePicture::draw(QPainter* painter)
 void NodePicture::render(QPainter& painter, const QRectF& bounds, qreal scale)
 {
     const QRect pixels = QRectF(bounds.topLeft() * scale, bounds.size() * scale).toAlignedRect();
+    m_shared.m_hasRendered = true;
     release();
     m_shared.makeRoom(qint64(pixels.width()) * pixels.height() * 4);
     QPixmap picture(pixels.size());

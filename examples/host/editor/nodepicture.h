@@ -23,7 +23,7 @@ public:
 
 private:
     friend class NodePicture;
-    bool mayRender() const;
+    bool mayRender() const; // one of each frame always, so that all are made however slow the machine is
     void makeRoom(qint64 bytes);
 
     std::set<NodePicture*> m_all;
@@ -32,6 +32,7 @@ private:
     quint64 m_frame = 0;
     QRect m_exposed;
     bool m_isInFrame = false;
+    bool m_hasRendered = false; // in this frame
     bool m_unfinished = false;
 };
 
