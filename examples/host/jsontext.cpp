@@ -16,6 +16,16 @@ namespace
 
 constexpr std::size_t kMaximumDepth = 64;
 
+// What is deeper than that is left out, since values that are copied and destroyed one within another would take a
+// stack as deep; findOddities() tells of it.
+Json parsedToDepth(const std::string& text)
+{
+    return Json::parse(text, [](int depth, Json::parse_event_t event, const Json&) {
+        const bool begins = event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start;
+        return !begins || depth < int(kMaximumDepth);
+    });
+}
+
 bool isSpace(char c)
 {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
@@ -89,7 +99,7 @@ QString findOddities(const std::string& text)
 bool overflows(const std::string& text)
 {
     try {
-        [[maybe_unused]] const Json parsed = Json::parse(text);
+        [[maybe_unused]] const Json parsed = parsedToDepth(text);
     } catch (const Json::out_of_range&) {
         return true;
     } catch (const Json::parse_error&) { // cut short
@@ -146,7 +156,7 @@ QString parseJson(const std::string& text, Json& json)
 {
     Json parsed;
     try {
-        parsed = Json::parse(text);
+        parsed = parsedToDepth(text);
     } catch (const Json::parse_error& error) {
         const std::size_t offset = std::min(std::max<std::size_t>(error.byte, 1) - 1, text.size());
         return withPlace(placeOf(text, offset),

@@ -1,5 +1,7 @@
 #include "values.h"
 
+#include "jsontext.h"
+
 #include <ondrel/core/color.h>
 #include <ondrel/resources/resourceid.h>
 #include <ondrel/widgets/precisionrangeslider.h>
@@ -293,8 +295,8 @@ bool valueFromText(const QString& text, const QString& kind, const QStringList& 
         if (ok)
             value = hash;
     } else { // hidden, or an input of a plug-in's own: as projects have it
-        const Json json = Json::parse(text.toStdString(), nullptr, false);
-        ok = !json.is_discarded() && valueFromJson(json, value);
+        Json json;
+        ok = parseJson(text.toStdString(), json).isEmpty() && valueFromJson(json, value);
     }
     return ok;
 }

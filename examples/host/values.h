@@ -17,7 +17,8 @@ namespace Host
 // A resource is written as the handle that it has in this process; a project replaces it.
 nlohmann::ordered_json valueToJson(const QVariant& value);
 
-// False if the JSON has no such form, or a number does not fit. `value` is then unchanged.
+// False if the JSON has no such form, or a number does not fit. `value` is then unchanged. As deep as the JSON is:
+// texts from strangers come through parseJson(), which bounds that.
 bool valueFromJson(const nlohmann::ordered_json& json, QVariant& value);
 
 // Whether two values are the same, for every form above. QVariant itself compares the library's types by address.

@@ -457,7 +457,7 @@ TEST_F(CanvasByKeys, HostileFramesOnTheClipboardAreRefused)
     EXPECT_FALSE(with(QRectF(std::nan(""), 20, 300, 200)));
     Graph far;
     far.nodes[1].id = 1;
-    far.nodes[1].type = "essentials/levels";
+    far.nodes[1].type = far.nodes[1].name = "essentials/levels";
     EXPECT_TRUE(graphFromText(graphToText(far)));
     far.nodes[1].position = QPointF(0, std::nan(""));
     EXPECT_FALSE(graphFromText(graphToText(far)));

@@ -211,6 +211,8 @@ TEST_F(Editor, PasteOfHostileTextIsHarmless)
     const std::optional<Graph> copied = graphFromText(text.toUtf8());
     ASSERT_TRUE(copied);
     ASSERT_EQ(copied->connections.size(), 1u);
+    EXPECT_TRUE(graphFromText(text.toUtf8()) && !graphFromText(text.replace("\"Blur\"", "\"\"").toUtf8()));
+    text = QApplication::clipboard()->text();
     Graph cyclic = *copied;
     const Connection there = cyclic.connections[0];
     cyclic.connections.push_back({there.to, "image", there.from, "image"});
@@ -222,18 +224,53 @@ TEST_F(Editor, PasteOfHostileTextIsHarmless)
     play("key Ctrl+V\nexpect nodes 7\nexpect wires 4");
 }
 
-TEST_F(Editor, PicturesOfAnotherProcessAreLeftOutWhenItsNodesArePasted)
+TEST_F(Editor, PicturesOfAStrangersTextAreLeftOutWhenItsNodesArePasted)
 {
-    play("select photo\nkey Ctrl+C");
-    const QByteArray text = QApplication::clipboard()->text().toUtf8();
+    using Ondrel::ResourceId;
+    Graph graph;
+    NodeRecord& record = graph.nodes[1];
+    record.id = 1;
+    record.type = "missing/kind";
+    record.name = "Stranger";
+    const QVariant picture = QVariant::fromValue(ResourceId(7));
+    record.values = {{"image", picture}, {"list", QVariantList{picture}}, {"map", QVariantMap{{"a", picture}}}};
+    record.unread.insert("json", "{\"more\": [1, 2]}");
+    const QByteArray text = graphToText(graph);
     ASSERT_TRUE(graphFromText(text));
-    EXPECT_TRUE(graphFromText(text)->nodes.begin()->second.values.contains("image"));
-    const int at = text.indexOf("\"process\": \"{") + 13;
-    ASSERT_GT(at, 13);
-    QByteArray other = text;
-    other[at] = other[at] == '0' ? '1' : '0';
-    ASSERT_TRUE(graphFromText(other));
-    EXPECT_FALSE(graphFromText(other)->nodes.begin()->second.values.contains("image"));
+    EXPECT_TRUE(*graphFromText(text) == graph);
+    const auto namesNoPicture = [](const QByteArray& changed) {
+        const std::optional<Graph> read = graphFromText(changed);
+        ASSERT_TRUE(read);
+        const NodeRecord& other = read->nodes.begin()->second;
+        EXPECT_TRUE(resourcesOf(*read).empty());
+        EXPECT_EQ(other.values.size(), 3);
+        EXPECT_TRUE(other.unread.isEmpty());
+    };
+    const int at = text.indexOf("\"seal\": \"") + 9;
+    ASSERT_GT(at, 9);
+    QByteArray forged = text;
+    forged[at] = forged[at] == '0' ? '1' : '0';
+    namesNoPicture(forged);
+    namesNoPicture(QByteArray(text).replace("Stranger", "Strangle"));
+    namesNoPicture(QByteArray(text).replace("\"seal\"", "\"other\""));
+    namesNoPicture(QByteArray(text).replace("\"resource\": \"7\"", "\"resource\": \"8\""));
+}
+
+TEST_F(Editor, PasteOfDeepTextIsHarmless)
+{
+    Graph graph;
+    graph.nodes[1].id = 1;
+    graph.nodes[1].type = graph.nodes[1].name = "missing/kind";
+    graph.nodes[1].values.insert("deep", "here");
+    const QByteArray text = graphToText(graph);
+    const auto deep = [&text](int levels) {
+        return QByteArray(text).replace("\"here\"", QByteArray("{\"list\": [").repeated(levels) + "true" +
+                                                        QByteArray("]}").repeated(levels));
+    };
+    EXPECT_TRUE(graphFromText(deep(20)));
+    EXPECT_FALSE(graphFromText(deep(100000)));
+    QVariant value;
+    EXPECT_FALSE(valueFromText(deep(100000), "hidden", {}, value));
 }
 
 TEST_F(Editor, CopiedNodesOfUnknownKindsKeepWhatWasNotUnderstood)
@@ -241,7 +278,7 @@ TEST_F(Editor, CopiedNodesOfUnknownKindsKeepWhatWasNotUnderstood)
     Graph graph;
     NodeRecord record;
     record.id = 1;
-    record.type = "missing/kind";
+    record.type = record.name = "missing/kind";
     record.unread.insert("text", "{\"more\": [1, 2]}");
     graph.nodes[1] = record;
     const std::optional<Graph> copied = graphFromText(graphToText(graph));

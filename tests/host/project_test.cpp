@@ -330,6 +330,13 @@ TEST_F(ProjectText, ThatIsNestedTooDeeplyIsAnError)
         const ProjectReading reading = read(QByteArray(depth, '[') + QByteArray(depth, ']'));
         EXPECT_EQ(reading.error, "Line 1, column 65: The values are nested too deeply.");
     }
+    for (const int pairs : {33, 200000}) {
+        const ProjectReading reading =
+            read(QByteArray("{\"a\":[").repeated(pairs) + '1' + QByteArray("]}").repeated(pairs));
+        EXPECT_EQ(reading.error, "Line 1, column 193: The values are nested too deeply.");
+    }
+    const ProjectReading reading = read(QByteArray("{\"a\":[").repeated(200000) + "1e999");
+    EXPECT_EQ(reading.error, "Line 1, column 1200001: This number is too large.");
 }
 
 TEST_F(ProjectText, AMarkOfUnicodeAtTheStartIsNoDamage)

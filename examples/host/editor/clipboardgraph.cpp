@@ -1,13 +1,14 @@
 #include "clipboardgraph.h"
 
 #include "frameitem.h"
+#include "jsontext.h"
+#include "projectform.h"
 #include "values.h"
-
-#include <ondrel/resources/resourceid.h>
 
 #include <QApplication>
 #include <QClipboard>
 #include <QJsonDocument>
+#include <QMessageAuthenticationCode>
 #include <QMimeData>
 #include <QUuid>
 
@@ -51,7 +52,8 @@ std::optional<NodeRecord> readNode(const Json& json)
     const auto bypassed = json.find("bypassed");
     record.bypassed = bypassed != json.end() && bypassed->is_boolean() && bypassed->get<bool>();
     record.unread = QJsonDocument::fromJson(QByteArray::fromStdString(textIn(json, "unread").toStdString())).object();
-    const bool isUsable = record.id != 0 && !record.type.isEmpty() && isOnCanvas(record.position);
+    const bool isUsable =
+        record.id != 0 && !record.type.isEmpty() && !record.name.isEmpty() && isOnCanvas(record.position);
     return isUsable ? std::optional(record) : std::nullopt;
 }
 
@@ -90,17 +92,31 @@ bool readFrames(const Json& json, Graph& graph)
     return true;
 }
 
-const std::string& thisProcess()
+// Only this process can make it, and only for what it wrote itself: handles of pictures, which elsewhere name others,
+// and what a project held beyond this program's knowledge are taken from such a text alone.
+std::string sealOf(const Json& json)
 {
-    static const std::string id = QUuid::createUuid().toString().toStdString();
-    return id;
+    static const QByteArray secret = QUuid::createUuid().toRfc4122() + QUuid::createUuid().toRfc4122();
+    const std::string text = json.dump();
+    return QMessageAuthenticationCode::hash(QByteArray::fromStdString(text), secret, QCryptographicHash::Sha256)
+        .toHex()
+        .toStdString();
 }
 
-// The handles of another process name other pictures here.
-NodeRecord withoutResources(NodeRecord record)
+bool takeSeal(Json& json)
 {
-    for (auto value = record.values.begin(); value != record.values.end();)
-        value = value->userType() == qMetaTypeId<Ondrel::ResourceId>() ? record.values.erase(value) : value + 1;
+    const auto seal = json.find("seal");
+    if (seal == json.end() || !seal->is_string())
+        return false;
+    const auto written = seal->get<std::string>();
+    json.erase(seal);
+    return written == sealOf(json);
+}
+
+NodeRecord ofAStranger(NodeRecord record)
+{
+    record.values = withHandles(record.values, {});
+    record.unread = QJsonObject();
     return record;
 }
 
@@ -130,27 +146,28 @@ QByteArray graphToText(const Graph& graph)
                           {"title", record.title.toStdString()},
                           {"corner", valueToJson(record.area.topLeft())},
                           {"size", valueToJson(QPointF(record.area.width(), record.area.height()))}});
-    return QByteArray::fromStdString(Json{
-        {"ondrel nodes", 1},
-        {"process", thisProcess()},
-        {"nodes", nodes},
-        {"connections", connections},
-        {"frames", frames},
-        {"embedded", embedded}}.dump(1));
+    Json json{{"ondrel nodes", 1},
+              {"nodes", nodes},
+              {"connections", connections},
+              {"frames", frames},
+              {"embedded", embedded}};
+    json["seal"] = sealOf(json);
+    return QByteArray::fromStdString(json.dump(1));
 }
 
 std::optional<Graph> graphFromText(const QByteArray& text)
 {
-    const Json json = Json::parse(text.begin(), text.end(), nullptr, false);
-    if (!json.is_object() || !json.contains("ondrel nodes") || !json.contains("nodes") || !json["nodes"].is_array())
+    Json json;
+    if (!parseJson(text.toStdString(), json).isEmpty() || !json.is_object() || !json.contains("ondrel nodes") ||
+        !json.contains("nodes") || !json["nodes"].is_array())
         return std::nullopt;
-    const bool isOurs = textIn(json, "process") == QString::fromStdString(thisProcess());
+    const bool isOurs = takeSeal(json);
     Graph graph;
     for (const Json& each : json["nodes"]) {
         const std::optional<NodeRecord> record = readNode(each);
         if (!record)
             return std::nullopt;
-        graph.nodes[record->id] = isOurs ? *record : withoutResources(*record);
+        graph.nodes[record->id] = isOurs ? *record : ofAStranger(*record);
     }
     const auto connections = json.find("connections");
     if (connections == json.end() || !connections->is_array())
