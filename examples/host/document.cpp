@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <set>
 #include <tuple>
 
@@ -26,9 +27,17 @@ std::vector<Connection> connectionsWithout(const Graph& graph, Predicate goes)
     return kept;
 }
 
-quint64 freeFrameId(const Graph& graph)
+// One above all others, so that ids are not used again soon; a file may have the very last, then it is the first gap.
+template <class Records>
+quint64 freeIdIn(const Records& records)
 {
-    return graph.frames.empty() ? 1 : graph.frames.rbegin()->first + 1;
+    const quint64 last = records.empty() ? 0 : records.rbegin()->first;
+    if (last < std::numeric_limits<quint64>::max())
+        return last + 1;
+    quint64 gap = 1;
+    for (auto record = records.begin(); record->first == gap; ++record)
+        ++gap;
+    return gap;
 }
 
 bool contains(const Graph& graph, const Connection& connection)
@@ -165,7 +174,7 @@ void Document::tellOfNode(const NodeRecord& old, const NodeRecord& now)
 
 NodeId Document::freeId(const Graph& graph) const
 {
-    return graph.nodes.empty() ? 1 : graph.nodes.rbegin()->first + 1;
+    return freeIdIn(graph.nodes);
 }
 
 NodeId Document::addNode(const QString& type, QPointF position, const QString& name)
@@ -331,7 +340,7 @@ bool Document::replaceNode(NodeId id, const QString& typeId)
 
 quint64 Document::addFrame(const QString& title, const QRectF& area)
 {
-    const quint64 id = freeFrameId(m_graph);
+    const quint64 id = freeIdIn(m_graph.frames);
     GraphChange change;
     change.frames[id] = {std::nullopt, FrameRecord{id, title, area}};
     edit(tr("Add frame"), change);
@@ -417,7 +426,7 @@ std::map<NodeId, NodeId> Document::insert(const Graph& graph, QPointF offset)
     }
     change.setEmbedded(m_graph.embedded, next.embedded);
     for (const auto& [id, record] : graph.frames) {
-        const FrameRecord copy{freeFrameId(next), record.title, record.area.translated(offset)};
+        const FrameRecord copy{freeIdIn(next.frames), record.title, record.area.translated(offset)};
         next.frames[copy.id] = copy;
         change.frames[copy.id] = {std::nullopt, copy};
     }

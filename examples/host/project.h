@@ -43,12 +43,16 @@ struct ProjectReading {
 ProjectReading readProject(const QByteArray& text, const QString& folder, const NodeTypes& types);
 ProjectReading loadProject(const QString& fileName, const NodeTypes& types);
 
-// The file's text. The same project gives the same bytes, and so does one that was read from them with the same folder.
-// Pictures below `folder` are named by a relative path. Those without a file name, and buffers, are always embedded.
-QByteArray writeProject(const Project& project, const QString& folder);
+// The most bytes that a project's text may have, and a little less than a byte array of the toolkit.
+constexpr std::size_t kLargestProject = 2'000'000'000;
+
+// The file's text, or none at all if it would be larger than that. The same project gives the same bytes, and so does
+// one that was read from them with the same folder. Pictures below `folder` are named by a relative path. Those without
+// a file name, and buffers, are always embedded.
+QByteArray writeProject(const Project& project, const QString& folder, std::size_t largest = kLargestProject);
 
 // Puts the file in place as a whole, or leaves what was there. The error is a sentence; empty if all went well.
-QString saveProject(const Project& project, const QString& fileName);
+QString saveProject(const Project& project, const QString& fileName, std::size_t largest = kLargestProject);
 
 // The handles of all resources that values of the graph name, each once, in the order of nodes and fields.
 std::vector<Ondrel::ResourceId> resourcesOf(const Graph& graph);

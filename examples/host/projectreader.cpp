@@ -367,9 +367,13 @@ ProjectReading readProject(const QByteArray& bytes, const QString& folder, const
 ProjectReading loadProject(const QString& fileName, const NodeTypes& types)
 {
     assertMayBlock("loadProject");
+    ProjectReading reading;
     QFile file(fileName);
+    if (file.size() > qint64(kLargestProject)) {
+        reading.error = Text::tr("\"%1\" is too large for a project.").arg(fileName);
+        return reading;
+    }
     if (!file.open(QIODevice::ReadOnly)) {
-        ProjectReading reading;
         reading.error = Text::tr("\"%1\" cannot be read: %2.").arg(fileName, file.errorString());
         return reading;
     }

@@ -36,17 +36,21 @@ Json numbers(std::initializer_list<double> list)
 class Writer
 {
 public:
-    Writer(const Project& project, const QString& folder)
+    Writer(const Project& project, const QString& folder, std::size_t largest)
         : m_project(project)
         , m_folder(folder)
+        , m_largest(largest)
     {
     }
 
+    // Null if the pictures alone are too large.
     Json write()
     {
         Json resources = Json::array();
-        for (const Ondrel::ResourceId id : resourcesOf(m_project.graph))
-            addResource(id.id, resources);
+        for (const Ondrel::ResourceId id : resourcesOf(m_project.graph)) {
+            if (!addResource(id.id, resources))
+                return nullptr;
+        }
         Json json{{"format", kProjectFormat}, {"version", kProjectVersion}};
         json["nodes"] = Json::array();
         for (const auto& [id, record] : m_project.graph.nodes)
@@ -67,20 +71,24 @@ public:
 
 private:
     // Handles differ from process to process; in the file, resources count from 1 in the order of use.
-    void addResource(std::uint32_t handle, Json& resources)
+    bool addResource(std::uint32_t handle, Json& resources)
     {
         const StoredResource resource = copyFromStore(handle, m_project.graph.embedded.count(handle) != 0);
         if (resource.path.isEmpty() && !resource.embedded)
-            return;
+            return true;
         const auto id = std::uint32_t(resources.size() + 1);
         m_fileIds[handle] = id;
         Json json{{"id", std::to_string(id)}, {"kind", kResourceKinds[resource.form]}};
         json["path"] = utf8(pathInFile(resource.path));
         if (resource.embedded) {
+            m_embedded += resource.data.size();
+            if (m_embedded > m_largest / 4 * 3) // base64 makes four of three
+                return false;
             const auto* const bytes = reinterpret_cast<const char*>(resource.data.data());
             json["data"] = QByteArray::fromRawData(bytes, int(resource.data.size())).toBase64().toStdString();
         }
         resources.push_back(std::move(json));
+        return true;
     }
 
     QString pathInFile(const QString& path) const
@@ -123,6 +131,8 @@ private:
 
     const Project& m_project;
     QString m_folder;
+    std::size_t m_largest;
+    std::size_t m_embedded = 0;                       // bytes
     std::map<std::uint32_t, std::uint32_t> m_fileIds; // by handle
 };
 
@@ -141,15 +151,23 @@ std::vector<Ondrel::ResourceId> resourcesOf(const Graph& graph)
     return once;
 }
 
-QByteArray writeProject(const Project& project, const QString& folder)
+QByteArray writeProject(const Project& project, const QString& folder, std::size_t largest)
 {
     assertMayBlock("writeProject");
-    return QByteArray::fromStdString(Writer(project, folder).write().dump(2) + '\n');
+    const Json json = Writer(project, folder, largest).write();
+    if (json.is_null())
+        return QByteArray();
+    const std::string text = json.dump(2) + '\n';
+    return text.size() > largest ? QByteArray() : QByteArray::fromStdString(text);
 }
 
-QString saveProject(const Project& project, const QString& fileName)
+QString saveProject(const Project& project, const QString& fileName, std::size_t largest)
 {
-    const QByteArray text = writeProject(project, QFileInfo(fileName).absolutePath());
+    const QByteArray text = writeProject(project, QFileInfo(fileName).absolutePath(), largest);
+    if (text.isEmpty())
+        return Text::tr(
+                   "\"%1\" cannot be saved: the pictures embedded in it are too large. Link some of them to files.")
+            .arg(fileName);
     QSaveFile file(fileName);
     if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
         return QString();
@@ -170,7 +188,8 @@ QString recoverableAutosave(const QString& fileName)
         return QString();
     QFile file(name);
     Json json;
-    const bool isWhole = file.open(QIODevice::ReadOnly) && parseJson(file.readAll().toStdString(), json).isEmpty();
+    const bool isWhole = autosave.size() <= qint64(kLargestProject) && file.open(QIODevice::ReadOnly) &&
+                         parseJson(file.readAll().toStdString(), json).isEmpty();
     return isWhole ? name : QString();
 }
 

@@ -198,6 +198,26 @@ TEST_F(Editing, NamesStayUnique)
     EXPECT_EQ(document.addNode("test/nosuch", {0, 0}), 0u);
 }
 
+TEST_F(Editing, NewNodesAndFramesFindAnIdEvenBesideTheLastOfAll)
+{
+    constexpr quint64 last = std::numeric_limits<quint64>::max();
+    Host::Graph graph;
+    for (const quint64 id : {quint64(1), quint64(2), last}) {
+        graph.nodes[id].id = id;
+        graph.nodes[id].type = "test/source";
+        graph.nodes[id].name = QString::number(id);
+        graph.frames[id] = {id, "F", {0, 0, 10, 10}};
+    }
+    document.load(graph);
+    EXPECT_EQ(document.addNode("test/source", {}), 3u);
+    EXPECT_EQ(document.addNode("test/source", {}), 4u);
+    EXPECT_EQ(document.addFrame("G", {0, 0, 10, 10}), 3u);
+    EXPECT_EQ(document.graph().nodes.size(), 5u);
+    graph.nodes.erase(last);
+    document.load(graph);
+    EXPECT_EQ(document.addNode("test/source", {}), 3u);
+}
+
 TEST_F(Editing, TheMemoryOfUndoIsBounded)
 {
     const NodeId id = document.addNode("test/all", {0, 0});

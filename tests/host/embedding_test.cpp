@@ -88,6 +88,26 @@ TEST_F(EmbeddingInAWindow, PictureOutlivesItsFile)
     EXPECT_TRUE(saved("again.ondrel") == text);
 }
 
+TEST_F(EmbeddingInAWindow, PicturesThatAreTooLargeForAProjectLeaveTheOldOne)
+{
+    trigger(embed());
+    Project project;
+    project.graph = graph();
+    const auto largest = std::size_t(contents("photo.png").size()) * 4 / 3; // too little for the text around it
+    const auto saveWithin = [&](std::size_t bytes) {
+        return std::async(std::launch::async, [&] { return saveProject(project, path("first.ondrel"), bytes); }).get();
+    };
+    const QByteArray old = contents("first.ondrel");
+    for (const std::size_t bytes : {largest - 100, largest + 100}) {
+        EXPECT_EQ(saveWithin(bytes),
+                  '"' + path("first.ondrel") +
+                      "\" cannot be saved: the pictures embedded in it are too large. Link some of them to files.");
+        EXPECT_TRUE(contents("first.ondrel") == old);
+    }
+    EXPECT_EQ(saveWithin(largest + 5000), "");
+    EXPECT_TRUE(contents("first.ondrel") != old);
+}
+
 TEST_F(EmbeddingInAWindow, LinkGoesBackToTheSameFile)
 {
     const QByteArray linked = contents("first.ondrel");

@@ -97,6 +97,30 @@ TEST_F(ProjectFile, ThatCannotBeWrittenIsAnErrorAndLeavesTheOldOne)
     EXPECT_TRUE(problem.contains("cannot be read"));
 }
 
+TEST_F(ProjectFile, ThatWouldBeTooLargeIsAnErrorAndLeavesTheOldOne)
+{
+    EXPECT_EQ(save(projectOf(1, "A"), "project"), "");
+    const QByteArray old = content("project");
+    const auto saveWithin = [&](std::size_t largest) {
+        return onWorker([&] { return saveProject(projectOf(1, "B"), path("project"), largest); });
+    };
+    EXPECT_TRUE(saveWithin(std::size_t(old.size()) - 1).contains("too large"));
+    EXPECT_EQ(content("project"), old);
+    EXPECT_EQ(saveWithin(std::size_t(old.size())), "");
+    EXPECT_NE(content("project"), old);
+}
+
+TEST_F(ProjectFile, ThatIsTooLargeIsNotRead)
+{
+    QFile file(path("large.ondrel"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(qint64(5) << 30)); // takes no room on the disk
+    file.close();
+    const QString problem = onWorker([&] { return loadProject(path("large.ondrel"), Host::NodeTypes()).error; });
+    EXPECT_TRUE(problem.contains("too large")) << qPrintable(problem);
+    ASSERT_TRUE(QFile::rename(path("large.ondrel"), path("other.ondrel.autosave")));
+    EXPECT_EQ(recoverable("other.ondrel"), "");
+}
+
 TEST_F(ProjectFile, AnAutosaveIsOfferedOnlyWhileItIsNewer)
 {
     ASSERT_EQ(save(projectOf(1, "A"), "project"), "");
