@@ -140,9 +140,11 @@ quint64 ResultCache::generation() const
     return m_generation;
 }
 
-void ResultCache::beginGeneration()
+void ResultCache::beginGeneration(const std::function<void()>& change)
 {
     const std::lock_guard lock(m_mutex);
+    if (change)
+        change();
     ++m_generation;
     m_entries.clear();
     m_index.clear();

@@ -74,7 +74,9 @@ public:
 
     void clear(); // what is being computed is kept nevertheless
     quint64 generation() const;
-    void beginGeneration();
+    // `change` makes the change, while no number can be asked for: who has one of before finds it outdated, and who
+    // gets one afterwards sees all of the change. It must not use the cache.
+    void beginGeneration(const std::function<void()>& change = {});
 
     void setByteBudget(std::size_t bytes);
     std::size_t byteBudget() const;

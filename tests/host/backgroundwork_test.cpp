@@ -21,6 +21,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <chrono>
+#include <thread>
+
 using namespace Host;
 
 namespace
@@ -116,4 +119,30 @@ TEST_F(ExportOverReload, LeavesNothingOfTheOldDisplay)
     play("show Hook\nwait");
     EXPECT_EQ(window.imagePane().picture().image->data[0], expected);
     EXPECT_EQ(entries, 2) << "what the export left is of the new display";
+}
+
+// Who asks for the number of a generation while the display changes, waits: else results of the old display and of the
+// new one would be of the same generation. The profiles are locked, so that the change cannot come to its end.
+TEST_F(ExportOverReload, DisplayAndGenerationChangeAtOnce)
+{
+    const ResultCache& cache = window.pictures().evaluator().cache();
+    const quint64 before = cache.generation();
+    Gate locked;
+    std::future<quint64> asked;
+    auto another = std::async(std::launch::async, [&] {
+        Ondrel::ColorManager::beginUsingColorProfileMap();
+        locked.open();
+        bool waits = false;
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!waits && std::chrono::steady_clock::now() < end) {
+            asked = std::async(std::launch::async, [&cache] { return cache.generation(); });
+            waits = asked.wait_for(std::chrono::milliseconds(200)) == std::future_status::timeout;
+        }
+        Ondrel::ColorManager::endUsingColorProfileMap();
+        return waits;
+    });
+    locked.pass();
+    ASSERT_TRUE(QMetaObject::invokeMethod(&window.preferences(), "reloadWhenIdle"));
+    EXPECT_TRUE(another.get());
+    EXPECT_GT(asked.get(), before);
 }

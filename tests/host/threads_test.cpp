@@ -73,8 +73,7 @@ protected:
         evaluator.cancel();
         ASSERT_TRUE(QTest::qWaitFor([this] { return !evaluator.isBusy(); }, kPatience));
         QSettings().setValue("settings/colormanagement/colormanagement", managed ? "Enabled" : "Disabled");
-        Ondrel::ColorManager::reload();
-        evaluator.cache().beginGeneration();
+        evaluator.cache().beginGeneration([] { Ondrel::ColorManager::reload(); });
     }
 
     TestNodes nodes;

@@ -117,7 +117,8 @@ void Preferences::reloadWhenIdle()
         return;
     m_idle.stop();
     QThreadPool::globalInstance()->waitForDone();
-    Ondrel::ColorManager::reload();
+    // An export may run, and must not come to its end with some results of either display.
+    m_pictures.evaluator().cache().beginGeneration([] { Ondrel::ColorManager::reload(); });
     setPaused(false);
     m_window.update();
 }
