@@ -8,6 +8,12 @@
 #include "scene.h"
 #include "sceneview.h"
 
+#include <QTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace Host;
 
 namespace
@@ -35,6 +41,28 @@ protected:
         window.opener().open(files);
         settle();
     }
+
+    // Whoever opens it waits until this is over.
+    class Pipe
+    {
+    public:
+        explicit Pipe(const QString& name)
+            : m_name(QFile::encodeName(name))
+        {
+            EXPECT_EQ(mkfifo(m_name.constData(), 0600), 0);
+        }
+        ~Pipe()
+        {
+            const int end = ::open(m_name.constData(), O_RDWR | O_NONBLOCK);
+            QTest::qWait(50);
+            ::close(end);
+        }
+        Pipe(const Pipe&) = delete;
+        Pipe& operator=(const Pipe&) = delete;
+
+    private:
+        const QByteArray m_name;
+    };
 
     QString typeOf(const QString& name) { return id(name) ? graph().nodeByName(name)->type : QString(); }
 };
@@ -119,4 +147,16 @@ TEST_F(OpeningFiles, TwoProjectsAreTooMany)
     open({"a.ondrel", "b.ondrel", "photo.png"});
     EXPECT_EQ(status(), "One project at a time can be opened.");
     EXPECT_TRUE(graph().nodes.empty());
+}
+
+TEST_F(OpeningFiles, PipesAreNotWaitedFor)
+{
+    const Pipe picture(path("pipe.png")), project(path("pipe.ondrel"));
+    window.opener().open({path("pipe.png")});
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window.isSettled(); }));
+    EXPECT_EQ(status(), path("pipe.png") + " is no image that can be read.");
+    window.opener().open({path("pipe.ondrel"), path("photo.png")});
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window.isSettled() && id("photo"); }));
+    EXPECT_EQ(status(), path("pipe.ondrel") + " is no file.");
+    EXPECT_TRUE(window.isEnabled());
 }

@@ -3,6 +3,7 @@
 #include "projectfiles.h"
 #include "scene.h"
 #include "sceneview.h"
+#include "throwing.h"
 #include "unsavedplace.h"
 
 #include <ondrel/resources/resourceengine.h>
@@ -304,4 +305,26 @@ TEST_F(ProjectFilesOfAWindow, SavingFirstGoesOnWithWhatWasWanted)
     settle();
     EXPECT_TRUE(graph().nodes.empty()) << "a new project, after the old one was saved";
     play("open " + path("a.ondrel") + "\nexpect nodes 2");
+}
+
+// The store is locked, so that opening cannot come to its end; what is autosaved has nothing in the store.
+TEST_F(ProjectFilesOfAWindow, AutosaveThatThrowsLeavesAnOpeningAlone)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkdir("gone"));
+    play("save " + path("b.ondrel") + "\nkey Ctrl+N\nwait\nsave " + path("gone/a.ondrel") +
+         "\nadd essentials/levels 0 0 Levels");
+    ASSERT_TRUE(QDir(path("gone")).removeRecursively());
+    const Throwing throwing("\"%1\" cannot be saved: %2.");
+    int opened = 0;
+    StoreHeldByAnother held;
+    window.files().open(path("b.ondrel"), [&opened] { ++opened; });
+    ASSERT_TRUE(QMetaObject::invokeMethod(&window.files(), "autosave"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return status() == "out of paper"; })) << qPrintable(status());
+    EXPECT_FALSE(window.isEnabled());
+    EXPECT_EQ(opened, 0);
+    held.release();
+    settle();
+    EXPECT_EQ(opened, 1);
+    EXPECT_TRUE(window.isEnabled());
+    EXPECT_TRUE(id("photo"));
 }

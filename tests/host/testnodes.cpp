@@ -30,6 +30,8 @@ const std::map<QString, QString> kFiles = {
              "<output><field name=\"image\">Image</field></output></node>"},
     {"fail", "<node title=\"Fail\"><input><field name=\"image\">Image</field></input>"
              "<output><field name=\"image\">Image</field></output></node>"},
+    {"flawed", "<node title=\"Flawed\"><input><field name=\"image\">Image</field></input>"
+               "<output><field name=\"image\">Image</field></output></node>"},
     {"throw", "<node title=\"Throw\"><input><field name=\"image\">Image</field></input>"
               "<output><field name=\"image\">Image</field></output></node>"},
     {"number", "<node title=\"Number\"><input/><output><field name=\"number\">Number</field></output></node>"},
@@ -113,6 +115,11 @@ Result fail(const Request&)
     return {{}, "It did not go well."};
 }
 
+Result flawed(const Request& request)
+{
+    return {request.inputs, "It is only half right."};
+}
+
 Result throwing(const Request&)
 {
     throw std::runtime_error("out of paper");
@@ -160,7 +167,7 @@ std::vector<Host::NodeEntry> TestNodes::nodes() const
     const std::pair<const char*, Work> works[] = {{"Source", source},  {"Add", add},       {"Mix", mix},
                                                   {"Slow", slow},      {"Fail", fail},     {"Throw", throwing},
                                                   {"Number", nothing}, {"Photo", nothing}, {"All", nothing},
-                                                  {"Hook", hooked},    {"Layers", layers}};
+                                                  {"Hook", hooked},    {"Flawed", flawed}, {"Layers", layers}};
     std::vector<Host::NodeEntry> entries;
     for (const auto& [name, work] : works) {
         Host::NodeEntry entry;

@@ -19,6 +19,7 @@
 //   slow    works until it is cancelled, or 10 seconds
 //   hook    asks `hook` what to add to every sample of "image"
 //   fail    reports an error; throw throws an exception
+//   flawed  hands "image" on, and reports an error too
 //   number  has an output of the type "number"
 //   photo   has a resource "image"
 //   all     a value of every kind

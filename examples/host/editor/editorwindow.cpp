@@ -118,9 +118,11 @@ EditorWindow::~EditorWindow()
 
 void EditorWindow::connectParts()
 {
-    for (QObject* const part : {static_cast<QObject*>(m_files), static_cast<QObject*>(m_importer),
-                                static_cast<QObject*>(m_opener), static_cast<QObject*>(m_canvasCommands),
-                                static_cast<QObject*>(m_exportCommands), static_cast<QObject*>(m_embedding)})
+    for (QObject* const part :
+         {static_cast<QObject*>(m_files), static_cast<QObject*>(m_importer), static_cast<QObject*>(m_opener),
+          static_cast<QObject*>(m_canvasCommands), static_cast<QObject*>(m_exportCommands),
+          static_cast<QObject*>(m_embedding), static_cast<QObject*>(&m_pictures->evaluator()),
+          static_cast<QObject*>(&m_imagePane->renderer())})
         connect(part, SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(&m_preferences->device(), SIGNAL(message(QString)), this, SLOT(showMessage(QString)));
     connect(m_scene, SIGNAL(refused(QString)), this, SLOT(showMessage(QString)));

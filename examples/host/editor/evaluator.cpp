@@ -52,7 +52,7 @@ void Evaluator::start()
     m_next.reset();
     if (!m_running)
         return;
-    m_worker.run([this, job = m_running]() -> std::function<void()> {
+    const auto work = [this, job = m_running]() -> std::function<void()> {
         runJob(*job, [this, job](std::function<void()> call) {
             // Results of a cancelled job come to nothing.
             const auto unlessCancelled = [this, job, call] {
@@ -62,7 +62,8 @@ void Evaluator::start()
             QMetaObject::invokeMethod(&m_worker, unlessCancelled, Qt::QueuedConnection);
         });
         return [this, job] { finishJob(*job); };
-    });
+    };
+    m_worker.run(work, [this, job = m_running](const QString& reason) { giveUp(*job, reason); });
 }
 
 // On another thread.
@@ -104,6 +105,16 @@ void Evaluator::finishJob(const Job& job)
         start();
     else if (!wasCancelled)
         Q_EMIT finished();
+}
+
+// As a cancelled one: what it was about is still to be done. A node that was at work has not told that it ended.
+void Evaluator::giveUp(Job& job, const QString& reason)
+{
+    job.cancel();
+    for (const auto& [id, record] : job.graph.nodes)
+        Q_EMIT nodeBusy(id, false);
+    finishJob(job);
+    Q_EMIT message(reason);
 }
 
 } // namespace Host

@@ -39,13 +39,15 @@ Q_SIGNALS:
     void pictureReady(int slot, Host::Picture picture, double scale);
     void errorsFound(QHash<Host::NodeId, QString> errors); // of all nodes that the request needs; empty if all is well
     void nodeBusy(Host::NodeId node, bool busy);
-    void finished(); // the newest request is done
+    void finished();                   // the newest request is done
+    void message(const QString& text); // why a request was given up
 
 private:
     struct Job;
     void start();
     void runJob(const Job& job, const std::function<void(std::function<void()>)>& tell);
     void finishJob(const Job& job);
+    void giveUp(Job& job, const QString& reason);
 
     const NodeTypes& m_types;
     ResultCache m_cache;

@@ -12,6 +12,22 @@
 
 namespace Host
 {
+namespace
+{
+
+// A picture that is not what its nodes should make of it is not for a file, although it may do for the screen.
+QString whyNotExport(const Graph& graph, const Outcome& outcome)
+{
+    QStringList reasons;
+    for (auto error = outcome.errors.begin(); error != outcome.errors.end(); ++error) {
+        const NodeRecord* const node = graph.node(error.key());
+        reasons.append(node ? node->name + ": " + error.value() : error.value());
+    }
+    reasons.sort();
+    return reasons.isEmpty() ? Exporter::tr("There is no picture to export.") : reasons.join(' ');
+}
+
+} // namespace
 
 Exporter::Exporter(const NodeTypes& types, ResultCache& cache, QWidget* parent)
     : QWidget(parent)
@@ -63,7 +79,7 @@ void Exporter::showState()
     if (!m_running)
         return;
     const QString name = QFileInfo(m_running->order.file).fileName();
-    m_name->setText(m_waiting.empty() ? name : tr("%1 and %2 more").arg(name).arg(m_waiting.size()));
+    m_name->setText(m_waiting.empty() ? name : tr("%1 and %2 more").arg(name, QString::number(m_waiting.size())));
 }
 
 void Exporter::start()
@@ -78,20 +94,21 @@ void Exporter::start()
     showState();
     if (!m_running)
         return;
-    m_worker.run([this, job = m_running]() -> std::function<void()> {
-        const QString error = write(*job);
+    const auto write = [this, job = m_running]() -> std::function<void()> {
+        const QString error = written(*job);
         return [this, job, error] { finish(*job, error); };
-    });
+    };
+    m_worker.run(write, [this, job = m_running](const QString& reason) { finish(*job, reason); });
 }
 
-QString Exporter::write(Job& job)
+QString Exporter::written(Job& job)
 {
     const Target target{job.order.node, QString(), 1};
     const Outcome outcome = evaluate(job.order.graph, m_types, target, m_cache, Ondrel::RunStatus{&job.word});
     if (job.cancelled || outcome.cancelled)
         return QString();
-    if (!outcome.picture.image)
-        return outcome.errors.isEmpty() ? tr("There is no picture to export.") : outcome.errors.begin().value();
+    if (!outcome.picture.image || !outcome.errors.isEmpty())
+        return whyNotExport(job.order.graph, outcome);
     const auto progress = [this, &job](int percent) {
         QMetaObject::invokeMethod(
             &m_worker,

@@ -54,7 +54,7 @@ private:
     };
     void start();
     void finish(const Job& job, const QString& error);
-    QString write(Job& job); // on another thread
+    QString written(Job& job); // on another thread; why it failed, empty otherwise
     void showState();
 
     const NodeTypes& m_types;

@@ -5,6 +5,7 @@
 #include "sceneview.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <utility>
 
@@ -15,12 +16,13 @@ namespace
 
 constexpr int kGap = 60;
 
-// Projects may have any name. Blocks.
+// Projects may have any name. Opening a pipe would wait for its writer. Blocks.
 bool beginsAsProject(const QString& name)
 {
     constexpr int kBeginning = 80;
     QFile file(name);
-    return file.open(QIODevice::ReadOnly) && file.read(kBeginning).contains("\"ondrel-project\"");
+    return QFileInfo(name).isFile() && file.open(QIODevice::ReadOnly) &&
+           file.read(kBeginning).contains("\"ondrel-project\"");
 }
 
 } // namespace
@@ -46,12 +48,13 @@ bool FileOpener::isProjectName(const QString& file)
 
 void FileOpener::open(const QStringList& files, std::optional<QPoint> at)
 {
-    m_worker.run([this, files, at]() -> std::function<void()> {
+    const auto sort = [this, files, at]() -> std::function<void()> {
         QStringList projects, pictures;
         for (const QString& file : files)
             (isProjectName(file) || beginsAsProject(file) ? projects : pictures).append(file);
         return [this, projects, pictures, at] { openSorted(projects, pictures, at); };
-    });
+    };
+    m_worker.run(sort, [this](const QString& reason) { Q_EMIT message(reason); });
 }
 
 void FileOpener::openSorted(const QStringList& projects, const QStringList& pictures, std::optional<QPoint> at)

@@ -8,7 +8,6 @@
 
 #include <cmath>
 #include <memory>
-#include <new>
 
 namespace Host
 {
@@ -18,20 +17,16 @@ namespace
 // Room for a node and its wires.
 constexpr int kColumn = 320, kRow = 420;
 
-// As what its name says, else as the other. A file that takes more memory than there is counts as unreadable.
+// As what its name says, else as the other.
 Import importAny(const QString& file, bool& isRaw)
 {
     isRaw = hasRawName(file);
-    try {
-        Import made = isRaw ? importRawImage(file) : importImage(file);
-        if (made.id.id == 0) {
-            isRaw = !isRaw;
-            made = isRaw ? importRawImage(file) : importImage(file);
-        }
-        return made;
-    } catch (const std::bad_alloc&) {
-        return {};
+    Import made = isRaw ? importRawImage(file) : importImage(file);
+    if (made.id.id == 0) {
+        isRaw = !isRaw;
+        made = isRaw ? importRawImage(file) : importImage(file);
     }
+    return made;
 }
 
 } // namespace
@@ -50,23 +45,28 @@ void Importer::import(const QStringList& files, QPointF at, const QStringList& t
         int left;
     };
     const auto batch = std::make_shared<Batch>(Batch{told, files.size()});
+    const auto endOne = [this, batch](const QString& text) {
+        if (!text.isEmpty()) {
+            batch->texts.append(text);
+            Q_EMIT message(batch->texts.join("  "));
+        }
+        if (--batch->left == 0)
+            Q_EMIT ended();
+    };
     const int columns = int(std::ceil(std::sqrt(files.size())));
     for (int i = 0; i < files.size(); ++i) {
         const QPointF place = at + QPointF(i % columns * kColumn, i / columns * kRow);
-        m_worker.run([this, file = files[i], place, batch]() -> std::function<void()> {
+        const auto read = [this, file = files[i], place, endOne]() -> std::function<void()> {
             bool isRaw = false;
             const Import made = importAny(file, isRaw);
-            return [this, file, made, isRaw, place, batch] {
+            return [this, file, made, isRaw, place, endOne] {
                 if (made.id.id != 0)
                     addNode(file, isRaw ? "essentials/rawimage" : "essentials/image", made.id, place);
-                const QString text = made.id.id != 0 ? made.note : tr("%1 is no image that can be read.").arg(file);
-                if (!text.isEmpty()) {
-                    batch->texts.append(text);
-                    Q_EMIT message(batch->texts.join("  "));
-                }
-                if (--batch->left == 0)
-                    Q_EMIT ended();
+                endOne(made.id.id != 0 ? made.note : tr("%1 is no image that can be read.").arg(file));
             };
+        };
+        m_worker.run(read, [file = files[i], endOne](const QString& reason) {
+            endOne(tr("%1 cannot be read. %2").arg(file, reason));
         });
     }
 }

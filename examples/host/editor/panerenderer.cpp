@@ -51,8 +51,9 @@ void PaneRenderer::render()
     if (m_again)
         return;
     m_running = true;
-    m_worker.run([this, wanted = m_newestFirst, other = m_newestSecond, options = m_options, first = m_first,
-                  second = m_second, stale = std::exchange(m_stale, false)]() -> std::function<void()> {
+    const bool stale = std::exchange(m_stale, false);
+    const auto renderBoth = [this, stale, wanted = m_newestFirst, other = m_newestSecond, options = m_options,
+                             first = m_first, second = m_second]() -> std::function<void()> {
         const Shown newFirst = renderedUnlessSame(first, wanted, options, stale);
         const Shown newSecond = renderedUnlessSame(second, other, options, stale);
         return [this, newFirst, newSecond] {
@@ -63,6 +64,13 @@ void PaneRenderer::render()
             if (m_again)
                 render();
         };
+    };
+    m_worker.run(renderBoth, [this, stale](const QString& reason) {
+        m_running = false;
+        m_stale = m_stale || stale;
+        Q_EMIT message(reason);
+        if (m_again)
+            render();
     });
 }
 

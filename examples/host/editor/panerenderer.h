@@ -33,6 +33,7 @@ public:
 
 Q_SIGNALS:
     void rendered();
+    void message(const QString& text); // why there is no rendering; that of before stays
 
 private:
     void render();

@@ -34,12 +34,7 @@ ProjectFiles::ProjectFiles(Document& document, QWidget& window)
             m_autosaveTimer.start();
     });
     connect(&document.undoStack(), SIGNAL(cleanChanged(bool)), this, SIGNAL(nameChanged()));
-    connect(&m_worker, &Worker::failed, this, [this](const QString& reason) {
-        m_window.setEnabled(true);
-        m_afterSaving = nullptr;
-        Q_EMIT message(reason);
-        endOpening();
-    });
+    connect(&m_worker, SIGNAL(failed(QString)), this, SIGNAL(message(QString)));
 }
 
 void ProjectFiles::setView(std::function<QString(const nlohmann::ordered_json&)> show,
@@ -89,6 +84,13 @@ void ProjectFiles::openAfterAsking(const QString& file, std::function<void()> th
         open(file, std::move(then));
 }
 
+void ProjectFiles::failOpening(const QString& reason)
+{
+    m_window.setEnabled(true);
+    Q_EMIT message(reason);
+    endOpening();
+}
+
 void ProjectFiles::endOpening()
 {
     if (const std::function<void()> then = std::exchange(m_afterOpening, nullptr))
@@ -99,7 +101,10 @@ void ProjectFiles::open(const QString& file, std::function<void()> then)
 {
     m_afterOpening = std::move(then);
     m_window.setEnabled(false);
-    m_worker.run([this, file]() -> std::function<void()> {
+    const auto look = [this, file]() -> std::function<void()> {
+        const QFileInfo info(file);
+        if (info.exists() && !info.isFile()) // opening a pipe would wait for its writer
+            return [this, file] { failOpening(tr("%1 is no file.").arg(file)); };
         const QString autosave = recoverableAutosave(file);
         return [this, file, autosave] {
             if (autosave.isEmpty())
@@ -110,7 +115,8 @@ void ProjectFiles::open(const QString& file, std::function<void()> then)
                                read({file, recovers ? autosave : file, nullptr});
                            });
         };
-    });
+    };
+    m_worker.run(look, [this](const QString& reason) { failOpening(reason); });
 }
 
 void ProjectFiles::offerUnsaved()
@@ -143,20 +149,18 @@ void ProjectFiles::askForRecovery(const QString& text, std::function<void(bool)>
 void ProjectFiles::read(const Source& source)
 {
     m_window.setEnabled(false);
-    m_worker.run([this, source]() -> std::function<void()> {
+    const auto load = [this, source]() -> std::function<void()> {
         const ProjectReading reading = loadProject(source.from, m_document.types());
         return [this, source, reading] { take(source, reading); };
-    });
+    };
+    m_worker.run(load, [this](const QString& reason) { failOpening(reason); });
 }
 
 void ProjectFiles::take(const Source& source, const ProjectReading& reading)
 {
+    if (!reading.project)
+        return failOpening(reading.error);
     m_window.setEnabled(true);
-    if (!reading.project) {
-        Q_EMIT message(reading.error);
-        endOpening();
-        return;
-    }
     ++m_saves; // an autosave that still waits is of what goes now
     if (autosaveName(autosavedAs()) != source.from)
         leave();
@@ -235,7 +239,7 @@ void ProjectFiles::save(const QString& file)
     m_window.setEnabled(false);
     m_autosaveTimer.stop();
     ++m_saves;
-    m_worker.run([this, file, project = project()]() -> std::function<void()> {
+    const auto write = [this, file, project = project()]() -> std::function<void()> {
         const std::lock_guard lock(m_saving);
         const QString reason = saveProject(project, file);
         if (reason.isEmpty())
@@ -257,6 +261,11 @@ void ProjectFiles::save(const QString& file)
             if (afterwards)
                 afterwards();
         };
+    };
+    m_worker.run(write, [this](const QString& reason) {
+        m_window.setEnabled(true);
+        m_afterSaving = nullptr;
+        Q_EMIT message(reason);
     });
 }
 

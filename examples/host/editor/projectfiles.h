@@ -80,6 +80,7 @@ private:
     void read(const Source& source);
     void take(const Source& source, const ProjectReading& reading);
     QString autosavedAs() const; // the name that the autosave of what is edited goes by; empty: there is none yet
+    void failOpening(const QString& reason);
     void endOpening();
     void dropResources();
     Project project() const;

@@ -40,15 +40,15 @@ Worker::~Worker()
     m_idle.wait(lock, [this] { return m_running == 0; });
 }
 
-void Worker::run(std::function<std::function<void()>()> work)
+void Worker::run(std::function<std::function<void()>()> work, std::function<void(const QString&)> otherwise)
 {
     ++m_waiting;
     {
         const std::lock_guard lock(m_mutex);
         ++m_running;
     }
-    onThread([this, work = std::move(work)] {
-        const std::function<void()> then = resultOf(work);
+    onThread([this, work = std::move(work), otherwise = std::move(otherwise)] {
+        const std::function<void()> then = resultOf(work, otherwise);
         const auto finish = [this, then] {
             --m_waiting;
             if (then)
@@ -60,17 +60,26 @@ void Worker::run(std::function<std::function<void()>()> work)
 }
 
 // The threads of the pool end the process for what is thrown there.
-std::function<void()> Worker::resultOf(const std::function<std::function<void()>()>& work)
+std::function<void()> Worker::resultOf(const std::function<std::function<void()>()>& work,
+                                       const std::function<void(const QString&)>& otherwise)
 {
+    QString reason;
     try {
         return work();
     } catch (const std::bad_alloc&) {
-        return [this] { Q_EMIT failed(tr("There is not enough memory.")); };
+        reason = tr("There is not enough memory.");
     } catch (const std::exception& exception) {
-        return [this, reason = QString::fromLocal8Bit(exception.what())] { Q_EMIT failed(reason); };
+        reason = QString::fromLocal8Bit(exception.what());
     } catch (...) {
-        return [this] { Q_EMIT failed(tr("Something went wrong in the background.")); };
     }
+    if (reason.isEmpty())
+        reason = tr("Something went wrong in the background.");
+    return [this, otherwise, reason] {
+        if (otherwise)
+            otherwise(reason);
+        else
+            Q_EMIT failed(reason);
+    };
 }
 
 void Worker::leave()

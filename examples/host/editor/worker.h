@@ -19,15 +19,18 @@ public:
     using QObject::QObject;
     ~Worker() override; // waits for all that runs; what would come back then does not
 
-    // `work` runs on another thread and gives what is to be done afterwards on this one.
-    void run(std::function<std::function<void()>()> work);
+    // `work` runs on another thread and gives what is to be done afterwards on this one. If it throws, for which memory
+    // may have been too short, `otherwise` is called here instead, with a sentence about why; where there is none,
+    // failed() is emitted.
+    void run(std::function<std::function<void()>()> work, std::function<void(const QString& reason)> otherwise = {});
     bool isBusy() const { return m_waiting > 0; }
 
 Q_SIGNALS:
-    void failed(QString reason); // the work threw, for which memory may have been too short; nothing comes back
+    void failed(QString reason);
 
 private:
-    std::function<void()> resultOf(const std::function<std::function<void()>()>& work);
+    std::function<void()> resultOf(const std::function<std::function<void()>()>& work,
+                                   const std::function<void(const QString&)>& otherwise);
     void leave();
 
     std::mutex m_mutex;
