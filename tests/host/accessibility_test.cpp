@@ -257,6 +257,22 @@ TEST_F(Canvas, RenameKeepsNamesUnique)
     EXPECT_FALSE(graph().nodeByName("Levels"));
 }
 
+TEST_F(Canvas, RenameToTheSameOrNoNameIsNoEdit)
+{
+    addThree();
+    play("select Blur");
+    const int steps = window.document().undoStack().count();
+    for (const char* const name : {"Blur", "  Blur ", "", "   "}) {
+        inDialog<QInputDialog>([&](QInputDialog& dialog) {
+            dialog.setTextValue(name);
+            dialog.accept();
+        });
+        play("key F2");
+        EXPECT_TRUE(graph().nodeByName("Blur")) << name;
+    }
+    EXPECT_EQ(window.document().undoStack().count(), steps);
+}
+
 TEST_F(Canvas, SelectedNodesGoWithTheirProject)
 {
     addThree();

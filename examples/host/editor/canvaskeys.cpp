@@ -221,8 +221,12 @@ void CanvasKeys::renameNode(NodeId node)
     dialog.setWindowTitle(tr("Rename node"));
     dialog.setLabelText(tr("Name of the node"));
     dialog.setTextValue(record->name);
-    if (dialog.exec() == QDialog::Accepted)
-        m_document.renameNode(record->id, uniqueName(m_document.graph(), dialog.textValue().trimmed()));
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const NodeRecord* const now = m_document.graph().node(node);
+    const QString name = dialog.textValue().trimmed();
+    if (now && !name.isEmpty() && name != now->name)
+        m_document.renameNode(node, uniqueName(m_document.graph(), name));
 }
 
 void CanvasKeys::typeValues()
