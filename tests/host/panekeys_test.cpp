@@ -207,6 +207,31 @@ TEST_F(PanesByKeys, LineThatMakesNoSenseIsNamedAndChangesNothing)
     EXPECT_EQ(window.document().undoStack().count(), steps);
 }
 
+TEST_F(PanesByKeys, LineThatIsNotFinishedIsLeftByEscapeAndByClosingTheWindow)
+{
+    play("add essentials/levels 260 0 Levels\nselect Levels");
+    const QVariant before = value("Levels", "gamma");
+    const int steps = window.document().undoStack().count();
+    for (const bool byItsFrame : {false, true}) {
+        inValues([&](ValuesDialog& dialog) {
+            QApplication::setActiveWindow(&dialog);
+            auto* const line = dialog.findChild<QLineEdit*>("gamma");
+            line->setFocus();
+            EXPECT_TRUE(line->hasFocus());
+            line->selectAll();
+            QTest::keyClicks(line, "2");
+            if (byItsFrame)
+                dialog.close();
+            else
+                QTest::keyClick(line, Qt::Key_Escape);
+            EXPECT_FALSE(dialog.isVisible());
+        });
+        play("key V");
+        EXPECT_EQ(value("Levels", "gamma"), before);
+        EXPECT_EQ(window.document().undoStack().count(), steps);
+    }
+}
+
 TEST_F(PanesByKeys, EveryValueOfEveryKindComesBackFromItsLine)
 {
     int lines = 0;

@@ -78,6 +78,14 @@ QVariant ValuesDialog::valueOf(const InputInfo& input) const
     return completeValues(*m_document.graph().node(m_node), *typeOf(m_document, m_node)).value(input.name);
 }
 
+// The line with the keys loses them when the dialog hides.
+void ValuesDialog::reject()
+{
+    for (QLineEdit* const line : findChildren<QLineEdit*>())
+        line->setModified(false);
+    QDialog::reject();
+}
+
 // Focus that goes finishes a line too, so only one that was typed in is an edit.
 void ValuesDialog::finishLine()
 {

@@ -19,6 +19,9 @@ class ValuesDialog : public QDialog
 public:
     ValuesDialog(Document& document, NodeId node, QWidget* parent);
 
+public Q_SLOTS:
+    void reject() override; // as closing the window does: leaves a line that is not finished as it was
+
 private Q_SLOTS:
     void finishLine();
 
