@@ -15,10 +15,12 @@
 
 #include <QCryptographicHash>
 
+#include <algorithm>
 #include <atomic>
 #include <deque>
 #include <exception>
 #include <future>
+#include <iterator>
 #include <mutex>
 #include <set>
 
@@ -47,6 +49,18 @@ const InputInfo* passingInput(const NodeRecord& record, const NodeType& type, co
         return type.input(each);
     }
     return nullptr;
+}
+
+// The outputs to which a bypassed node hands it: those that are of its type.
+template <class Map>
+std::vector<OutputInfo> passedOutputs(const NodeRecord& record, const NodeType& type, const Map& pictures,
+                                      QString& name)
+{
+    std::vector<OutputInfo> outputs;
+    const InputInfo* const input = passingInput(record, type, pictures, name);
+    std::copy_if(type.outputs.begin(), type.outputs.end(), std::back_inserter(outputs),
+                 [input](const OutputInfo& output) { return input && output.dataType == input->dataType; });
+    return outputs;
 }
 
 // What a plug-in gives when it is asked, and an empty result where it throws instead.
@@ -153,7 +167,7 @@ private:
         task.record = record;
         task.type = m_types.find(record->type);
         for (const Connection& connection : m_graph.connections) {
-            if (connection.to == id && m_byNode.count(connection.from) != 0 && carries(connection))
+            if (connection.to == id && m_byNode.count(connection.from) != 0 && carries(m_graph, m_types, connection))
                 task.inputs[connection.input] = {m_byNode[connection.from], connection.output};
         }
         task.key = keyOf(task);
@@ -168,14 +182,6 @@ private:
         }
         known->second->nodes.push_back(id);
         m_byNode[id] = known->second;
-    }
-
-    // Of kinds that are not loaded nothing is known: what waits for them waits for its picture.
-    bool carries(const Connection& connection) const
-    {
-        const bool areKnown = m_types.find(m_graph.nodes.at(connection.from).type) != nullptr &&
-                              m_types.find(m_graph.nodes.at(connection.to).type) != nullptr;
-        return !areKnown || fits(m_graph, m_types, connection);
     }
 
     // Everything that the result depends on, but for what has generations (see ResultCache).
@@ -392,11 +398,8 @@ private:
     {
         Result result;
         QString name;
-        const InputInfo* const input = passingInput(*task.record, *task.type, request.inputs, name);
-        for (const OutputInfo& output : task.type->outputs) {
-            if (input && output.dataType == input->dataType)
-                result.outputs.insert(output.name, request.inputs.value(name));
-        }
+        for (const OutputInfo& output : passedOutputs(*task.record, *task.type, request.inputs, name))
+            result.outputs.insert(output.name, request.inputs.value(name));
         return result;
     }
 
@@ -425,7 +428,8 @@ std::pair<NodeId, QString> resolved(const Graph& graph, const NodeTypes& types, 
     if (!type->outputs.empty())
         return {target.node, type->outputs.front().name};
     for (const InputInfo& input : type->inputs) {
-        if (const Connection* const connection = graph.into(target.node, input.name))
+        const Connection* const connection = graph.into(target.node, input.name);
+        if (connection && carries(graph, types, *connection))
             return {connection->from, connection->output};
     }
     return {0, QString()};
@@ -445,7 +449,8 @@ void findSizes(const Graph& graph, const NodeTypes& types, const std::vector<Nod
             continue;
         Sizes inputs;
         for (const Connection& connection : graph.connections) {
-            if (connection.to == id && sizes[connection.from].contains(connection.output))
+            if (connection.to == id && sizes[connection.from].contains(connection.output) &&
+                carries(graph, types, connection))
                 inputs.insert(connection.input, sizes[connection.from].value(connection.output));
         }
         inputSizes[id] = inputs;
@@ -455,10 +460,8 @@ void findSizes(const Graph& graph, const NodeTypes& types, const std::vector<Nod
             continue;
         }
         QString name;
-        if (passingInput(*record, *type, inputs, name)) {
-            for (const OutputInfo& output : type->outputs)
-                sizes[id].insert(output.name, inputs.value(name));
-        }
+        for (const OutputInfo& output : passedOutputs(*record, *type, inputs, name))
+            sizes[id].insert(output.name, inputs.value(name));
     }
 }
 
@@ -467,9 +470,7 @@ std::vector<Ondrel::TransformMap> passingMaps(const NodeRecord& record, const No
 {
     std::vector<Ondrel::TransformMap> maps;
     QString name;
-    if (!passingInput(record, type, inputs, name))
-        return maps;
-    for (const OutputInfo& output : type.outputs) {
+    for (const OutputInfo& output : passedOutputs(record, type, inputs, name)) {
         Ondrel::TransformMap map;
         map.inputField = name;
         map.outputField = output.name;
@@ -493,6 +494,15 @@ std::vector<NodeId> allInOrder(const Graph& graph)
 }
 
 } // namespace
+
+bool carries(const Graph& graph, const NodeTypes& types, const Connection& connection)
+{
+    const auto isKnown = [&](NodeId id) {
+        const NodeRecord* const record = graph.node(id);
+        return record && types.find(record->type);
+    };
+    return !isKnown(connection.from) || !isKnown(connection.to) || fits(graph, types, connection);
+}
 
 Outcome evaluate(const Graph& graph, const NodeTypes& types, const Target& target, ResultCache& cache,
                  const Ondrel::RunStatus& status, const Progress& progress)
@@ -545,8 +555,10 @@ TransformGraph transformGraph(const Graph& graph, const NodeTypes& types)
             });
         result.addNode(node);
     }
-    for (const Connection& connection : graph.connections)
-        result.addEdge(connection.from, connection.output, connection.to, connection.input);
+    for (const Connection& connection : graph.connections) {
+        if (carries(graph, types, connection))
+            result.addEdge(connection.from, connection.output, connection.to, connection.input);
+    }
     return result;
 }
 

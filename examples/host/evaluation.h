@@ -60,6 +60,10 @@ void updateSizes(const Graph& graph, const NodeTypes& types, const std::vector<N
 // What fullSize() says, looked up.
 QSize knownSize(const Graph& graph, const NodeTypes& types, const Target& target, const OutputSizes& sizes);
 
+// Whether anything flows through the connection. Of kinds that are not loaded nothing is known: what waits for them
+// waits for their pictures.
+bool carries(const Graph& graph, const NodeTypes& types, const Connection& connection);
+
 // The relations between the nodes' pictures, for modes.
 TransformGraph transformGraph(const Graph& graph, const NodeTypes& types);
 

@@ -155,4 +155,69 @@ TEST_F(Evaluation, SizesAreKnownWithoutComputing)
     EXPECT_EQ(nodes.evaluations(), 0);
 }
 
+// Projects may have connections that do not fit any more.
+class MisfittingConnection : public Evaluation
+{
+protected:
+    // From the first node over the second to the third one, the last connection from this output.
+    void connectNodes(const QString& output)
+    {
+        graph.connections = {{first, "image", second, "image"}, {second, output, third, "image"}};
+    }
+    QSize sizeOf(NodeId node, const QString& output) { return fullSize(graph, nodes.types, {node, output, 1}); }
+    QSize knownSizeOf(NodeId node, const QString& output)
+    {
+        Host::OutputSizes sizes;
+        updateSizes(graph, nodes.types, {first, second, third}, sizes);
+        return knownSize(graph, nodes.types, {node, output, 1}, sizes);
+    }
+    bool hasRoute()
+    {
+        Ondrel::TransformSeries series;
+        return transformGraph(graph, nodes.types).buildTransformSeries(first, third, series);
+    }
+
+    const NodeId first = add("twice"), second = add("twice"), third = add("twice");
+};
+
+TEST_F(MisfittingConnection, DoesNotCountForSizes)
+{
+    connectNodes("image");
+    EXPECT_EQ(sizeOf(third, "image"), QSize(16, 16));
+    EXPECT_EQ(knownSizeOf(third, "image"), QSize(16, 16));
+    connectNodes("depth");
+    EXPECT_EQ(sizeOf(third, "image"), QSize(4, 4));
+    EXPECT_EQ(knownSizeOf(third, "image"), QSize(4, 4));
+}
+
+TEST_F(MisfittingConnection, LeadsNowhere)
+{
+    connectNodes("image");
+    EXPECT_TRUE(hasRoute());
+    connectNodes("depth");
+    EXPECT_FALSE(hasRoute());
+}
+
+TEST_F(MisfittingConnection, IsNotHandedOnByABypassedNode)
+{
+    graph.nodes[third].bypassed = true;
+    connectNodes("image");
+    EXPECT_EQ(sizeOf(third, "image"), QSize(8, 8));
+    EXPECT_TRUE(sizeOf(third, "depth").isEmpty()) << "no number goes in";
+    EXPECT_TRUE(hasRoute());
+    connectNodes("depth");
+    EXPECT_TRUE(sizeOf(third, "image").isEmpty());
+    EXPECT_TRUE(knownSizeOf(third, "image").isEmpty());
+    EXPECT_FALSE(hasRoute());
+}
+
+TEST_F(MisfittingConnection, IsNotTheTargetOfANodeWithoutOutputs)
+{
+    const NodeId last = add("show");
+    graph.connections = {{first, "image", last, "image"}};
+    EXPECT_EQ(sizeOf(last, QString()), QSize(4, 4));
+    graph.connections = {{first, "depth", last, "image"}};
+    EXPECT_TRUE(sizeOf(last, QString()).isEmpty());
+}
+
 } // namespace

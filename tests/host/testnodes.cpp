@@ -45,6 +45,10 @@ const std::map<QString, QString> kFiles = {
             "<field name=\"profile\" type=\"colorprofile\"/><field name=\"resource\" type=\"resource\"/>"
             "<field name=\"hidden\" type=\"hidden\"/></input>"
             "<output><field name=\"image\">Image</field></output></node>"},
+    {"twice", "<node title=\"Twice\"><input><field name=\"image\">Image</field>"
+              "<field name=\"width\" type=\"slider\" value=\"4\"/></input>"
+              "<output><field name=\"image\">Image</field><field name=\"depth\">Depth</field></output></node>"},
+    {"show", "<node title=\"Show\"><input><field name=\"image\">Image</field></input><output/></node>"},
     {"layers", "<node title=\"Layers\"><input/><output><field name=\"image\">Image</field></output></node>"},
 };
 
@@ -68,6 +72,20 @@ public:
 private:
     Work m_work;
     std::shared_ptr<std::atomic<int>> m_counter;
+};
+
+// What comes out of it is twice as large as what goes in.
+class Twice : public Behaviour
+{
+public:
+    using Behaviour::Behaviour;
+
+    QHash<QString, QSize> outputSizes(const QVariantMap& values, const QHash<QString, QSize>& inputs) const override
+    {
+        const int width = values.value("width").toString().toInt();
+        const QSize size = inputs.contains("image") ? inputs.value("image") * 2 : QSize(width, width);
+        return {{"image", size}, {"depth", size}};
+    }
 };
 
 template <class Function>
@@ -164,10 +182,10 @@ std::vector<Host::NodeEntry> TestNodes::nodes() const
         const unsigned int amount = hook(request);
         return picture([&](unsigned int i) { return sampleOf(request, "image", i) + amount; });
     };
-    const std::pair<const char*, Work> works[] = {{"Source", source},  {"Add", add},       {"Mix", mix},
-                                                  {"Slow", slow},      {"Fail", fail},     {"Throw", throwing},
-                                                  {"Number", nothing}, {"Photo", nothing}, {"All", nothing},
-                                                  {"Hook", hooked},    {"Flawed", flawed}, {"Layers", layers}};
+    const std::pair<const char*, Work> works[] = {
+        {"Source", source},  {"Add", add},        {"Mix", mix},       {"Slow", slow},   {"Fail", fail},
+        {"Throw", throwing}, {"Number", nothing}, {"Photo", nothing}, {"All", nothing}, {"Hook", hooked},
+        {"Flawed", flawed},  {"Show", nothing},   {"Layers", layers}};
     std::vector<Host::NodeEntry> entries;
     for (const auto& [name, work] : works) {
         Host::NodeEntry entry;
@@ -176,6 +194,11 @@ std::vector<Host::NodeEntry> TestNodes::nodes() const
         entries.push_back(entry);
     }
     entries[6].dataTypes["number"] = "number";
+    Host::NodeEntry twice;
+    twice.nodeName = "Twice";
+    twice.behaviour = std::make_shared<Twice>(nothing, m_counter);
+    twice.dataTypes["depth"] = "number";
+    entries.insert(entries.begin(), twice);
     Host::NodeEntry& variable = entries.back();
     variable.variablePrefix = "layer";
     variable.variableInput.dataType = "image";

@@ -23,6 +23,8 @@
 //   number  has an output of the type "number"
 //   photo   has a resource "image"
 //   all     a value of every kind
+//   twice   has a picture "image" and a number "depth", twice as large as "image", or of its value "width"
+//   show    has no output
 //   layers  any number of inputs "layer1", "layer2", with an opacity each
 class TestNodes : public Host::NodePlugin
 {
