@@ -1,10 +1,12 @@
 #include "picturesize.h"
 
+#include "saturated.h"
 #include "tiffpicture.h"
 
 #include <QBuffer>
 #include <QByteArray>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
 
 #include <algorithm>
@@ -34,19 +36,20 @@ QSize sizeInHeader(const unsigned char* data, std::size_t size)
 std::size_t bytesToImport(const unsigned char* data, std::size_t size)
 {
     const QSize found = sizeInHeader(data, size);
-    const std::size_t pixels =
-        found.isEmpty() ? size * kPixelsAByte : std::size_t(found.width()) * std::size_t(found.height());
-    return pixels * kBytesAPixel + size * kBytesAByte;
+    const std::size_t pixels = found.isEmpty()
+                                   ? saturatedProduct(size, kPixelsAByte)
+                                   : saturatedProduct(std::size_t(found.width()), std::size_t(found.height()));
+    return saturatedSum(saturatedProduct(pixels, kBytesAPixel), saturatedProduct(size, kBytesAByte));
 }
 
 std::size_t bytesToImport(const QString& name)
 {
     QFile file(name);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(name).isFile() || !file.open(QIODevice::ReadOnly)) // a pipe would be waited for
         return 0;
     const auto size = std::size_t(file.size());
     const uchar* const data = size == 0 ? nullptr : file.map(0, file.size());
-    return data ? bytesToImport(data, size) : size * (kPixelsAByte * kBytesAPixel + kBytesAByte);
+    return data ? bytesToImport(data, size) : saturatedProduct(size, kPixelsAByte * kBytesAPixel + kBytesAByte);
 }
 
 } // namespace Host

@@ -11,6 +11,11 @@
 #include <QImage>
 #include <QTemporaryDir>
 
+#include <cstdint>
+#include <limits>
+#include <sys/stat.h>
+#include <utility>
+
 using Bytes = std::vector<unsigned char>;
 
 namespace
@@ -33,6 +38,22 @@ Bytes cameraFile()
     file.height = 64;
     file.samples.resize(96 * 64);
     return file.bytes();
+}
+
+// A TIFF file that says no more than its size.
+Bytes headerOfTiff(std::uint32_t width, std::uint32_t height)
+{
+    Bytes bytes = {'I', 'I', 42, 0, 8, 0, 0, 0, 4, 0};
+    // Width, height, and the place and size of the only strip; all as long numbers.
+    const std::pair<unsigned char, std::uint32_t> tags[] = {{0x00, width}, {0x01, height}, {0x11, 8}, {0x17, 1}};
+    for (const auto& [tag, value] : tags) {
+        for (const unsigned int byte : {unsigned(tag), 1u, 4u, 0u, 1u, 0u, 0u, 0u})
+            bytes.push_back(static_cast<unsigned char>(byte));
+        for (unsigned int shift = 0; shift < 32; shift += 8)
+            bytes.push_back(static_cast<unsigned char>(value >> shift & 255));
+    }
+    bytes.resize(bytes.size() + 4); // no further directory
+    return bytes;
 }
 
 QSize sizeOf(const Bytes& bytes)
@@ -78,4 +99,27 @@ TEST(PictureSize, ImportingTakesMoreThanThePixels)
     EXPECT_EQ(Host::bytesToImport(folder.filePath("none.png")), 0u);
     const Bytes noHeader(100, 7);
     EXPECT_EQ(Host::bytesToImport(noHeader.data(), noHeader.size()), 100u * 4 * 48 + 300);
+}
+
+TEST(PictureSize, HeadersThatLieLeadToTheLargestNumber)
+{
+    const auto need = [](std::uint32_t width, std::uint32_t height) {
+        const Bytes bytes = headerOfTiff(width, height);
+        EXPECT_EQ(sizeOf(bytes), QSize(int(width), int(height)));
+        return Host::bytesToImport(bytes.data(), bytes.size());
+    };
+    constexpr std::size_t largest = std::numeric_limits<std::size_t>::max();
+    EXPECT_EQ(need(1u << 20, 1u << 10), (std::size_t(1) << 30) * 48 + 3 * headerOfTiff(1, 1).size());
+    EXPECT_EQ(need(1u << 30, 1u << 30), largest); // whose bytes are a multiple of 2^64
+    EXPECT_EQ(need(1431655768u, 268435456u), largest);
+    EXPECT_EQ(need(0x7fffffffu, 0x7fffffffu), largest);
+}
+
+TEST(PictureSize, OnlyRegularFilesAreOpened)
+{
+    QTemporaryDir folder;
+    const QByteArray pipe = QFile::encodeName(folder.filePath("pipe.png"));
+    ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
+    EXPECT_EQ(Host::bytesToImport(QFile::decodeName(pipe)), 0u);
+    EXPECT_EQ(Host::bytesToImport(folder.path()), 0u);
 }

@@ -7,6 +7,7 @@
 #include "project.h"
 #include "renderer.h"
 #include "report.h"
+#include "saturated.h"
 
 #include <ondrel/core/platform.h>
 
@@ -80,7 +81,7 @@ int run(const Options& options)
     std::FILE* const out = takeStandardOutput();
     Host::NodeTypes types;
     warn(Host::loadPlugins(options.plugins.isEmpty() ? Ondrel::Platform::PluginsDirectory() : options.plugins, types));
-    const std::size_t bytes = options.memory == 0 ? 0 : kProgramBytes + bytesToRead(options.project);
+    const std::size_t bytes = options.memory == 0 ? 0 : Host::saturatedSum(kProgramBytes, bytesToRead(options.project));
     if (bytes > options.memory)
         return complain(QString("%1: It needs up to %2 to be read, more than --memory allows.")
                             .arg(options.project, memoryText(bytes)));

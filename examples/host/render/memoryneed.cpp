@@ -3,6 +3,7 @@
 #include "evaluation.h"
 #include "picturesize.h"
 #include "project.h"
+#include "saturated.h"
 
 #include <ondrel/resources/resourceengine.h>
 
@@ -35,13 +36,15 @@ std::string member(const Json& json, const char* name)
 
 // How many nodes may run at once, at most: each is put behind one that it depends on, if none is there yet, and of a
 // row that comes about only one runs at a time.
-std::size_t rowsOf(const Graph& graph, const std::vector<NodeId>& nodes)
+std::size_t rowsOf(const Graph& graph, const NodeTypes& types, const std::vector<NodeId>& nodes)
 {
     std::set<NodeId> ends;
     std::size_t rows = 0;
     for (const NodeId id : nodes) { // each behind those it depends on
-        const auto before = std::find_if(graph.connections.begin(), graph.connections.end(),
-                                         [&](const auto& wire) { return wire.to == id && ends.count(wire.from) != 0; });
+        const auto leadsHere = [&, id](const Connection& wire) {
+            return wire.to == id && ends.count(wire.from) != 0 && carries(graph, types, wire);
+        };
+        const auto before = std::find_if(graph.connections.begin(), graph.connections.end(), leadsHere);
         if (before == graph.connections.end())
             ++rows;
         else
@@ -49,6 +52,13 @@ std::size_t rowsOf(const Graph& graph, const std::vector<NodeId>& nodes)
         ends.insert(id);
     }
     return rows;
+}
+
+// Of a regular file: a folder has a size too.
+std::size_t sizeOf(const QString& file)
+{
+    const QFileInfo info(file);
+    return info.isFile() ? std::size_t(info.size()) : 0;
 }
 
 std::size_t pixelsOf(const QSize& size)
@@ -74,11 +84,11 @@ std::size_t bytesToRead(const QString& projectFile)
         const QByteArray embedded = QByteArray::fromBase64(QByteArray::fromStdString(member(resource, "data")));
         const QString place = folder.absoluteFilePath(QString::fromStdString(member(resource, "path")));
         const auto* const bytes = reinterpret_cast<const unsigned char*>(embedded.constData());
-        const auto size = std::size_t(embedded.isEmpty() ? QFileInfo(place).size() : embedded.size());
-        sum += size;
+        const std::size_t size = embedded.isEmpty() ? sizeOf(place) : std::size_t(embedded.size());
+        sum = saturatedSum(sum, size);
         largest = std::max(largest, embedded.isEmpty() ? bytesToImport(place) : bytesToImport(bytes, size));
     }
-    return sum + largest;
+    return saturatedSum(sum, largest);
 }
 
 std::size_t bytesInStore(const std::vector<Ondrel::ResourceId>& ids)
@@ -101,15 +111,17 @@ std::size_t bytesToCompute(const Graph& graph, const NodeTypes& types, NodeId no
         const NodeType* const type = record ? types.find(record->type) : nullptr;
         for (const OutputInfo& output : type ? type->outputs : std::vector<OutputInfo>()) {
             const std::size_t pixels = pixelsOf(fullSize(graph, types, {id, output.name, 1}));
-            sum += pixels * kBytesAPixel;
+            sum = saturatedSum(sum, saturatedProduct(pixels, kBytesAPixel));
             largest = std::max(largest, pixels);
         }
     }
     const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
-    return sum + largest * (kEncoderBytesAPixel + kNodeBytesAPixel * std::min(rowsOf(graph, nodes), cores));
+    const std::size_t work = kEncoderBytesAPixel + kNodeBytesAPixel * std::min(rowsOf(graph, types, nodes), cores);
+    return saturatedSum(sum, saturatedProduct(largest, work));
 }
 
 QString memoryText(std::size_t bytes)
 {
-    return QString("%1 MiB").arg((bytes + (std::size_t(1) << 20) - 1) >> 20);
+    constexpr std::size_t mebibyte = std::size_t(1) << 20;
+    return QString("%1 MiB").arg(bytes / mebibyte + (bytes % mebibyte != 0 ? 1 : 0));
 }

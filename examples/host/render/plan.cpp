@@ -4,6 +4,7 @@
 #include "memoryneed.h"
 #include "pictureexport.h"
 #include "picturesize.h"
+#include "saturated.h"
 #include "values.h"
 
 #include <ondrel/resources/resourceengine.h>
@@ -56,7 +57,8 @@ QString pictureField(const NodeRecord& node, const NodeTypes& types)
 QVariant addPicture(const QString& file, bool raw, Plan& plan, std::size_t memory)
 {
     const QString place = QFileInfo(file).absoluteFilePath();
-    const std::size_t bytes = memory == 0 ? 0 : kProgramBytes + bytesInStore(plan.stored) + bytesToImport(place);
+    const std::size_t bytes =
+        memory == 0 ? 0 : saturatedSum(kProgramBytes + bytesInStore(plan.stored), bytesToImport(place));
     if (bytes > memory)
         throw Refusal{
             QString("\"%1\" needs up to %2 to be read, more than --memory allows.").arg(file, memoryText(bytes))};

@@ -7,6 +7,7 @@
 #include "pictureexport.h"
 #include "picturesize.h"
 #include "resultcache.h"
+#include "saturated.h"
 
 #include <ondrel/resources/resourceengine.h>
 
@@ -183,8 +184,8 @@ private:
     QString make(const Job& job)
     {
         Graph graph = m_plan.graph;
+        Allowance allowance(m_gate); // given back when the picture is gone
         std::shared_ptr<StoredPicture> picture;
-        Allowance allowance(m_gate);
         const QString reason = begin(job, graph, picture, allowance);
         if (!reason.isEmpty() || isStopped())
             return reason;
@@ -221,13 +222,13 @@ private:
                 m_report.note(import.note);
             stored = ResourceEngine::Get().SumMemorySizes({import.id});
         }
-        const std::size_t bytes = stored + bytesToCompute(graph, m_types, job.outputNode);
+        const std::size_t bytes = saturatedSum(stored, bytesToCompute(graph, m_types, job.outputNode));
         return allowance.change(bytes) ? QString() : tooLarge(bytes);
     }
 
     QString tooLarge(std::size_t bytes) const
     {
-        return QString("It needs up to %1, more than --memory allows.").arg(memoryText(m_kept + bytes));
+        return QString("It needs up to %1, more than --memory allows.").arg(memoryText(saturatedSum(m_kept, bytes)));
     }
 
     QString write(const Job& job, const Graph& graph, const Ondrel::Image& image) const
