@@ -3,12 +3,14 @@
 #include "editorfixture.h"
 #include "marker.h"
 
+#include "commandline.h"
 #include "embedding.h"
 #include "fileopener.h"
 #include "projectfiles.h"
 #include "scene.h"
 
 #include <QAction>
+#include <QCommandLineParser>
 #include <QMenuBar>
 
 using namespace Host;
@@ -95,4 +97,19 @@ TEST_F(TranslatedEditor, RefusalsAndErrorsAreTranslated)
     write("b.ondrel", text.replace("essentials/gaussianblur", "future/blur"));
     play("open " + path("b.ondrel") + "\nshow Levels\nwait");
     expectStatus("<\"Blur\": there is no plug-in");
+}
+
+TEST_F(TranslatedEditor, CommandLineIsTranslated)
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    const QString help = parser.helpText();
+    for (const char* const text :
+         {"<Edits pictures by graphs", "<A project to open.>", "<Pictures to make nodes of", "<The folder of plug-ins",
+          "<Play what is in a file", "<Where the script's pictures"})
+        EXPECT_TRUE(help.contains(text)) << text;
+    EXPECT_EQ(parseArguments(parser, {"ondrel-editor", "a.ondrel", "b.png", "c.ondrel"}), "<one project at a time>");
+    EXPECT_EQ(parseArguments(parser, {"ondrel-editor", "a.ondrel", "b.png", "--out", "folder"}), "");
+    EXPECT_EQ(parser.positionalArguments(), (QStringList{"a.ondrel", "b.png"}));
+    EXPECT_NE(parseArguments(parser, {"ondrel-editor", "--nothing"}), "");
 }

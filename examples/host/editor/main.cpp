@@ -2,6 +2,7 @@
 // command line made no sense.
 
 #include "application.h"
+#include "commandline.h"
 #include "editorwindow.h"
 #include "fileopener.h"
 #include "preferences.h"
@@ -16,10 +17,8 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QDir>
 #include <QIcon>
 
-#include <algorithm>
 #include <cstdio>
 
 int main(int argc, char** argv)
@@ -32,28 +31,19 @@ int main(int argc, char** argv)
     QApplication::setPalette(Common::darkPalette(QColor(50, 49, 49)));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription("Edits pictures by graphs of nodes.");
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.addPositionalArgument("project", "A project to open.", "[PROJECT]");
-    parser.addPositionalArgument("images", "Pictures to make nodes of, in that project or a new one.", "[IMAGE...]");
-    parser.addOptions({{"plugins", "The folder of plug-ins (default: beside the program).", "FOLDER",
-                        QDir(QCoreApplication::applicationDirPath()).filePath("plugins")},
-                       {"script", "Play what is in a file, and stop.", "FILE"},
-                       {"out", "Where the script's pictures go (default: here).", "FOLDER", "."}});
-    const bool isParsed = parser.parse(QCoreApplication::arguments());
-    const QStringList files = parser.positionalArguments();
-    if (!isParsed || std::count_if(files.begin(), files.end(), Host::FileOpener::isProjectName) > 1) {
-        const QString reason = parser.errorText().isEmpty() ? "one project at a time" : parser.errorText();
-        std::fprintf(stderr, "ondrel-editor: %s\n", qUtf8Printable(reason));
+    Host::addOptions(parser);
+    const QString problem = Host::parseArguments(parser, QCoreApplication::arguments());
+    if (!problem.isEmpty()) {
+        std::fprintf(stderr, "ondrel-editor: %s\n", qUtf8Printable(problem));
         return 2;
     }
     parser.process(application); // for --help and --version
 
     Host::NodeTypes types;
+    const QStringList files = parser.positionalArguments();
     const QStringList problems = Host::loadPlugins(parser.value("plugins"), types);
-    for (const QString& problem : problems)
-        std::fprintf(stderr, "%s\n", qUtf8Printable(problem));
+    for (const QString& each : problems)
+        std::fprintf(stderr, "%s\n", qUtf8Printable(each));
     int status = 0;
     {
         Host::EditorWindow window(types);
