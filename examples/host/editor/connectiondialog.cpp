@@ -16,22 +16,6 @@ namespace Host
 namespace
 {
 
-// The nodes that depend on the node, and itself.
-std::set<NodeId> dependents(const Graph& graph, NodeId node)
-{
-    std::set<NodeId> found{node};
-    std::vector<NodeId> open{node};
-    while (!open.empty()) {
-        const NodeId next = open.back();
-        open.pop_back();
-        for (const Connection& connection : graph.connections) {
-            if (connection.from == next && found.insert(connection.to).second)
-                open.push_back(connection.to);
-        }
-    }
-    return found;
-}
-
 // By the fields that the items have now: a node may have more than its file says.
 void addBetween(Scene& scene, NodeId from, NodeId to, std::vector<Connection>& connections)
 {
@@ -63,9 +47,8 @@ bool has(const Graph& graph, const Connection& connection)
 std::vector<Connection> possibleConnections(Scene& scene, NodeId node)
 {
     const Graph& graph = scene.document().graph();
-    const std::set<NodeId> after = dependents(graph, node);
-    const std::vector<NodeId> needed = dependencies(graph, node);
-    const std::set<NodeId> before(needed.begin(), needed.end());
+    const std::vector<NodeId> later = dependents(graph, {node}), needed = dependencies(graph, node);
+    const std::set<NodeId> after(later.begin(), later.end()), before(needed.begin(), needed.end());
     std::vector<const NodeRecord*> others;
     for (const auto& [id, record] : graph.nodes)
         others.push_back(&record);
