@@ -3,14 +3,17 @@
 #include "essentials.h"
 
 #include <ondrel/core/color.h>
+#include <ondrel/nodes/xmlnode.h>
 #include <ondrel/resources/resourceid.h>
 
+#include <QGraphicsScene>
 #include <QPointF>
 #include <QSet>
 
 #include <atomic>
 #include <chrono>
 #include <limits>
+#include <memory>
 #include <thread>
 
 using namespace OndrelTest;
@@ -18,6 +21,8 @@ using Ondrel::Image;
 
 namespace
 {
+
+constexpr int kHuge = 2000; // elements of a list
 
 QVariantList manyOf(const QVariant& element, int count)
 {
@@ -56,6 +61,18 @@ QVariantList hostileValues()
     values.append(QVariant(manyOf(QPointF(1e300, -1e300), 3)));
     values.append(QVariant(manyOf(QVariant(manyOf(QPointF(1e300, nan), 400)), 4)));
     values.append(QVariant(manyOf("text", 4)));
+    const QVariantList none;
+    values.append(QVariant(none));
+    values.append(QVariant(manyOf(QVariant(none), 1)));
+    values.append(QVariant(manyOf(QPointF(0.25, 3), 1)));
+    values.append(QVariant(manyOf(QVariant(manyOf(QPointF(40000, 7), 1)), 4)));
+    values.append(QVariant(manyOf(QVariant(manyOf(QPointF(infinite, -infinite), 2)), 1)));
+    values.append(QVariant(manyOf(QPointF(5, 6), kHuge)));
+    values.append(QVariant(manyOf(QVariant(manyOf(QPointF(7, 8), kHuge)), 4)));
+    values.append(QVariant(manyOf(QVariantMap{{"position", "0.5"}, {"color", "1"}}, kHuge)));
+    values.append(QVariant(manyOf(QVariantMap{{"points", none}}, kHuge)));
+    values.append(QString("0,").repeated(kHuge));
+    values.append(QString("9").repeated(kHuge));
     for (const QVariant& size : {QVariant(nan), QVariant("1e300"), QVariant(-1e300), QVariant(QVariantList())}) {
         values.append(QVariant(QVariantList{QVariantMap{
             {"size", size},
@@ -111,6 +128,27 @@ TEST(EssentialsHostile, NoValueOfAnyInputCrashesANode)
         for (const QString& input : inputs) {
             for (const QVariant& value : hostile)
                 expectSane(*type, input, value);
+        }
+    }
+}
+
+// As a document shows them: by items in a scene.
+TEST(EssentialsHostile, NoValueOfAnyInputCrashesAnItem)
+{
+    const QVariantList hostile = hostileValues();
+    for (const Host::NodeType* const type : essentials().all()) {
+        QGraphicsScene scene;
+        Ondrel::Node* const own = type->entry.behaviour->createItem(type->fileText);
+        const std::unique_ptr<Ondrel::Node> item(own ? own : Ondrel::XmlNode::create(type->fileText));
+        ASSERT_TRUE(item) << qPrintable(type->id);
+        scene.addItem(item.get());
+        for (unsigned long i = 0; i < item->inputFieldCount(); ++i) {
+            const QVariant before = item->inputValue(int(i));
+            for (const QVariant& value : hostile) {
+                item->setInputValue(i, value);
+                item->inputValue(int(i));
+            }
+            item->setInputValue(i, before);
         }
     }
 }
