@@ -89,14 +89,16 @@ void DeviceChoice::switchTo(const std::optional<DeviceInfo>& device)
 void DeviceChoice::runSwitch()
 {
     m_switching = true;
-    m_worker.run([this, device = m_wanted]() -> std::function<void()> {
-        bool done = true;
-        if (device)
-            done = PixelOpenCL::instance()->setDevice(device->platform, device->device);
-        else
-            PixelOpenCL::instance()->disable();
-        return [this, device, done] { finishSwitch(device, done); };
-    });
+    m_worker.run(
+        [this, device = m_wanted]() -> std::function<void()> {
+            bool done = true;
+            if (device)
+                done = PixelOpenCL::instance()->setDevice(device->platform, device->device);
+            else
+                PixelOpenCL::instance()->disable();
+            return [this, device, done] { finishSwitch(device, done); };
+        },
+        [this, device = m_wanted](const QString&) { finishSwitch(device, false); });
 }
 
 void DeviceChoice::finishSwitch(const std::optional<DeviceInfo>& device, bool done)
