@@ -34,7 +34,7 @@ protected:
 TEST_F(GraphOfNodes, AllKindsOfTheTestPlugInAreThere)
 {
     EXPECT_TRUE(nodes.problems.isEmpty()) << qPrintable(nodes.problems.join('\n'));
-    EXPECT_EQ(nodes.types.all().size(), 11u);
+    EXPECT_EQ(nodes.types.all().size(), 14u);
 }
 
 TEST_F(GraphOfNodes, AConnectionThatWouldCloseACycleIsRefusedWithTheReason)
