@@ -1,6 +1,7 @@
 #include "nodetypes.h"
 
 #include "text.h"
+#include "values.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/core/color.h>
@@ -145,7 +146,7 @@ void applyEntry(NodeType& type)
         return;
     InputInfo order;
     order.name = entry.variablePrefix + "_order";
-    order.kind = "hidden";
+    order.kind = kOrderKind;
     order.initial = QString();
     type.inputs.push_back(order);
 }

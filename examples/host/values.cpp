@@ -23,6 +23,7 @@ namespace
 {
 
 constexpr int kProfileHashSize = 32;
+constexpr int kLongestOrder = 4096; // characters
 
 std::string shortest(double number)
 {
@@ -255,6 +256,8 @@ bool fitsKind(const QVariant& value, const QString& kind)
     }
     if (kind == "combobox" || kind == "fieldsetcombobox")
         return value.type() == QVariant::String;
+    if (kind == kOrderKind)
+        return value.type() == QVariant::String && value.toString().size() <= kLongestOrder;
     if (kind == "color")
         return value.userType() == qMetaTypeId<Ondrel::Color>();
     if (kind == "colorprofile") {

@@ -218,6 +218,20 @@ TEST_F(Editing, NewNodesAndFramesFindAnIdEvenBesideTheLastOfAll)
     EXPECT_EQ(document.addNode("test/source", {}), 3u);
 }
 
+TEST_F(Editing, OrderOfEndlessInputsIsKeptUnused)
+{
+    const NodeId layers = document.addNode("test/layers", {});
+    const auto used = [&](const QString& order) {
+        document.setValue(layers, "layer_order", order);
+        const Host::NodeRecord& record = *document.graph().node(layers);
+        EXPECT_EQ(record.values.value("layer_order").toString(), order);
+        return completeValues(record, *nodes.types.find(record.type)).value("layer_order").toString();
+    };
+    const QString longest = QString("0,1,").repeated(1024);
+    EXPECT_EQ(used(longest), longest);
+    EXPECT_EQ(used(longest + '2'), "");
+}
+
 TEST_F(Editing, TheMemoryOfUndoIsBounded)
 {
     const NodeId id = document.addNode("test/all", {0, 0});
