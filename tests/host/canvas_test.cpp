@@ -165,6 +165,7 @@ TEST_F(CanvasByMouse, PicturesOfNodesShowWhatTheNodesShow)
     play("wait");
     view().resetTransform();
     view().centerOn(300, 150);
+    play("wait"); // the nodes' pictures are of the new zoom
     const auto without = [this] {
         for (const auto& [node, each] : scene().nodeItems())
             each->graphicsEffect()->setEnabled(false);
