@@ -1,6 +1,6 @@
 // The manager of the OpenCL device, with a driver that records what it is asked for.
 
-#include "withstub.h"
+#include "withrecordingdriver.h"
 
 #include <climits>
 
@@ -9,11 +9,11 @@ using namespace OndrelTest;
 namespace
 {
 
-class OpenCLManager : public WithStub
+class OpenCLManager : public WithRecordingDriver
 {
 protected:
     static PixelOpenCL& manager() { return *PixelOpenCL::instance(); }
-    static bool has(const char* call) { return std::count(stub().calls.begin(), stub().calls.end(), call) > 0; }
+    static bool has(const char* call) { return std::count(recorder().calls.begin(), recorder().calls.end(), call) > 0; }
 };
 
 // What a call writes to the standard output.
@@ -52,7 +52,7 @@ TEST_F(OpenCLManager, ListsTheDevicesOfAllPlatformsInTheirOrder)
     EXPECT_TRUE(platforms[1].devices.empty());
     EXPECT_EQ(platforms[2].devices, std::vector<std::string>{"Gamma"});
     EXPECT_FALSE(isEnabled());
-    EXPECT_TRUE(stub().contexts.empty());
+    EXPECT_TRUE(recorder().contexts.empty());
 }
 
 TEST_F(OpenCLManager, ListingKeepsTheDevice)
@@ -67,40 +67,40 @@ TEST_F(OpenCLManager, ListingKeepsTheDevice)
 TEST_F(OpenCLManager, MakesTheContextForTheChosenDeviceAlone)
 {
     EXPECT_TRUE(manager().setDevice(0, 1));
-    ASSERT_EQ(stub().contexts.size(), 1u);
-    EXPECT_EQ(stub().contexts[0].devices, std::vector<std::string>{"Beta"});
-    EXPECT_FALSE(stub().contexts[0].hasProperties);
-    EXPECT_FALSE(stub().contexts[0].hasCallback);
-    EXPECT_EQ(stub().builtFor, std::vector<std::string>{"Beta"});
-    EXPECT_EQ(stub().buildOptions, "-cl-mad-enable");
+    ASSERT_EQ(recorder().contexts.size(), 1u);
+    EXPECT_EQ(recorder().contexts[0].devices, std::vector<std::string>{"Beta"});
+    EXPECT_FALSE(recorder().contexts[0].hasProperties);
+    EXPECT_FALSE(recorder().contexts[0].hasCallback);
+    EXPECT_EQ(recorder().builtFor, std::vector<std::string>{"Beta"});
+    EXPECT_EQ(recorder().buildOptions, "-cl-mad-enable");
 
     EXPECT_TRUE(manager().setDevice(2, 0));
-    EXPECT_EQ(stub().contexts.back().devices, std::vector<std::string>{"Gamma"});
+    EXPECT_EQ(recorder().contexts.back().devices, std::vector<std::string>{"Gamma"});
     EXPECT_EQ(alive(), kIdle);
 }
 
 TEST_F(OpenCLManager, BuildsOneProgramFromEightTextsInTheirOrder)
 {
     EXPECT_TRUE(manager().setDevice(0, 0));
-    ASSERT_EQ(stub().sources.size(), 8u);
-    EXPECT_TRUE(stub().sourcesHaveLengths);
+    ASSERT_EQ(recorder().sources.size(), 8u);
+    EXPECT_TRUE(recorder().sourcesHaveLengths);
     const char* const kernels[8][2] = {{"c0", "d0"}, {"b1", "g1"}, {"a2", "a2"}, {"a3", "j3"},
                                        {"a4", "t4"}, {"a5", "c5"}, {"a6", "g6"}, {"a7", "a7"}};
     for (std::size_t i = 0; i < 8; ++i) {
-        const std::string& source = stub().sources[i];
+        const std::string& source = recorder().sources[i];
         EXPECT_FALSE(source.empty()) << i;
         EXPECT_EQ(source.find('\0'), std::string::npos) << i;
         for (const char* const name : kernels[i])
             EXPECT_NE(source.find(name), std::string::npos) << name << " in source " << i;
         for (std::size_t other = 0; other < 8; ++other) {
             if (other != i) {
-                EXPECT_EQ(stub().sources[other].find(std::string(kernels[i][0]) + "("), std::string::npos)
+                EXPECT_EQ(recorder().sources[other].find(std::string(kernels[i][0]) + "("), std::string::npos)
                     << kernels[i][0] << " in source " << other;
             }
         }
     }
-    EXPECT_EQ(std::count(stub().calls.begin(), stub().calls.end(), "clCreateProgramWithSource"), 1);
-    EXPECT_EQ(std::count(stub().calls.begin(), stub().calls.end(), "clBuildProgram"), 1);
+    EXPECT_EQ(std::count(recorder().calls.begin(), recorder().calls.end(), "clCreateProgramWithSource"), 1);
+    EXPECT_EQ(std::count(recorder().calls.begin(), recorder().calls.end(), "clBuildProgram"), 1);
 }
 
 // A log without text has a terminating zero and nothing else.
@@ -111,15 +111,15 @@ TEST_F(OpenCLManager, WritesNothingIfTheBuildLogIsEmpty)
 
 TEST_F(OpenCLManager, WritesTheBuildLogUnderItsHeading)
 {
-    stub().buildLog = "warning: one\nwarning: two";
+    recorder().buildLog = "warning: one\nwarning: two";
     EXPECT_EQ(outputOf([] { EXPECT_TRUE(manager().setDevice(0, 0)); }),
               "OpenCL Build Log: \nwarning: one\nwarning: two\n");
 }
 
 TEST_F(OpenCLManager, StaysEnabledAfterAFailedBuild)
 {
-    stub().buildResult = -11;
-    stub().buildLog = "error";
+    recorder().buildResult = -11;
+    recorder().buildLog = "error";
     EXPECT_EQ(outputOf([] { EXPECT_TRUE(manager().setDevice(0, 0)); }), "OpenCL Build Log: \nerror\n");
     EXPECT_TRUE(isEnabled());
     EXPECT_EQ(alive(), kIdle);
@@ -127,10 +127,10 @@ TEST_F(OpenCLManager, StaysEnabledAfterAFailedBuild)
 
 TEST_F(OpenCLManager, StaysEnabledWithoutABuildLog)
 {
-    stub().buildLog = "never seen";
-    stub().failName = "clGetProgramBuildInfo";
-    stub().failAt = 1;
-    stub().failOn = true;
+    recorder().buildLog = "never seen";
+    recorder().failName = "clGetProgramBuildInfo";
+    recorder().failAt = 1;
+    recorder().failOn = true;
     EXPECT_EQ(outputOf([] { EXPECT_TRUE(manager().setDevice(0, 0)); }), "");
     EXPECT_TRUE(isEnabled());
 }
@@ -155,9 +155,9 @@ TEST_F(OpenCLManager, SwitchesOffWhereverSettingTheDeviceFails)
 {
     for (int number = 1;; ++number) {
         useDevice();
-        stub().failAt = number;
+        recorder().failAt = number;
         const bool result = manager().setDevice(0, 1);
-        const std::string failed = stub().failedCall;
+        const std::string failed = recorder().failedCall;
         SCOPED_TRACE("failing: " + failed);
         if (failed.empty()) {
             EXPECT_TRUE(result);
@@ -269,12 +269,12 @@ protected:
         work = std::make_unique<Borrowed>();
         queue = cl::CommandQueue(work->context, work->device);
         kernel = cl::Kernel(work->program, "b1");
-        stub().calls.clear();
+        recorder().calls.clear();
     }
 
     void TearDown() override
     {
-        EXPECT_EQ(stub().alive["event"], 0);
+        EXPECT_EQ(recorder().alive["event"], 0);
         kernel = cl::Kernel();
         queue = cl::CommandQueue();
         work.reset();
@@ -283,14 +283,14 @@ protected:
 
     bool run(unsigned int sampleCount, const Ondrel::RunStatus& status = Ondrel::RunStatus())
     {
-        stub().launches.clear();
+        recorder().launches.clear();
         return RunIncrementalKernel(queue, kernel, sampleCount, status);
     }
 
     static Launches launched()
     {
         Launches result;
-        for (const OpenCLStub::Launch& launch : stub().launches) {
+        for (const RecordingDriver::Launch& launch : recorder().launches) {
             EXPECT_EQ(launch.dimensions, 1u);
             EXPECT_TRUE(launch.hasEvent);
             EXPECT_EQ(launch.kernel, "b1");
@@ -331,8 +331,8 @@ TEST_F(IncrementalKernel, LaunchesSlicesAndARest)
 TEST_F(IncrementalKernel, LaunchesTheGreatestNumberOfSamples)
 {
     EXPECT_TRUE(run(UINT_MAX));
-    ASSERT_EQ(stub().launches.size(), 65536u);
-    EXPECT_EQ(stub().launches.back().offset, 65535u * 16384u);
+    ASSERT_EQ(recorder().launches.size(), 65536u);
+    EXPECT_EQ(recorder().launches.back().offset, 65535u * 16384u);
 }
 
 TEST_F(IncrementalKernel, WaitsForEachSliceBeforeTheNext)
@@ -341,7 +341,7 @@ TEST_F(IncrementalKernel, WaitsForEachSliceBeforeTheNext)
     std::vector<std::string> expected;
     for (int i = 0; i < 4; ++i)
         expected.insert(expected.end(), {"clEnqueueNDRangeKernel", "clWaitForEvents"});
-    EXPECT_EQ(stub().calls, expected);
+    EXPECT_EQ(recorder().calls, expected);
 }
 
 // The word is set while a slice runs; that slice is the last one, and be it the last of all.
@@ -349,10 +349,10 @@ TEST_F(IncrementalKernel, StopsAfterTheSliceInWhichItIsCancelled)
 {
     for (std::size_t slice = 1; slice <= 4; ++slice) {
         int word = 0;
-        stub().onWait = [&] { word = stub().launches.size() == slice ? 1 : word; };
+        recorder().onWait = [&] { word = recorder().launches.size() == slice ? 1 : word; };
         EXPECT_FALSE(run(kThreeSlicesAndARest, Ondrel::RunStatus{&word}));
-        EXPECT_EQ(stub().launches.size(), slice);
-        EXPECT_EQ(stub().alive["event"], 0);
+        EXPECT_EQ(recorder().launches.size(), slice);
+        EXPECT_EQ(recorder().alive["event"], 0);
     }
 }
 
@@ -361,23 +361,23 @@ TEST_F(IncrementalKernel, RunsOneSliceIfItIsCancelledBefore)
     const int word = 1;
     for (const unsigned int sampleCount : {4u, 65408u, kThreeSlicesAndARest}) {
         EXPECT_FALSE(run(sampleCount, Ondrel::RunStatus{&word}));
-        EXPECT_EQ(stub().launches.size(), 1u) << sampleCount;
+        EXPECT_EQ(recorder().launches.size(), 1u) << sampleCount;
     }
 }
 
 TEST_F(IncrementalKernel, CancelsAlsoWhereNoRestIsLeft)
 {
     int word = 0;
-    stub().onWait = [&] { word = stub().launches.size() == 2 ? 1 : 0; };
+    recorder().onWait = [&] { word = recorder().launches.size() == 2 ? 1 : 0; };
     EXPECT_FALSE(run(2 * 65536 - 128, Ondrel::RunStatus{&word}));
-    EXPECT_EQ(stub().launches.size(), 2u);
+    EXPECT_EQ(recorder().launches.size(), 2u);
 }
 
 TEST_F(IncrementalKernel, GoesOnForEveryOtherWord)
 {
     for (const int word : {0, 2, -1, INT_MAX, INT_MIN, 257, 65537}) {
         EXPECT_TRUE(run(kThreeSlicesAndARest, Ondrel::RunStatus{&word})) << word;
-        EXPECT_EQ(stub().launches.size(), 4u);
+        EXPECT_EQ(recorder().launches.size(), 4u);
     }
     EXPECT_TRUE(run(kThreeSlicesAndARest, Ondrel::RunStatus{nullptr}));
 }
@@ -385,12 +385,12 @@ TEST_F(IncrementalKernel, GoesOnForEveryOtherWord)
 TEST_F(IncrementalKernel, WritesTheNumberOfAFailedLaunchAloneAndStops)
 {
     for (int slice = 1; slice <= 4; ++slice) {
-        stub().calls.clear();
-        stub().failName = "clEnqueueNDRangeKernel";
-        stub().failAt = slice;
-        stub().failWith = -50 - slice;
+        recorder().calls.clear();
+        recorder().failName = "clEnqueueNDRangeKernel";
+        recorder().failAt = slice;
+        recorder().failWith = -50 - slice;
         EXPECT_EQ(outputOf([this] { EXPECT_FALSE(run(kThreeSlicesAndARest)); }), std::to_string(-50 - slice) + "\n");
-        EXPECT_EQ(stub().launches.size(), std::size_t(slice - 1));
+        EXPECT_EQ(recorder().launches.size(), std::size_t(slice - 1));
     }
 }
 
@@ -407,10 +407,10 @@ TEST_F(IncrementalKernel, WritesNothingOtherwise)
 TEST_F(IncrementalKernel, GoesOnIfAWaitFails)
 {
     for (int slice = 1; slice <= 4; ++slice) {
-        stub().calls.clear();
-        stub().failName = "clWaitForEvents";
-        stub().failAt = slice;
+        recorder().calls.clear();
+        recorder().failName = "clWaitForEvents";
+        recorder().failAt = slice;
         EXPECT_TRUE(run(kThreeSlicesAndARest));
-        EXPECT_EQ(stub().launches.size(), 4u);
+        EXPECT_EQ(recorder().launches.size(), 4u);
     }
 }

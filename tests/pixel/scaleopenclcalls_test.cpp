@@ -1,6 +1,6 @@
 // Scaling on a device that records what it is asked for and fails where the test wants.
 
-#include "withstub.h"
+#include "withrecordingdriver.h"
 
 #include "../support/testimages.h"
 
@@ -18,12 +18,12 @@ namespace
 // More than one slice of output pixels.
 constexpr unsigned int kWidth = 150, kHeight = 130;
 
-class ScaleOpenCLStub : public WithStub
+class ScaleOpenCLCalls : public WithRecordingDriver
 {
 protected:
     void SetUp() override
     {
-        WithStub::SetUp();
+        WithRecordingDriver::SetUp();
         useDevice();
     }
 
@@ -53,7 +53,7 @@ bool mayBeIgnored(const std::string& call)
 
 } // namespace
 
-TEST_F(ScaleOpenCLStub, RunsOnTheDeviceWhereNothingFails)
+TEST_F(ScaleOpenCLCalls, RunsOnTheDeviceWhereNothingFails)
 {
     const Image source = withMetadata(40, 30);
     const Image result = Scale(source, kWidth, kHeight, FilterMethod::Bilinear);
@@ -63,7 +63,7 @@ TEST_F(ScaleOpenCLStub, RunsOnTheDeviceWhereNothingFails)
 }
 
 // Each call in turn, and then each call with all that follow, as of a device that has gone away.
-TEST_F(ScaleOpenCLStub, EveryFailureEndsInTheResultOfTheProcessor)
+TEST_F(ScaleOpenCLCalls, EveryFailureEndsInTheResultOfTheProcessor)
 {
     const Image source = withMetadata(40, 30);
     Image expected;
@@ -71,12 +71,12 @@ TEST_F(ScaleOpenCLStub, EveryFailureEndsInTheResultOfTheProcessor)
     for (const bool failOn : {false, true})
         for (int number = 1;; ++number) {
             reset();
-            stub().failAt = number;
-            stub().failOn = failOn;
+            recorder().failAt = number;
+            recorder().failOn = failOn;
             testing::internal::CaptureStdout();
             const Image result = Scale(source, kWidth, kHeight, FilterMethod::Bilinear);
             const std::string output = testing::internal::GetCapturedStdout();
-            const std::string failed = stub().failedCall;
+            const std::string failed = recorder().failedCall;
             SCOPED_TRACE(testing::Message() << "call " << number << ", " << failed);
             if (failed.empty()) {
                 EXPECT_TRUE(isDeviceResult(result, kWidth, kHeight));
@@ -84,7 +84,7 @@ TEST_F(ScaleOpenCLStub, EveryFailureEndsInTheResultOfTheProcessor)
                 break;
             }
             const bool same = samePixels(result, expected);
-            EXPECT_TRUE(same || (mayBeIgnored(stub().calls[std::size_t(number - 1)]) &&
+            EXPECT_TRUE(same || (mayBeIgnored(recorder().calls[std::size_t(number - 1)]) &&
                                  isDeviceResult(result, kWidth, kHeight)));
             expectOnlyTheProfileOf(source, result);
             if (!failOn) {
@@ -97,9 +97,9 @@ TEST_F(ScaleOpenCLStub, EveryFailureEndsInTheResultOfTheProcessor)
         }
 }
 
-TEST_F(ScaleOpenCLStub, AProgramThatDidNotBuildLeavesTheProcessor)
+TEST_F(ScaleOpenCLCalls, AProgramThatDidNotBuildLeavesTheProcessor)
 {
-    stub().buildResult = -11;
+    recorder().buildResult = -11;
     ASSERT_TRUE(PixelOpenCL::instance()->setDevice(0, 0));
     const Image source = randomImage(20, 10, 1);
     Image expected;
@@ -108,31 +108,31 @@ TEST_F(ScaleOpenCLStub, AProgramThatDidNotBuildLeavesTheProcessor)
     EXPECT_EQ(alive(), kIdle);
 }
 
-TEST_F(ScaleOpenCLStub, TriesTheDeviceForEveryFilterButNearestNeighbour)
+TEST_F(ScaleOpenCLCalls, TriesTheDeviceForEveryFilterButNearestNeighbour)
 {
     const Image source = randomImage(20, 10, 1);
     Image expected;
     Scale_CPU(source, expected, 30, 40, FilterMethod::NearestNeighbor);
     EXPECT_TRUE(samePixels(Scale(source, 30, 40, FilterMethod::NearestNeighbor), expected));
-    EXPECT_TRUE(stub().calls.empty());
+    EXPECT_TRUE(recorder().calls.empty());
     Scale_CPU(source, expected, 30, 40, FilterMethod::Bicubic);
     EXPECT_TRUE(samePixels(Scale(source, 30, 40, FilterMethod::Bicubic), expected));
-    EXPECT_TRUE(stub().calls.empty()) << "bicubic is refused before a kernel is made";
+    EXPECT_TRUE(recorder().calls.empty()) << "bicubic is refused before a kernel is made";
 }
 
 // The calls of one scale, in their order, with what was asked for.
-TEST_F(ScaleOpenCLStub, AsksForBuffersMapsAndTransfersAsTheContractSays)
+TEST_F(ScaleOpenCLCalls, AsksForBuffersMapsAndTransfersAsTheContractSays)
 {
     const Image source = shrunkImage(40, 30, 3);
     Image result;
     ASSERT_TRUE(Scale_OpenCL(source, result, kWidth, kHeight, FilterMethod::Bilinear));
     const std::size_t inBytes = 40 * 30 * 8, outBytes = kWidth * kHeight * 8;
-    EXPECT_EQ(stub().kernels, std::vector<std::string>{"f6"});
-    EXPECT_EQ(stub().queueProperties, std::vector<unsigned long long>{0});
+    EXPECT_EQ(recorder().kernels, std::vector<std::string>{"f6"});
+    EXPECT_EQ(recorder().queueProperties, std::vector<unsigned long long>{0});
 
-    ASSERT_EQ(stub().buffers.size(), 4u);
-    const OpenCLStub::Buffer *deviceIn = nullptr, *deviceOut = nullptr;
-    for (const OpenCLStub::Buffer& buffer : stub().buffers) {
+    ASSERT_EQ(recorder().buffers.size(), 4u);
+    const RecordingDriver::Buffer *deviceIn = nullptr, *deviceOut = nullptr;
+    for (const RecordingDriver::Buffer& buffer : recorder().buffers) {
         if (buffer.host) {
             EXPECT_EQ(buffer.flags, CL_MEM_READ_ONLY | CL_MEM_USE_HOST_PTR);
             EXPECT_EQ(buffer.bytes, buffer.host == source.data ? inBytes : outBytes);
@@ -145,8 +145,8 @@ TEST_F(ScaleOpenCLStub, AsksForBuffersMapsAndTransfersAsTheContractSays)
     ASSERT_TRUE(deviceIn && deviceOut);
     EXPECT_EQ(deviceOut->bytes, outBytes);
 
-    ASSERT_EQ(stub().maps.size(), 2u);
-    const OpenCLStub::Map &sourceMap = stub().maps[0], &resultMap = stub().maps[1];
+    ASSERT_EQ(recorder().maps.size(), 2u);
+    const RecordingDriver::Map &sourceMap = recorder().maps[0], &resultMap = recorder().maps[1];
     EXPECT_EQ(sourceMap.host, source.data);
     EXPECT_EQ(sourceMap.flags, unsigned(CL_MAP_WRITE));
     EXPECT_FALSE(sourceMap.blocking);
@@ -156,53 +156,53 @@ TEST_F(ScaleOpenCLStub, AsksForBuffersMapsAndTransfersAsTheContractSays)
     EXPECT_TRUE(resultMap.blocking);
     EXPECT_EQ(resultMap.bytes, outBytes);
 
-    ASSERT_EQ(stub().writes.size(), 1u);
-    EXPECT_EQ(stub().writes[0].buffer, deviceIn->handle);
-    EXPECT_EQ(stub().writes[0].pointer, sourceMap.pointer);
-    EXPECT_EQ(stub().writes[0].bytes, inBytes);
-    EXPECT_FALSE(stub().writes[0].blocking);
-    ASSERT_EQ(stub().reads.size(), 1u);
-    EXPECT_EQ(stub().reads[0].buffer, deviceOut->handle);
-    EXPECT_EQ(stub().reads[0].pointer, resultMap.pointer);
-    EXPECT_EQ(stub().reads[0].bytes, outBytes);
-    EXPECT_TRUE(stub().reads[0].blocking);
-    EXPECT_TRUE(stub().reads[0].hasEvent);
+    ASSERT_EQ(recorder().writes.size(), 1u);
+    EXPECT_EQ(recorder().writes[0].buffer, deviceIn->handle);
+    EXPECT_EQ(recorder().writes[0].pointer, sourceMap.pointer);
+    EXPECT_EQ(recorder().writes[0].bytes, inBytes);
+    EXPECT_FALSE(recorder().writes[0].blocking);
+    ASSERT_EQ(recorder().reads.size(), 1u);
+    EXPECT_EQ(recorder().reads[0].buffer, deviceOut->handle);
+    EXPECT_EQ(recorder().reads[0].pointer, resultMap.pointer);
+    EXPECT_EQ(recorder().reads[0].bytes, outBytes);
+    EXPECT_TRUE(recorder().reads[0].blocking);
+    EXPECT_TRUE(recorder().reads[0].hasEvent);
 
-    EXPECT_EQ(argument<const void*>(stub(), "f6", 0), deviceIn->handle);
-    EXPECT_EQ(argument<cl_uint>(stub(), "f6", 1), 40u);
-    EXPECT_EQ(argument<cl_uint>(stub(), "f6", 2), 30u);
-    EXPECT_EQ(argument<const void*>(stub(), "f6", 3), deviceOut->handle);
-    EXPECT_EQ(argument<cl_uint>(stub(), "f6", 4), kWidth);
-    EXPECT_EQ(argument<cl_uint>(stub(), "f6", 5), kHeight);
+    EXPECT_EQ(argument<const void*>(recorder(), "f6", 0), deviceIn->handle);
+    EXPECT_EQ(argument<cl_uint>(recorder(), "f6", 1), 40u);
+    EXPECT_EQ(argument<cl_uint>(recorder(), "f6", 2), 30u);
+    EXPECT_EQ(argument<const void*>(recorder(), "f6", 3), deviceOut->handle);
+    EXPECT_EQ(argument<cl_uint>(recorder(), "f6", 4), kWidth);
+    EXPECT_EQ(argument<cl_uint>(recorder(), "f6", 5), kHeight);
 
-    ASSERT_EQ(stub().launches.size(), 2u);
-    EXPECT_EQ(stub().launches[0].global, 16384u);
-    EXPECT_EQ(stub().launches[1].offset, 16384u);
+    ASSERT_EQ(recorder().launches.size(), 2u);
+    EXPECT_EQ(recorder().launches[0].global, 16384u);
+    EXPECT_EQ(recorder().launches[1].offset, 16384u);
 }
 
-TEST_F(ScaleOpenCLStub, NearestNeighbourHasAKernelToo)
+TEST_F(ScaleOpenCLCalls, NearestNeighbourHasAKernelToo)
 {
     const Image source = withMetadata(40, 30);
     Image result;
     EXPECT_TRUE(Scale_OpenCL(source, result, 20, 10, FilterMethod::NearestNeighbor));
-    EXPECT_EQ(stub().kernels, std::vector<std::string>{"a6"});
+    EXPECT_EQ(recorder().kernels, std::vector<std::string>{"a6"});
     EXPECT_TRUE(isDeviceResult(result, 20, 10));
     expectOnlyTheProfileOf(source, result);
 }
 
-TEST_F(ScaleOpenCLStub, RefusesBicubicAndUnknownFiltersWithTheLockFree)
+TEST_F(ScaleOpenCLCalls, RefusesBicubicAndUnknownFiltersWithTheLockFree)
 {
     const Image source = randomImage(40, 30, 1);
     for (const FilterMethod filter : {FilterMethod::Bicubic, FilterMethod(3)}) {
         Image result;
         EXPECT_FALSE(Scale_OpenCL(source, result, 20, 10, filter));
-        EXPECT_TRUE(stub().calls.empty());
+        EXPECT_TRUE(recorder().calls.empty());
         EXPECT_EQ(alive(), kIdle);
         EXPECT_TRUE(lockIsFree());
     }
 }
 
-TEST_F(ScaleOpenCLStub, CopiesASourceOfTheAskedSizeWithoutTheDevice)
+TEST_F(ScaleOpenCLCalls, CopiesASourceOfTheAskedSizeWithoutTheDevice)
 {
     const Image source = withMetadata(40, 30);
     for (const FilterMethod filter : {FilterMethod::NearestNeighbor, FilterMethod::Bilinear, FilterMethod::Bicubic}) {
@@ -213,11 +213,11 @@ TEST_F(ScaleOpenCLStub, CopiesASourceOfTheAskedSizeWithoutTheDevice)
         EXPECT_EQ(result.rawToneCurve, source.rawToneCurve);
         EXPECT_EQ(result.rawFilters, source.rawFilters);
     }
-    EXPECT_TRUE(stub().kernels.empty());
-    EXPECT_TRUE(stub().buffers.empty());
+    EXPECT_TRUE(recorder().kernels.empty());
+    EXPECT_TRUE(recorder().buffers.empty());
 }
 
-TEST_F(ScaleOpenCLStub, CopiesASourceOfTheAskedSizeWithoutWaitingForTheToken)
+TEST_F(ScaleOpenCLCalls, CopiesASourceOfTheAskedSizeWithoutWaitingForTheToken)
 {
     Borrowed work; // held by this thread: a second beginWork would never return
     const Image source = randomImage(4, 3, 1);
@@ -228,7 +228,7 @@ TEST_F(ScaleOpenCLStub, CopiesASourceOfTheAskedSizeWithoutWaitingForTheToken)
     EXPECT_EQ(result.width, 0u);
 }
 
-TEST_F(ScaleOpenCLStub, CopiesASourceWithoutPixels)
+TEST_F(ScaleOpenCLCalls, CopiesASourceWithoutPixels)
 {
     for (const Image& source : {Image(), Image(0, 7), Image(7, 0)}) {
         Image result(3, 3);
@@ -236,10 +236,10 @@ TEST_F(ScaleOpenCLStub, CopiesASourceWithoutPixels)
         EXPECT_EQ(result.width, source.width);
         EXPECT_EQ(result.height, source.height);
     }
-    EXPECT_TRUE(stub().calls.empty());
+    EXPECT_TRUE(recorder().calls.empty());
 }
 
-TEST_F(ScaleOpenCLStub, KeepsADestinationOfTheAskedSize)
+TEST_F(ScaleOpenCLCalls, KeepsADestinationOfTheAskedSize)
 {
     const Image source = randomImage(40, 30, 1);
     Image result(20, 10);
@@ -250,7 +250,7 @@ TEST_F(ScaleOpenCLStub, KeepsADestinationOfTheAskedSize)
 }
 
 // No buffer can have a size of 0.
-TEST_F(ScaleOpenCLStub, LeavesTargetsWithoutPixelsToTheProcessor)
+TEST_F(ScaleOpenCLCalls, LeavesTargetsWithoutPixelsToTheProcessor)
 {
     const Image source = randomImage(40, 30, 1);
     const std::pair<unsigned int, unsigned int> sizes[] = {{0, 10}, {10, 0}, {0, 0}};
@@ -265,18 +265,18 @@ TEST_F(ScaleOpenCLStub, LeavesTargetsWithoutPixelsToTheProcessor)
     }
 }
 
-TEST_F(ScaleOpenCLStub, IsRefusedWithoutADevice)
+TEST_F(ScaleOpenCLCalls, IsRefusedWithoutADevice)
 {
     PixelOpenCL::instance()->disable();
     const Image source = randomImage(40, 30, 1);
     Image result, expected;
     EXPECT_FALSE(Scale_OpenCL(source, result, 20, 10, FilterMethod::Bilinear));
-    EXPECT_TRUE(stub().calls.empty());
+    EXPECT_TRUE(recorder().calls.empty());
     Scale_CPU(source, expected, 20, 10, FilterMethod::Bilinear);
     EXPECT_TRUE(samePixels(Scale(source, 20, 10, FilterMethod::Bilinear), expected));
 }
 
-TEST_F(ScaleOpenCLStub, TakesABufferOfAPlugin)
+TEST_F(ScaleOpenCLCalls, TakesABufferOfAPlugin)
 {
     Borrowed work;
     cl::Buffer buffer = pluginBuffer(work, 40, 30);
@@ -289,22 +289,22 @@ TEST_F(ScaleOpenCLStub, TakesABufferOfAPlugin)
         ASSERT_TRUE(Scale_OpenCL(buffer, 40, 30, result, kWidth, kHeight, filter));
         ASSERT_NE(result, nullptr);
         EXPECT_TRUE(isDeviceResult(*result, kWidth, kHeight));
-        EXPECT_EQ(stub().kernels, std::vector<std::string>{kernel});
-        EXPECT_EQ(argument<const void*>(stub(), kernel, 0), buffer());
-        EXPECT_EQ(argument<cl_uint>(stub(), kernel, 1), 40u);
-        EXPECT_EQ(argument<cl_uint>(stub(), kernel, 2), 30u);
-        EXPECT_EQ(argument<cl_uint>(stub(), kernel, 4), kWidth);
-        EXPECT_EQ(argument<cl_uint>(stub(), kernel, 5), kHeight);
-        ASSERT_EQ(stub().reads.size(), 1u);
-        EXPECT_EQ(argument<const void*>(stub(), kernel, 3), stub().reads[0].buffer);
-        ASSERT_EQ(stub().maps.size(), 1u);
-        EXPECT_EQ(stub().reads[0].pointer, stub().maps[0].pointer);
-        EXPECT_TRUE(stub().writes.empty());
+        EXPECT_EQ(recorder().kernels, std::vector<std::string>{kernel});
+        EXPECT_EQ(argument<const void*>(recorder(), kernel, 0), buffer());
+        EXPECT_EQ(argument<cl_uint>(recorder(), kernel, 1), 40u);
+        EXPECT_EQ(argument<cl_uint>(recorder(), kernel, 2), 30u);
+        EXPECT_EQ(argument<cl_uint>(recorder(), kernel, 4), kWidth);
+        EXPECT_EQ(argument<cl_uint>(recorder(), kernel, 5), kHeight);
+        ASSERT_EQ(recorder().reads.size(), 1u);
+        EXPECT_EQ(argument<const void*>(recorder(), kernel, 3), recorder().reads[0].buffer);
+        ASSERT_EQ(recorder().maps.size(), 1u);
+        EXPECT_EQ(recorder().reads[0].pointer, recorder().maps[0].pointer);
+        EXPECT_TRUE(recorder().writes.empty());
         EXPECT_EQ(result->colorProfile, Image().colorProfile);
     }
 }
 
-TEST_F(ScaleOpenCLStub, ReplacesADestinationOfAnotherSizeAlone)
+TEST_F(ScaleOpenCLCalls, ReplacesADestinationOfAnotherSizeAlone)
 {
     Borrowed work;
     cl::Buffer buffer = pluginBuffer(work, 40, 30);
@@ -320,7 +320,7 @@ TEST_F(ScaleOpenCLStub, ReplacesADestinationOfAnotherSizeAlone)
     EXPECT_TRUE(isDeviceResult(*result, 20, 11));
 }
 
-TEST_F(ScaleOpenCLStub, DoesNothingForABufferWithoutPixelsOrOfTheAskedSize)
+TEST_F(ScaleOpenCLCalls, DoesNothingForABufferWithoutPixelsOrOfTheAskedSize)
 {
     Borrowed work; // held: neither may wait for it
     cl::Buffer buffer = pluginBuffer(work, 40, 30);
@@ -333,10 +333,10 @@ TEST_F(ScaleOpenCLStub, DoesNothingForABufferWithoutPixelsOrOfTheAskedSize)
     EXPECT_FALSE(Scale_OpenCL(buffer, 40, 30, result, 40, 30, FilterMethod::Bilinear));
     EXPECT_FALSE(Scale_OpenCL(buffer, 40, 30, result, 40, 30, FilterMethod::NearestNeighbor));
     EXPECT_EQ(result, before);
-    EXPECT_TRUE(stub().calls.empty());
+    EXPECT_TRUE(recorder().calls.empty());
 }
 
-TEST_F(ScaleOpenCLStub, ReportsEveryFailureWithABufferOfAPlugin)
+TEST_F(ScaleOpenCLCalls, ReportsEveryFailureWithABufferOfAPlugin)
 {
     Borrowed work;
     cl::Buffer buffer = pluginBuffer(work, 40, 30);
@@ -344,25 +344,25 @@ TEST_F(ScaleOpenCLStub, ReportsEveryFailureWithABufferOfAPlugin)
     const std::string idle = alive();
     for (int number = 1;; ++number) {
         reset();
-        stub().failAt = number;
+        recorder().failAt = number;
         std::shared_ptr<const Image> result;
         testing::internal::CaptureStdout();
         const bool done = Scale_OpenCL(buffer, 40, 30, result, kWidth, kHeight, FilterMethod::Bilinear);
         testing::internal::GetCapturedStdout();
-        SCOPED_TRACE(stub().failedCall);
+        SCOPED_TRACE(recorder().failedCall);
         EXPECT_EQ(alive(), idle);
         ASSERT_TRUE(lockIsFree());
-        if (stub().failedCall.empty()) {
+        if (recorder().failedCall.empty()) {
             EXPECT_TRUE(done);
             EXPECT_GT(number, 10);
             return;
         }
-        EXPECT_TRUE(!done || mayBeIgnored(stub().failedCall));
+        EXPECT_TRUE(!done || mayBeIgnored(recorder().failedCall));
         ASSERT_LT(number, 100);
     }
 }
 
-TEST_F(ScaleOpenCLStub, RefusesABufferForBicubicAndWithoutADevice)
+TEST_F(ScaleOpenCLCalls, RefusesABufferForBicubicAndWithoutADevice)
 {
     Borrowed work;
     cl::Buffer buffer = pluginBuffer(work, 40, 30);

@@ -9,11 +9,11 @@
 
 // An OpenCL driver for tests, loaded by the ICD loader like any other. It computes nothing: it keeps a record of what
 // it is asked for, counts what is alive, and can let any one call fail. Tests reach the record of the loaded driver by
-// openCLStub().
+// recordingDriver().
 namespace OndrelTest
 {
 
-struct OpenCLStub {
+struct RecordingDriver {
     struct Launch {
         std::string kernel;
         unsigned int dimensions = 0;
@@ -88,7 +88,7 @@ struct OpenCLStub {
     void forget()
     {
         std::map<std::string, int> counts = std::move(alive);
-        *this = OpenCLStub();
+        *this = RecordingDriver();
         alive = std::move(counts);
     }
 };

@@ -1,7 +1,7 @@
-// The driver behind openclstub.h.
+// The driver behind recordingdriver.h.
 
 #define CL_TARGET_OPENCL_VERSION 120
-#include "openclstub.h"
+#include "recordingdriver.h"
 
 #include <CL/cl_ext.h>
 #include <CL/cl_icd.h>
@@ -9,25 +9,25 @@
 #include <algorithm>
 #include <cstring>
 
-using OndrelTest::OpenCLStub;
+using OndrelTest::RecordingDriver;
 
 // The loader reads the dispatch table at the start of every object.
-#define STUB_OBJECT const cl_icd_dispatch* dispatch = &table()
+#define DRIVER_OBJECT const cl_icd_dispatch* dispatch = &table()
 
 namespace
 {
 
 const cl_icd_dispatch& table();
 
-OpenCLStub& stub()
+RecordingDriver& recorder()
 {
-    static OpenCLStub* const instance = new OpenCLStub; // never destroyed: objects are released at exit
+    static RecordingDriver* const instance = new RecordingDriver; // never destroyed: objects are released at exit
     return *instance;
 }
 
 bool fails(const char* call)
 {
-    OpenCLStub& s = stub();
+    RecordingDriver& s = recorder();
     if (s.failName.empty() || s.failName == call) {
         s.calls.push_back(call);
         const int number = int(s.calls.size());
@@ -42,15 +42,15 @@ bool fails(const char* call)
 } // namespace
 
 struct _cl_platform_id {
-    STUB_OBJECT;
+    DRIVER_OBJECT;
     std::size_t number = 0;
 };
 
 struct _cl_device_id {
-    STUB_OBJECT;
+    DRIVER_OBJECT;
     std::size_t platform = 0, number = 0;
 
-    const std::string& name() const { return stub().devices[platform].at(number); }
+    const std::string& name() const { return recorder().devices[platform].at(number); }
 };
 
 namespace
@@ -58,16 +58,16 @@ namespace
 
 // What has a reference count and is counted by its kind.
 struct Counted {
-    STUB_OBJECT;
+    DRIVER_OBJECT;
     const char* kind;
     int references = 1;
 
     explicit Counted(const char* kind)
         : kind(kind)
     {
-        ++stub().alive[kind];
+        ++recorder().alive[kind];
     }
-    ~Counted() { --stub().alive[kind]; }
+    ~Counted() { --recorder().alive[kind]; }
     Counted(const Counted&) = delete;
     Counted& operator=(const Counted&) = delete;
 };
@@ -160,8 +160,8 @@ cl_int answer(const std::string& text, std::size_t size, void* to, std::size_t* 
 
 _cl_platform_id* platforms()
 {
-    static _cl_platform_id all[OpenCLStub::kPlatforms];
-    for (std::size_t i = 0; i < OpenCLStub::kPlatforms; ++i)
+    static _cl_platform_id all[RecordingDriver::kPlatforms];
+    for (std::size_t i = 0; i < RecordingDriver::kPlatforms; ++i)
         all[i].number = i;
     return all;
 }
@@ -170,7 +170,7 @@ constexpr std::size_t kMostDevices = 8;
 
 cl_device_id deviceOf(std::size_t platform, std::size_t number)
 {
-    static _cl_device_id all[OpenCLStub::kPlatforms][kMostDevices];
+    static _cl_device_id all[RecordingDriver::kPlatforms][kMostDevices];
     all[platform][number].platform = platform;
     all[platform][number].number = number;
     return &all[platform][number];
@@ -179,8 +179,8 @@ cl_device_id deviceOf(std::size_t platform, std::size_t number)
 cl_int CL_API_CALL getPlatformIDs(cl_uint entries, cl_platform_id* to, cl_uint* number)
 {
     if (number)
-        *number = cl_uint(OpenCLStub::kPlatforms);
-    for (cl_uint i = 0; to && i < entries && i < OpenCLStub::kPlatforms; ++i)
+        *number = cl_uint(RecordingDriver::kPlatforms);
+    for (cl_uint i = 0; to && i < entries && i < RecordingDriver::kPlatforms; ++i)
         to[i] = platforms() + i;
     return CL_SUCCESS;
 }
@@ -190,26 +190,26 @@ cl_int CL_API_CALL getPlatformInfo(cl_platform_id platform, cl_platform_info wha
 {
     switch (what) {
     case CL_PLATFORM_VERSION:
-        return answer("OpenCL 1.2 stub", size, to, sizeRet);
+        return answer("OpenCL 1.2 recorder", size, to, sizeRet);
     case CL_PLATFORM_EXTENSIONS:
         return answer("cl_khr_icd", size, to, sizeRet);
     case CL_PLATFORM_ICD_SUFFIX_KHR:
-        return answer("STUB", size, to, sizeRet);
+        return answer("REC", size, to, sizeRet);
     case CL_PLATFORM_PROFILE:
         return answer("FULL_PROFILE", size, to, sizeRet);
     default:
-        return answer("Stub " + std::to_string(platform->number), size, to, sizeRet);
+        return answer("Recorder " + std::to_string(platform->number), size, to, sizeRet);
     }
 }
 
 cl_int CL_API_CALL getDeviceIDs(cl_platform_id platform, cl_device_type type, cl_uint entries, cl_device_id* to,
                                 cl_uint* number)
 {
-    const std::size_t count = stub().devices[platform->number].size();
+    const std::size_t count = recorder().devices[platform->number].size();
     if (number)
         *number = 0;
     if (fails("clGetDeviceIDs"))
-        return stub().failWith;
+        return recorder().failWith;
     // Each device is an accelerator, which only a question for all kinds finds.
     if (count == 0 || (type != CL_DEVICE_TYPE_ALL && !(type & CL_DEVICE_TYPE_ACCELERATOR)))
         return CL_DEVICE_NOT_FOUND;
@@ -230,7 +230,7 @@ cl_int CL_API_CALL getDeviceInfo(cl_device_id device, cl_device_info what, std::
     case CL_DEVICE_PLATFORM:
         return answer(&platform, sizeof platform, size, to, sizeRet);
     case CL_DEVICE_VERSION:
-        return answer("OpenCL 1.2 stub", size, to, sizeRet);
+        return answer("OpenCL 1.2 recorder", size, to, sizeRet);
     default:
         return CL_INVALID_VALUE;
     }
@@ -246,87 +246,87 @@ cl_context CL_API_CALL createContext(const cl_context_properties* properties, cl
                                      void(CL_CALLBACK* callback)(const char*, const void*, std::size_t, void*), void*,
                                      cl_int* error)
 {
-    OpenCLStub::Context context;
+    RecordingDriver::Context context;
     for (cl_uint i = 0; i < number; ++i)
         context.devices.push_back(devices[i]->name());
     context.hasProperties = properties != nullptr;
     context.hasCallback = callback != nullptr;
-    stub().contexts.push_back(context);
+    recorder().contexts.push_back(context);
     const bool failed = fails("clCreateContext");
-    setError(error, failed ? stub().failWith : CL_SUCCESS);
+    setError(error, failed ? recorder().failWith : CL_SUCCESS);
     return failed ? nullptr : new _cl_context;
 }
 
 cl_command_queue CL_API_CALL createCommandQueue(cl_context, cl_device_id, cl_command_queue_properties properties,
                                                 cl_int* error)
 {
-    stub().queueProperties.push_back(properties);
+    recorder().queueProperties.push_back(properties);
     const bool failed = fails("clCreateCommandQueue");
-    setError(error, failed ? stub().failWith : CL_SUCCESS);
+    setError(error, failed ? recorder().failWith : CL_SUCCESS);
     return failed ? nullptr : new _cl_command_queue;
 }
 
 cl_mem CL_API_CALL createBuffer(cl_context, cl_mem_flags flags, std::size_t bytes, void* host, cl_int* error)
 {
-    stub().buffers.push_back({flags, bytes, host, nullptr});
+    recorder().buffers.push_back({flags, bytes, host, nullptr});
     if (fails("clCreateBuffer") || bytes == 0) {
-        setError(error, bytes == 0 ? CL_INVALID_BUFFER_SIZE : stub().failWith);
+        setError(error, bytes == 0 ? CL_INVALID_BUFFER_SIZE : recorder().failWith);
         return nullptr;
     }
     setError(error, CL_SUCCESS);
     _cl_mem* const buffer = new _cl_mem;
     buffer->bytes = bytes;
     buffer->host = host;
-    stub().buffers.back().handle = buffer;
+    recorder().buffers.back().handle = buffer;
     return buffer;
 }
 
 cl_program CL_API_CALL createProgram(cl_context, cl_uint number, const char** texts, const std::size_t* lengths,
                                      cl_int* error)
 {
-    stub().sources.clear();
-    stub().sourcesHaveLengths = lengths != nullptr;
+    recorder().sources.clear();
+    recorder().sourcesHaveLengths = lengths != nullptr;
     for (cl_uint i = 0; i < number; ++i)
-        stub().sources.push_back(lengths ? std::string(texts[i], lengths[i]) : std::string(texts[i]));
+        recorder().sources.push_back(lengths ? std::string(texts[i], lengths[i]) : std::string(texts[i]));
     const bool failed = fails("clCreateProgramWithSource");
-    setError(error, failed ? stub().failWith : CL_SUCCESS);
+    setError(error, failed ? recorder().failWith : CL_SUCCESS);
     return failed ? nullptr : new _cl_program;
 }
 
 cl_int CL_API_CALL buildProgram(cl_program, cl_uint number, const cl_device_id* devices, const char* options,
                                 void(CL_CALLBACK*)(cl_program, void*), void*)
 {
-    stub().buildOptions = options ? options : "";
-    stub().builtFor.clear();
+    recorder().buildOptions = options ? options : "";
+    recorder().builtFor.clear();
     for (cl_uint i = 0; i < number; ++i)
-        stub().builtFor.push_back(devices[i]->name());
-    return fails("clBuildProgram") ? stub().failWith : stub().buildResult;
+        recorder().builtFor.push_back(devices[i]->name());
+    return fails("clBuildProgram") ? recorder().failWith : recorder().buildResult;
 }
 
 cl_int CL_API_CALL getBuildInfo(cl_program, cl_device_id, cl_program_build_info what, std::size_t size, void* to,
                                 std::size_t* sizeRet)
 {
     if (fails("clGetProgramBuildInfo"))
-        return stub().failWith;
-    const cl_build_status status = stub().buildResult == CL_SUCCESS ? CL_BUILD_SUCCESS : CL_BUILD_ERROR;
+        return recorder().failWith;
+    const cl_build_status status = recorder().buildResult == CL_SUCCESS ? CL_BUILD_SUCCESS : CL_BUILD_ERROR;
     if (what == CL_PROGRAM_BUILD_STATUS)
         return answer(&status, sizeof status, size, to, sizeRet);
-    return answer(what == CL_PROGRAM_BUILD_LOG ? stub().buildLog : stub().buildOptions, size, to, sizeRet);
+    return answer(what == CL_PROGRAM_BUILD_LOG ? recorder().buildLog : recorder().buildOptions, size, to, sizeRet);
 }
 
 cl_kernel CL_API_CALL createKernel(cl_program, const char* name, cl_int* error)
 {
-    stub().kernels.push_back(name);
-    const bool failed = fails("clCreateKernel") || stub().buildResult != CL_SUCCESS;
-    setError(error, failed ? stub().failWith : CL_SUCCESS);
+    recorder().kernels.push_back(name);
+    const bool failed = fails("clCreateKernel") || recorder().buildResult != CL_SUCCESS;
+    setError(error, failed ? recorder().failWith : CL_SUCCESS);
     return failed ? nullptr : new _cl_kernel(name);
 }
 
 cl_int CL_API_CALL setKernelArg(cl_kernel kernel, cl_uint index, std::size_t bytes, const void* value)
 {
     const std::string text = value ? std::string(static_cast<const char*>(value), bytes) : std::string();
-    stub().arguments[kernel->name][index] = text;
-    return fails("clSetKernelArg") ? stub().failWith : CL_SUCCESS;
+    recorder().arguments[kernel->name][index] = text;
+    return fails("clSetKernelArg") ? recorder().failWith : CL_SUCCESS;
 }
 
 void giveEvent(cl_event* event)
@@ -337,9 +337,9 @@ void giveEvent(cl_event* event)
 
 cl_int CL_API_CALL waitForEvents(cl_uint, const cl_event*)
 {
-    if (stub().onWait)
-        stub().onWait();
-    return fails("clWaitForEvents") ? stub().failWith : CL_SUCCESS;
+    if (recorder().onWait)
+        recorder().onWait();
+    return fails("clWaitForEvents") ? recorder().failWith : CL_SUCCESS;
 }
 
 cl_int CL_API_CALL launch(cl_command_queue, cl_kernel kernel, cl_uint dimensions, const std::size_t* offset,
@@ -347,11 +347,11 @@ cl_int CL_API_CALL launch(cl_command_queue, cl_kernel kernel, cl_uint dimensions
                           cl_event* event)
 {
     if (fails("clEnqueueNDRangeKernel"))
-        return stub().failWith;
-    stub().launches.push_back(
+        return recorder().failWith;
+    recorder().launches.push_back(
         {kernel->name, dimensions, offset ? *offset : 0, *global, local ? *local : 0, event != nullptr});
-    if (stub().onLaunch)
-        stub().onLaunch();
+    if (recorder().onLaunch)
+        recorder().onLaunch();
     giveEvent(event);
     return CL_SUCCESS;
 }
@@ -359,14 +359,14 @@ cl_int CL_API_CALL launch(cl_command_queue, cl_kernel kernel, cl_uint dimensions
 cl_int CL_API_CALL readBuffer(cl_command_queue, cl_mem buffer, cl_bool blocking, std::size_t offset, std::size_t bytes,
                               void* to, cl_uint, const cl_event*, cl_event* event)
 {
-    stub().reads.push_back({buffer, blocking != CL_FALSE, event != nullptr, offset, bytes, to, {}});
+    recorder().reads.push_back({buffer, blocking != CL_FALSE, event != nullptr, offset, bytes, to, {}});
     if (fails("clEnqueueReadBuffer"))
-        return stub().failWith;
+        return recorder().failWith;
     if (offset + bytes > buffer->bytes)
         return CL_INVALID_VALUE;
-    std::memset(to, OpenCLStub::kResult, bytes);
-    if (stub().onRead)
-        stub().onRead();
+    std::memset(to, RecordingDriver::kResult, bytes);
+    if (recorder().onRead)
+        recorder().onRead();
     giveEvent(event);
     return CL_SUCCESS;
 }
@@ -375,10 +375,10 @@ cl_int CL_API_CALL writeBuffer(cl_command_queue, cl_mem buffer, cl_bool blocking
                                const void* from, cl_uint, const cl_event*, cl_event* event)
 {
     const auto* const bytesFrom = static_cast<const unsigned char*>(from);
-    stub().writes.push_back({buffer, blocking != CL_FALSE, event != nullptr, offset, bytes, from,
-                             std::vector<unsigned char>(bytesFrom, bytesFrom + bytes)});
+    recorder().writes.push_back({buffer, blocking != CL_FALSE, event != nullptr, offset, bytes, from,
+                                 std::vector<unsigned char>(bytesFrom, bytesFrom + bytes)});
     if (fails("clEnqueueWriteBuffer"))
-        return stub().failWith;
+        return recorder().failWith;
     if (offset + bytes > buffer->bytes)
         return CL_INVALID_VALUE;
     giveEvent(event);
@@ -391,7 +391,7 @@ void* CL_API_CALL mapBuffer(cl_command_queue, cl_mem buffer, cl_bool blocking, c
                             std::size_t bytes, cl_uint, const cl_event*, cl_event* event, cl_int* error)
 {
     if (fails("clEnqueueMapBuffer")) {
-        setError(error, stub().failWith);
+        setError(error, recorder().failWith);
         return nullptr;
     }
     if (offset + bytes > buffer->bytes || !buffer->host || !buffer->mapped.empty()) {
@@ -400,8 +400,8 @@ void* CL_API_CALL mapBuffer(cl_command_queue, cl_mem buffer, cl_bool blocking, c
     }
     const auto* const host = static_cast<const unsigned char*>(buffer->host);
     buffer->mapped.assign(host, host + buffer->bytes);
-    stub().maps.push_back({flags, blocking != CL_FALSE, offset, bytes, buffer->host, buffer->mapped.data()});
-    ++stub().alive["map"];
+    recorder().maps.push_back({flags, blocking != CL_FALSE, offset, bytes, buffer->host, buffer->mapped.data()});
+    ++recorder().alive["map"];
     retain(buffer);
     giveEvent(event);
     setError(error, CL_SUCCESS);
@@ -415,21 +415,21 @@ cl_int CL_API_CALL unmap(cl_command_queue, cl_mem buffer, void* pointer, cl_uint
     const bool failed = fails("clEnqueueUnmapMemObject");
     std::copy(buffer->mapped.begin(), buffer->mapped.end(), static_cast<unsigned char*>(buffer->host));
     buffer->mapped.clear();
-    --stub().alive["map"];
+    --recorder().alive["map"];
     release(buffer);
     if (!failed)
         giveEvent(event);
-    return failed ? stub().failWith : CL_SUCCESS;
+    return failed ? recorder().failWith : CL_SUCCESS;
 }
 
 cl_int CL_API_CALL flush(cl_command_queue)
 {
-    return fails("clFlush") ? stub().failWith : CL_SUCCESS;
+    return fails("clFlush") ? recorder().failWith : CL_SUCCESS;
 }
 
 cl_int CL_API_CALL finish(cl_command_queue)
 {
-    return fails("clFinish") ? stub().failWith : CL_SUCCESS;
+    return fails("clFinish") ? recorder().failWith : CL_SUCCESS;
 }
 
 cl_icd_dispatch makeTable()
@@ -492,8 +492,8 @@ __attribute__((visibility("default"))) void* clGetExtensionFunctionAddress(const
     return nullptr;
 }
 
-__attribute__((visibility("default"))) OndrelTest::OpenCLStub* ondrelOpenCLStub()
+__attribute__((visibility("default"))) OndrelTest::RecordingDriver* ondrelRecordingDriver()
 {
-    return &stub();
+    return &recorder();
 }
 }

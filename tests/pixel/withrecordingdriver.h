@@ -1,6 +1,6 @@
 #pragma once
 
-#include "openclstub.h"
+#include "recordingdriver.h"
 
 #include <ondrel/core/image.h>
 #include <ondrel/pixel/opencl.h>
@@ -19,14 +19,14 @@ namespace OndrelTest
 {
 
 // The record of the driver that the loader has loaded; null if it cannot be found.
-inline OpenCLStub* openCLStub()
+inline RecordingDriver* recordingDriver()
 {
-    static OpenCLStub* const stub = [] {
-        void* const library = dlopen(ONDREL_OPENCL_STUB, RTLD_NOW);
-        void* const function = library ? dlsym(library, "ondrelOpenCLStub") : nullptr;
-        return function ? reinterpret_cast<OpenCLStub* (*)()>(function)() : nullptr;
+    static RecordingDriver* const recorder = [] {
+        void* const library = dlopen(ONDREL_RECORDING_DRIVER, RTLD_NOW);
+        void* const function = library ? dlsym(library, "ondrelRecordingDriver") : nullptr;
+        return function ? reinterpret_cast<RecordingDriver* (*)()>(function)() : nullptr;
     }();
-    return stub;
+    return recorder;
 }
 
 // The three handles that a job borrows, and the token that holds the device: it goes last.
@@ -60,24 +60,25 @@ inline bool lockIsFree()
 
 // Tests with the driver that computes nothing. It has two devices on the first platform, none on the second and one on
 // the third.
-class WithStub : public testing::Test
+class WithRecordingDriver : public testing::Test
 {
 protected:
-    WithStub()
+    WithRecordingDriver()
     {
         PixelOpenCL::instance()->disable();
-        if (openCLStub())
+        if (recordingDriver())
             reset();
     }
 
-    ~WithStub() override { PixelOpenCL::instance()->disable(); }
+    ~WithRecordingDriver() override { PixelOpenCL::instance()->disable(); }
 
     void SetUp() override
     {
-        ASSERT_NE(openCLStub(), nullptr) << "the driver of the tests is missing: " << ONDREL_OPENCL_STUB;
+        ASSERT_NE(recordingDriver(), nullptr) << "the driver of the tests is missing: " << ONDREL_RECORDING_DRIVER;
         std::vector<PixelOpenCL::Platform> platforms;
         PixelOpenCL::instance()->queryDevices(platforms);
-        ASSERT_EQ(platforms.size(), OpenCLStub::kPlatforms) << "OCL_ICD_VENDORS must name " << ONDREL_OPENCL_STUB;
+        ASSERT_EQ(platforms.size(), RecordingDriver::kPlatforms)
+            << "OCL_ICD_VENDORS must name " << ONDREL_RECORDING_DRIVER;
         ASSERT_EQ(platforms[0].devices, (std::vector<std::string>{"Alpha", "Beta"}))
             << "OCL_ICD_PLATFORM_SORT must be none";
         reset();
@@ -90,13 +91,13 @@ protected:
         EXPECT_EQ(alive(), "");
     }
 
-    static OpenCLStub& stub() { return *openCLStub(); }
+    static RecordingDriver& recorder() { return *recordingDriver(); }
 
     static void reset()
     {
-        stub().forget();
-        stub().devices[0] = {"Alpha", "Beta"};
-        stub().devices[2] = {"Gamma"};
+        recorder().forget();
+        recorder().devices[0] = {"Alpha", "Beta"};
+        recorder().devices[2] = {"Gamma"};
     }
 
     // Sets the first device and clears the record.
@@ -111,7 +112,7 @@ protected:
     static std::string alive()
     {
         std::string text;
-        for (const auto& [kind, count] : stub().alive)
+        for (const auto& [kind, count] : recorder().alive)
             if (count != 0)
                 text += kind + ' ' + std::to_string(count) + ", ";
         return text;
@@ -122,9 +123,9 @@ constexpr const char* kIdle = "context 1, program 1, "; // alive between two job
 
 // The value of a kernel's argument.
 template <typename T>
-T argument(const OpenCLStub& stub, const std::string& kernel, unsigned int index)
+T argument(const RecordingDriver& recorder, const std::string& kernel, unsigned int index)
 {
-    const std::string& bytes = stub.arguments.at(kernel).at(index);
+    const std::string& bytes = recorder.arguments.at(kernel).at(index);
     T value{};
     EXPECT_EQ(bytes.size(), sizeof value);
     std::memcpy(&value, bytes.data(), std::min(bytes.size(), sizeof value));
@@ -138,7 +139,7 @@ inline bool isDeviceResult(const Ondrel::Image& image, unsigned int width, unsig
         return false;
     const auto* const bytes = reinterpret_cast<const unsigned char*>(image.data);
     return std::all_of(bytes, bytes + std::size_t(width) * height * 8,
-                       [](unsigned char byte) { return byte == OpenCLStub::kResult; });
+                       [](unsigned char byte) { return byte == RecordingDriver::kResult; });
 }
 
 } // namespace OndrelTest

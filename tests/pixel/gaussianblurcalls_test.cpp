@@ -1,6 +1,6 @@
 // Blurring on a device that records what it is asked for and fails where the test wants.
 
-#include "withstub.h"
+#include "withrecordingdriver.h"
 
 #include "../reference/gaussianblur_reference.h"
 #include "../support/testimages.h"
@@ -19,29 +19,29 @@ namespace
 constexpr unsigned int kWidth = 150, kHeight = 130; // two slices for each pass
 constexpr std::size_t kBytes = std::size_t(kWidth) * kHeight * 8;
 
-class GaussianBlurStub : public WithStub
+class GaussianBlurCalls : public WithRecordingDriver
 {
 protected:
     void SetUp() override
     {
-        WithStub::SetUp();
+        WithRecordingDriver::SetUp();
         useDevice();
     }
 
-    static const OpenCLStub::Transfer& writeTo(const void* handle)
+    static const RecordingDriver::Transfer& writeTo(const void* handle)
     {
-        for (const OpenCLStub::Transfer& write : stub().writes)
+        for (const RecordingDriver::Transfer& write : recorder().writes)
             if (write.buffer == handle)
                 return write;
         ADD_FAILURE() << "a buffer that nothing was written to";
-        static const OpenCLStub::Transfer none;
+        static const RecordingDriver::Transfer none;
         return none;
     }
 
     // The weights that a kernel was given.
     static std::vector<float> weightsOf(const std::string& kernel)
     {
-        const OpenCLStub::Transfer& write = writeTo(argument<const void*>(stub(), kernel, 2));
+        const RecordingDriver::Transfer& write = writeTo(argument<const void*>(recorder(), kernel, 2));
         EXPECT_FALSE(write.blocking);
         std::vector<float> weights(write.bytesWritten.size() / sizeof(float));
         std::memcpy(weights.data(), write.bytesWritten.data(), weights.size() * sizeof(float));
@@ -71,7 +71,7 @@ bool mayBeIgnored(const std::string& call)
 
 } // namespace
 
-TEST_F(GaussianBlurStub, RunsOnTheDeviceWhereNothingFails)
+TEST_F(GaussianBlurCalls, RunsOnTheDeviceWhereNothingFails)
 {
     const Image source = withMetadata(kWidth, kHeight);
     const Image result = GaussianBlur(source, 3, 2, GaussianEdge::Clamp, RunStatus());
@@ -80,26 +80,26 @@ TEST_F(GaussianBlurStub, RunsOnTheDeviceWhereNothingFails)
     EXPECT_EQ(alive(), kIdle);
 }
 
-TEST_F(GaussianBlurStub, NeverTriesTheDeviceInTheProcessorsForm)
+TEST_F(GaussianBlurCalls, NeverTriesTheDeviceInTheProcessorsForm)
 {
     const Image source = randomImage(20, 10, 1);
     GaussianBlur_CPU(source, 3, 2, GaussianEdge::Clamp, RunStatus());
-    EXPECT_TRUE(stub().calls.empty());
+    EXPECT_TRUE(recorder().calls.empty());
 }
 
-TEST_F(GaussianBlurStub, EveryFailureEndsInTheResultOfTheProcessor)
+TEST_F(GaussianBlurCalls, EveryFailureEndsInTheResultOfTheProcessor)
 {
     const Image source = withMetadata(kWidth, kHeight);
     const Image expected = GaussianBlur_CPU(source, 3, 2, GaussianEdge::Blank, RunStatus());
     for (const bool failOn : {false, true})
         for (int number = 1;; ++number) {
             reset();
-            stub().failAt = number;
-            stub().failOn = failOn;
+            recorder().failAt = number;
+            recorder().failOn = failOn;
             testing::internal::CaptureStdout();
             const Image result = GaussianBlur(source, 3, 2, GaussianEdge::Blank, RunStatus());
             const std::string output = testing::internal::GetCapturedStdout();
-            const std::string failed = stub().failedCall;
+            const std::string failed = recorder().failedCall;
             SCOPED_TRACE(testing::Message() << "call " << number << ", " << failed);
             if (failed.empty()) {
                 EXPECT_TRUE(isDeviceResult(result, kWidth, kHeight));
@@ -107,7 +107,7 @@ TEST_F(GaussianBlurStub, EveryFailureEndsInTheResultOfTheProcessor)
                 break;
             }
             const bool same = samePixels(result, expected);
-            EXPECT_TRUE(same || (mayBeIgnored(stub().calls[std::size_t(number - 1)]) &&
+            EXPECT_TRUE(same || (mayBeIgnored(recorder().calls[std::size_t(number - 1)]) &&
                                  isDeviceResult(result, kWidth, kHeight)));
             expectNoMetadata(result);
             if (!failOn) {
@@ -120,9 +120,9 @@ TEST_F(GaussianBlurStub, EveryFailureEndsInTheResultOfTheProcessor)
         }
 }
 
-TEST_F(GaussianBlurStub, AProgramThatDidNotBuildLeavesTheProcessor)
+TEST_F(GaussianBlurCalls, AProgramThatDidNotBuildLeavesTheProcessor)
 {
-    stub().buildResult = -11;
+    recorder().buildResult = -11;
     ASSERT_TRUE(PixelOpenCL::instance()->setDevice(0, 0));
     const Image source = randomImage(20, 10, 1);
     const Image expected = GaussianBlur_CPU(source, 3, 2, GaussianEdge::Repeat, RunStatus());
@@ -130,7 +130,7 @@ TEST_F(GaussianBlurStub, AProgramThatDidNotBuildLeavesTheProcessor)
     EXPECT_EQ(alive(), kIdle);
 }
 
-TEST_F(GaussianBlurStub, ChoosesTheKernelsByTheEdge)
+TEST_F(GaussianBlurCalls, ChoosesTheKernelsByTheEdge)
 {
     const Image source = randomImage(20, 10, 1);
     const std::pair<GaussianEdge, std::vector<std::string>> cases[] = {
@@ -138,22 +138,22 @@ TEST_F(GaussianBlurStub, ChoosesTheKernelsByTheEdge)
     for (const auto& [edge, kernels] : cases) {
         reset();
         GaussianBlur(source, 3, 2, edge, RunStatus());
-        EXPECT_EQ(stub().kernels, kernels);
-        ASSERT_EQ(stub().launches.size(), 2u);
-        EXPECT_EQ(stub().launches[0].kernel, kernels[0]);
-        EXPECT_EQ(stub().launches[1].kernel, kernels[1]);
+        EXPECT_EQ(recorder().kernels, kernels);
+        ASSERT_EQ(recorder().launches.size(), 2u);
+        EXPECT_EQ(recorder().launches[0].kernel, kernels[0]);
+        EXPECT_EQ(recorder().launches[1].kernel, kernels[1]);
     }
 }
 
-TEST_F(GaussianBlurStub, AsksForBuffersAndPassesThemBetweenTheTwoPasses)
+TEST_F(GaussianBlurCalls, AsksForBuffersAndPassesThemBetweenTheTwoPasses)
 {
     const Image source = randomImage(kWidth, kHeight, 1);
     const Image result = GaussianBlur(source, 5, 2, GaussianEdge::Clamp, RunStatus());
     const QSize taps = GaussianSampleSize(5, 2);
 
-    ASSERT_EQ(stub().buffers.size(), 6u);
+    ASSERT_EQ(recorder().buffers.size(), 6u);
     std::multiset<std::pair<unsigned long long, std::size_t>> asked;
-    for (const OpenCLStub::Buffer& buffer : stub().buffers) {
+    for (const RecordingDriver::Buffer& buffer : recorder().buffers) {
         asked.insert({buffer.flags, buffer.bytes});
         EXPECT_EQ(buffer.host != nullptr, (buffer.flags & CL_MEM_USE_HOST_PTR) != 0);
         if (buffer.flags == (CL_MEM_READ_ONLY | CL_MEM_USE_HOST_PTR)) {
@@ -169,37 +169,37 @@ TEST_F(GaussianBlurStub, AsksForBuffersAndPassesThemBetweenTheTwoPasses)
                          {CL_MEM_READ_ONLY, std::size_t(taps.height()) * 4}}));
 
     for (const char* const kernel : {"b1", "c1"}) {
-        EXPECT_EQ(argument<cl_uint>(stub(), kernel, 0), kWidth);
-        EXPECT_EQ(argument<cl_uint>(stub(), kernel, 1), kHeight);
+        EXPECT_EQ(argument<cl_uint>(recorder(), kernel, 0), kWidth);
+        EXPECT_EQ(argument<cl_uint>(recorder(), kernel, 1), kHeight);
     }
-    EXPECT_EQ(argument<cl_int>(stub(), "b1", 3), taps.width());
-    EXPECT_EQ(argument<cl_int>(stub(), "c1", 3), taps.height());
-    const void* const a = argument<const void*>(stub(), "b1", 4);
-    const void* const b = argument<const void*>(stub(), "b1", 5);
+    EXPECT_EQ(argument<cl_int>(recorder(), "b1", 3), taps.width());
+    EXPECT_EQ(argument<cl_int>(recorder(), "c1", 3), taps.height());
+    const void* const a = argument<const void*>(recorder(), "b1", 4);
+    const void* const b = argument<const void*>(recorder(), "b1", 5);
     EXPECT_NE(a, b);
-    EXPECT_EQ(argument<const void*>(stub(), "c1", 4), b);
-    EXPECT_EQ(argument<const void*>(stub(), "c1", 5), a);
+    EXPECT_EQ(argument<const void*>(recorder(), "c1", 4), b);
+    EXPECT_EQ(argument<const void*>(recorder(), "c1", 5), a);
 
-    const OpenCLStub::Transfer& write = writeTo(a);
+    const RecordingDriver::Transfer& write = writeTo(a);
     EXPECT_FALSE(write.blocking);
     ASSERT_EQ(write.bytes, kBytes);
     EXPECT_EQ(std::memcmp(write.bytesWritten.data(), source.data, kBytes), 0);
-    ASSERT_EQ(stub().maps.size(), 2u);
-    ASSERT_EQ(stub().reads.size(), 1u);
-    EXPECT_EQ(stub().reads[0].buffer, a);
-    EXPECT_EQ(stub().reads[0].bytes, kBytes);
-    EXPECT_TRUE(stub().reads[0].blocking);
-    EXPECT_TRUE(stub().reads[0].hasEvent);
-    EXPECT_EQ(std::count_if(stub().maps.begin(), stub().maps.end(),
-                            [](const OpenCLStub::Map& map) { return map.pointer == stub().reads[0].pointer; }),
+    ASSERT_EQ(recorder().maps.size(), 2u);
+    ASSERT_EQ(recorder().reads.size(), 1u);
+    EXPECT_EQ(recorder().reads[0].buffer, a);
+    EXPECT_EQ(recorder().reads[0].bytes, kBytes);
+    EXPECT_TRUE(recorder().reads[0].blocking);
+    EXPECT_TRUE(recorder().reads[0].hasEvent);
+    EXPECT_EQ(std::count_if(recorder().maps.begin(), recorder().maps.end(),
+                            [](const RecordingDriver::Map& map) { return map.pointer == recorder().reads[0].pointer; }),
               1)
         << "the result is read into its map";
-    ASSERT_EQ(stub().launches.size(), 4u);
-    EXPECT_EQ(stub().launches[2].kernel, "c1");
+    ASSERT_EQ(recorder().launches.size(), 4u);
+    EXPECT_EQ(recorder().launches[2].kernel, "c1");
 }
 
 // A radius of -1 or less leaves its direction out.
-TEST_F(GaussianBlurStub, OnePassReadsTheOtherBuffer)
+TEST_F(GaussianBlurCalls, OnePassReadsTheOtherBuffer)
 {
     const Image source = randomImage(20, 10, 1);
     const std::pair<float, float> radii[] = {{3.0f, -2.0f}, {-2.0f, 3.0f}};
@@ -207,17 +207,17 @@ TEST_F(GaussianBlurStub, OnePassReadsTheOtherBuffer)
         reset();
         GaussianBlur(source, radiusX, radiusY, GaussianEdge::Clamp, RunStatus());
         const std::string kernel = radiusX > 0 ? "b1" : "c1";
-        ASSERT_EQ(stub().kernels, std::vector<std::string>{kernel});
-        ASSERT_EQ(stub().reads.size(), 1u);
-        EXPECT_EQ(stub().reads[0].buffer, argument<const void*>(stub(), kernel, 5));
-        EXPECT_EQ(stub().writes[0].bytes, 20u * 10u * 8u);
-        EXPECT_EQ(writeTo(argument<const void*>(stub(), kernel, 4)).bytes, 20u * 10u * 8u);
+        ASSERT_EQ(recorder().kernels, std::vector<std::string>{kernel});
+        ASSERT_EQ(recorder().reads.size(), 1u);
+        EXPECT_EQ(recorder().reads[0].buffer, argument<const void*>(recorder(), kernel, 5));
+        EXPECT_EQ(recorder().writes[0].bytes, 20u * 10u * 8u);
+        EXPECT_EQ(writeTo(argument<const void*>(recorder(), kernel, 4)).bytes, 20u * 10u * 8u);
     }
 }
 
 // Exponentials in double precision, the rest in single: no further from the weights of the processor than a few units
 // in the last place of the greatest one.
-TEST_F(GaussianBlurStub, WeightsAreThoseOfTheProcessorInSinglePrecision)
+TEST_F(GaussianBlurCalls, WeightsAreThoseOfTheProcessorInSinglePrecision)
 {
     const Image source = randomImage(20, 10, 1);
     for (const float radius : {0.25f, 1.0f, 2.5f, 7.0f, 40.0f, 100.0f}) {
@@ -234,7 +234,7 @@ TEST_F(GaussianBlurStub, WeightsAreThoseOfTheProcessorInSinglePrecision)
     }
 }
 
-TEST_F(GaussianBlurStub, RadiiOfZeroCopyWithoutTheDevice)
+TEST_F(GaussianBlurCalls, RadiiOfZeroCopyWithoutTheDevice)
 {
     const Image source = withMetadata(20, 10);
     const int word = 1;
@@ -244,50 +244,50 @@ TEST_F(GaussianBlurStub, RadiiOfZeroCopyWithoutTheDevice)
         EXPECT_EQ(result.colorProfile, source.colorProfile);
         EXPECT_EQ(result.rawToneCurve, source.rawToneCurve);
     }
-    EXPECT_TRUE(stub().calls.empty());
+    EXPECT_TRUE(recorder().calls.empty());
 }
 
-TEST_F(GaussianBlurStub, IsEmptyIfItIsCancelledBefore)
+TEST_F(GaussianBlurCalls, IsEmptyIfItIsCancelledBefore)
 {
     const int word = 1;
     EXPECT_TRUE(isEmpty(GaussianBlur(randomImage(20, 10, 1), 3, 2, GaussianEdge::Clamp, RunStatus{&word})));
-    EXPECT_LE(stub().launches.size(), 1u);
+    EXPECT_LE(recorder().launches.size(), 1u);
     EXPECT_EQ(alive(), kIdle);
     EXPECT_TRUE(lockIsFree());
 }
 
 // Two slices in each pass: in each, the last one of the last pass too, when all work has been done.
-TEST_F(GaussianBlurStub, IsEmptyIfItIsCancelledInAnySlice)
+TEST_F(GaussianBlurCalls, IsEmptyIfItIsCancelledInAnySlice)
 {
     const Image source = randomImage(kWidth, kHeight, 1);
     for (std::size_t slice = 1; slice <= 4; ++slice) {
         reset();
         int word = 0;
-        stub().onLaunch = [&] { word = stub().launches.size() == slice ? 1 : word; };
+        recorder().onLaunch = [&] { word = recorder().launches.size() == slice ? 1 : word; };
         EXPECT_TRUE(isEmpty(GaussianBlur(source, 3, 2, GaussianEdge::Clamp, RunStatus{&word}))) << slice;
-        EXPECT_EQ(stub().launches.size(), slice);
+        EXPECT_EQ(recorder().launches.size(), slice);
         EXPECT_EQ(alive(), kIdle);
         EXPECT_TRUE(lockIsFree());
     }
 }
 
-TEST_F(GaussianBlurStub, IsDoneIfItIsCancelledAfterItsLastSlice)
+TEST_F(GaussianBlurCalls, IsDoneIfItIsCancelledAfterItsLastSlice)
 {
     const Image source = randomImage(kWidth, kHeight, 1);
     int word = 0;
-    stub().onRead = [&] { word = 1; };
+    recorder().onRead = [&] { word = 1; };
     EXPECT_TRUE(isDeviceResult(GaussianBlur(source, 3, 2, GaussianEdge::Clamp, RunStatus{&word}), kWidth, kHeight));
     EXPECT_EQ(word, 1);
 }
 
-TEST_F(GaussianBlurStub, GoesOnForEveryOtherWord)
+TEST_F(GaussianBlurCalls, GoesOnForEveryOtherWord)
 {
     const Image source = randomImage(20, 10, 1);
     for (const int word : {0, 2, -1})
         EXPECT_TRUE(isDeviceResult(GaussianBlur(source, 3, 2, GaussianEdge::Clamp, RunStatus{&word}), 20, 10));
 }
 
-TEST_F(GaussianBlurStub, PicturesWithoutPixelsAreThoseOfTheProcessor)
+TEST_F(GaussianBlurCalls, PicturesWithoutPixelsAreThoseOfTheProcessor)
 {
     for (const Image& source : {Image(), Image(0, 7), Image(7, 0)}) {
         const Image expected = GaussianBlur_CPU(source, 3, 2, GaussianEdge::Clamp, RunStatus());
