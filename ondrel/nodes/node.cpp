@@ -235,8 +235,11 @@ void Node::setHeader(const QString& header)
 void Node::setDebugText(const QString& text)
 {
     if (text.isEmpty()) {
+        if (!m_debugTextItem)
+            return;
         delete m_debugTextItem;
         m_debugTextItem = nullptr;
+        update(); // a graphics effect, which may keep a picture of the node, is not told of the end of a child
         return;
     }
     if (!m_debugTextItem)

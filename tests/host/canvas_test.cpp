@@ -139,6 +139,17 @@ protected:
         ADD_FAILURE() << "something is left to be drawn after 50 frames";
         return last;
     }
+
+    // The same with every item drawn for itself.
+    QImage withoutPictures()
+    {
+        for (const auto& [node, each] : scene().nodeItems())
+            each->graphicsEffect()->setEnabled(false);
+        const QImage image = shown();
+        for (const auto& [node, each] : scene().nodeItems())
+            each->graphicsEffect()->setEnabled(true);
+        return image;
+    }
 };
 
 // The largest difference of a channel. Layers that are blended one by one round once more than their picture.
@@ -166,24 +177,33 @@ TEST_F(CanvasByMouse, PicturesOfNodesShowWhatTheNodesShow)
     view().resetTransform();
     view().centerOn(300, 150);
     play("wait"); // the nodes' pictures are of the new zoom
-    const auto without = [this] {
-        for (const auto& [node, each] : scene().nodeItems())
-            each->graphicsEffect()->setEnabled(false);
-        const QImage image = shown();
-        for (const auto& [node, each] : scene().nodeItems())
-            each->graphicsEffect()->setEnabled(true);
-        return image;
-    };
     const QImage first = shown();
-    EXPECT_LE(difference(first, without()), 3);
+    EXPECT_LE(difference(first, withoutPictures()), 3);
     play("slide Blur radiusx 0.7\nselect Levels\nwait");
     const QImage second = shown();
     EXPECT_NE(second, first);
-    EXPECT_LE(difference(second, without()), 3);
+    EXPECT_LE(difference(second, withoutPictures()), 3);
     play("set Blur radiusx 3\nselect Levels\nkey D\nwait");
     const QImage third = shown();
     EXPECT_NE(third, second);
-    EXPECT_LE(difference(third, without()), 3);
+    EXPECT_LE(difference(third, withoutPictures()), 3);
+}
+
+TEST_F(CanvasByMouse, PicturesOfNodesLoseAReasonThatIsNoMore)
+{
+    addChain();
+    settle();
+    view().resetTransform();
+    view().centerOn(300, 150);
+    settle();
+    const QImage before = shown();
+    scene().setErrors({{id("Blur"), "It is too dark."}});
+    const QImage failed = shown();
+    EXPECT_GT(difference(failed, before), 100);
+    EXPECT_LE(difference(failed, withoutPictures()), 3);
+    shown();
+    scene().setErrors({});
+    EXPECT_EQ(shown(), before);
 }
 
 // A picture is whole even if it was made while only a part of its node was to be seen.

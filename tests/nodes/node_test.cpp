@@ -4,6 +4,7 @@
 #include <ondrel/nodes/layouts.h>
 #include <ondrel/nodes/nodebackdrop.h>
 
+#include <QGraphicsEffect>
 #include <QGraphicsTextItem>
 #include <QPointer>
 #include <QTextDocument>
@@ -344,6 +345,34 @@ TEST(Node, ShowsDebugTextAboveItselfUntilItIsEmpty)
     EXPECT_EQ(node.childItems().size(), children);
     node.setDebugText("again");
     EXPECT_EQ(node.childItems().size(), children + 1);
+}
+
+// Such an effect may draw a picture of the node that it keeps.
+TEST(Node, EndOfTheDebugTextIsToldToGraphicsEffects)
+{
+    class Effect : public QGraphicsEffect
+    {
+    public:
+        int changes = 0;
+
+    protected:
+        void draw(QPainter* painter) override { drawSource(painter); }
+        void sourceChanged(ChangeFlags) override { ++changes; }
+    };
+    GraphView graph;
+    TestNode* const node = graph.add(new TestNode, {50, 50});
+    auto* const effect = new Effect;
+    node->setGraphicsEffect(effect);
+    node->setDebugText("late");
+    PaintCounter repaints(graph.scene);
+    const int before = effect->changes;
+    node->setDebugText("");
+    EXPECT_TRUE(repaints.changed());
+    EXPECT_GT(effect->changes, before);
+    const int after = effect->changes;
+    node->setDebugText("");
+    EXPECT_FALSE(repaints.changed());
+    EXPECT_EQ(effect->changes, after) << "there was none";
 }
 
 TEST(Node, RepaintsForHeaderAndFirstSelectedButNotForDrawSelection)

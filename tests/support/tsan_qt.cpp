@@ -28,12 +28,14 @@ Function original(const char* mangledName)
     return reinterpret_cast<Function>(address);
 }
 
-// Runs another job after announcing that what happened before start() happened before it.
+// Runs another job after announcing that what happened before start() happened before it, and that it happens before
+// the end of waitForDone().
 class AnnouncedJob : public QRunnable
 {
 public:
-    explicit AnnouncedJob(QRunnable* job)
+    AnnouncedJob(QRunnable* job, QThreadPool* pool)
         : m_job(job)
+        , m_pool(pool)
     {
     }
 
@@ -44,10 +46,12 @@ public:
         m_job->run();
         if (deletes)
             delete m_job;
+        __tsan_release(m_pool);
     }
 
 private:
     QRunnable* m_job;
+    QThreadPool* m_pool;
 };
 
 // Calls another slot after announcing that what happened before it was posted happened before it.
@@ -110,9 +114,18 @@ void QThreadPool::start(QRunnable* job, int priority)
     static const auto start = original<void (*)(QThreadPool*, QRunnable*, int)>("_ZN11QThreadPool5startEP9QRunnablei");
     if (!job)
         return start(this, job, priority);
-    auto* const announced = new AnnouncedJob(job); // the pool deletes it after run()
+    auto* const announced = new AnnouncedJob(job, this); // the pool deletes it after run()
     __tsan_release(announced);
     start(this, announced, priority);
+}
+
+bool QThreadPool::waitForDone(int milliseconds)
+{
+    static const auto wait = original<bool (*)(QThreadPool*, int)>("_ZN11QThreadPool11waitForDoneEi");
+    const bool done = wait(this, milliseconds);
+    if (done)
+        __tsan_acquire(this);
+    return done;
 }
 
 bool QFutureInterfaceBase::derefT() const

@@ -2,21 +2,21 @@
 
 #include <QObject>
 #include <QString>
+#include <QThreadPool>
 
-#include <condition_variable>
 #include <functional>
-#include <mutex>
 
 namespace Host
 {
 
-// Runs what blocks away from the user-interface thread, one after the other or beside each other as threads are free,
-// and comes back with the result.
+// Runs what blocks away from the user-interface thread, and comes back with the result. Work begins in the order in
+// which it was given, beside each other as the worker's own threads are free: an export holds no preview up. These
+// threads wait, for files and for the store; what computes shares oneTBB's.
 class Worker : public QObject
 {
     Q_OBJECT
 public:
-    using QObject::QObject;
+    explicit Worker(QObject* parent = nullptr);
     ~Worker() override; // waits for all that runs; what would come back then does not
 
     // `work` runs on another thread and gives what is to be done afterwards on this one. If it throws, for which memory
@@ -31,12 +31,9 @@ Q_SIGNALS:
 private:
     std::function<void()> resultOf(const std::function<std::function<void()>()>& work,
                                    const std::function<void(const QString&)>& otherwise);
-    void leave();
 
-    std::mutex m_mutex;
-    std::condition_variable m_idle;
-    int m_running = 0; // on other threads
-    int m_waiting = 0; // for their results, here
+    QThreadPool m_threads;
+    int m_waiting = 0; // for results
 };
 
 } // namespace Host
