@@ -22,8 +22,9 @@ Worker::~Worker()
 void Worker::run(std::function<std::function<void()>()> work, std::function<void(const QString&)> otherwise)
 {
     ++m_waiting;
-    m_threads.start(QRunnable::create([this, work = std::move(work), otherwise = std::move(otherwise)] {
+    m_threads.start(QRunnable::create([this, work = std::move(work), otherwise = std::move(otherwise)]() mutable {
         const std::function<void()> then = resultOf(work, otherwise);
+        work = nullptr; // what it holds, such as the lock of a file, goes before it is told that it is done
         const auto finish = [this, then] {
             --m_waiting;
             if (then)
