@@ -1,6 +1,7 @@
 #include "pictureexport.h"
 
 #include "blocking.h"
+#include "evaluation.h"
 #include "text.h"
 
 #include <ondrel/color/colorprofiles.h>
@@ -121,6 +122,19 @@ bool formatFromName(const QString& fileName, FileFormat& format)
     else
         return false;
     return true;
+}
+
+QString whyNotExport(const Graph& graph, const Outcome& outcome)
+{
+    QStringList reasons;
+    for (auto error = outcome.errors.begin(); error != outcome.errors.end(); ++error) {
+        const NodeRecord* const node = graph.node(error.key());
+        reasons.append(node ? node->name + ": " + error.value() : error.value());
+    }
+    reasons.sort();
+    if (reasons.isEmpty() && !outcome.picture.image)
+        reasons.append(Text::tr("There is no picture to export."));
+    return reasons.join(' ');
 }
 
 ExportResult exportPicture(Ondrel::Image image, FileFormat format, const QVariantMap& outputValues,

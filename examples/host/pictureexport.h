@@ -1,5 +1,7 @@
 #pragma once
 
+#include "graph.h"
+
 #include <ondrel/core/image.h>
 
 #include <QString>
@@ -9,6 +11,8 @@
 
 namespace Host
 {
+
+struct Outcome;
 
 enum class FileFormat { Png, Jpeg, Tiff };
 
@@ -20,6 +24,11 @@ QString suffixOf(FileFormat format);
 
 // The format that a file name's ending stands for; false if it is none of "png", "jpg", "jpeg", "tif", "tiff".
 bool formatFromName(const QString& fileName, FileFormat& format);
+
+// Why the picture of an evaluation that was not cancelled is not for a file; empty if it is. One that is not what its
+// nodes should make of it is not, although it may do for the screen: the nodes are named with their reasons, in
+// alphabetical order.
+QString whyNotExport(const Graph& graph, const Outcome& outcome);
 
 struct ExportResult {
     QString error; // a sentence; empty if all went well or it was stopped

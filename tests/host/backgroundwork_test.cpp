@@ -6,6 +6,7 @@
 #include "imagepane.h"
 #include "pictures.h"
 #include "preferences.h"
+#include "proprofile.h"
 #include "scene.h"
 #include "script.h"
 #include "testnodes.h"
@@ -30,19 +31,6 @@ namespace
 {
 
 constexpr int kPatience = 60000; // milliseconds
-
-QByteArray otherProfile()
-{
-    std::vector<std::pair<QString, std::array<unsigned char, 32>>> profiles;
-    using Profile = Ondrel::ColorManager::ColorProfile;
-    Ondrel::ColorManager::colorProfileNamesAndHashesSorted(profiles, {Profile::RGB}, {Profile::BuiltIn});
-    for (const auto& [name, hash] : profiles) {
-        if (name.contains("ProPhoto"))
-            return QByteArray(reinterpret_cast<const char*>(hash.data()), int(hash.size()));
-    }
-    ADD_FAILURE() << "no ProPhoto RGB";
-    return QByteArray();
-}
 
 // What a node adds whose result hangs on the display.
 unsigned int displayAmount()
@@ -103,7 +91,7 @@ TEST_F(ExportOverReload, LeavesNothingOfTheOldDisplay)
     window.exporter().add(order);
     inHook.pass();
     PreferenceValues values;
-    values.displayProfile = otherProfile();
+    values.displayProfile = proPhotoProfile();
     window.preferences().apply(values);
     ASSERT_TRUE(QTest::qWaitFor([this] { return !window.preferences().isBusy(); }, kPatience));
     ASSERT_NE(displayAmount(), before);

@@ -6,6 +6,7 @@
 #include "pictures.h"
 #include "preferences.h"
 #include "preferencesdialog.h"
+#include "proprofile.h"
 #include "scene.h"
 #include "shortcuts.h"
 #include "shortcutsdialog.h"
@@ -245,18 +246,6 @@ protected:
     }
 
     // A profile in which the same numbers are other colours.
-    static QByteArray wideProfile()
-    {
-        std::vector<std::pair<QString, std::array<unsigned char, 32>>> profiles;
-        using Profile = Ondrel::ColorManager::ColorProfile;
-        Ondrel::ColorManager::colorProfileNamesAndHashesSorted(profiles, {Profile::RGB}, {Profile::BuiltIn});
-        for (const auto& [name, hash] : profiles) {
-            if (name.contains("ProPhoto"))
-                return QByteArray(reinterpret_cast<const char*>(hash.data()), int(hash.size()));
-        }
-        ADD_FAILURE() << "no ProPhoto RGB";
-        return QByteArray();
-    }
     static QByteArray displayProfile()
     {
         const auto hash = Ondrel::ColorManager::displayProfileAsHash();
@@ -288,12 +277,12 @@ protected:
 TEST_F(PreferencesOfTheEditor, OtherDisplayProfileChangesThePictureOnTheScreen)
 {
     const QImage before = pane().rendered();
-    chooseData("profile", wideProfile());
+    chooseData("profile", proPhotoProfile());
     chooseData("intent", "Saturation");
     EXPECT_EQ(displayProfile(), PreferenceValues::load().displayProfile);
     press(QDialogButtonBox::Apply);
     settle();
-    EXPECT_EQ(displayProfile(), wideProfile());
+    EXPECT_EQ(displayProfile(), proPhotoProfile());
     EXPECT_EQ(Ondrel::ColorManager::getDisplayRenderingIntent(), 2u);
     EXPECT_NE(pane().rendered(), before);
     EXPECT_EQ(pane().rendered(), renderForView(freshPicture(id("photo")), DisplayOptions()));
@@ -307,17 +296,17 @@ TEST_F(PreferencesOfTheEditor, OtherDisplayProfileChangesThePictureOnTheScreen)
 
 TEST_F(PreferencesOfTheEditor, CancelChangesNothing)
 {
-    chooseData("profile", wideProfile());
+    chooseData("profile", proPhotoProfile());
     control<QSpinBox>("cache").setValue(100);
     press(QDialogButtonBox::Cancel);
     settle();
-    EXPECT_NE(displayProfile(), wideProfile());
+    EXPECT_NE(displayProfile(), proPhotoProfile());
     EXPECT_TRUE(QSettings().allKeys().filter("settings/").isEmpty());
 }
 
 TEST_F(PreferencesOfTheEditor, SettingsSurviveARestart)
 {
-    chooseData("profile", wideProfile());
+    chooseData("profile", proPhotoProfile());
     chooseData("intent", "Relative Colorimetric");
     control<QCheckBox>("managedThumbnails").setChecked(true);
     chooseData("thumbnailFilter", "Bicubic");
@@ -326,7 +315,7 @@ TEST_F(PreferencesOfTheEditor, SettingsSurviveARestart)
     settle();
     const QSettings settings;
     EXPECT_EQ(settings.value("settings/colormanagement/colormanagement"), "Enabled");
-    EXPECT_EQ(settings.value("settings/colormanagement/displayprofile"), wideProfile());
+    EXPECT_EQ(settings.value("settings/colormanagement/displayprofile"), proPhotoProfile());
     EXPECT_EQ(settings.value("settings/colormanagement/displayrenderingintent"), "Relative Colorimetric");
     EXPECT_NE(settings.value("settings/colormanagement/thumbnails"), "No");
     EXPECT_EQ(settings.value("settings/performance/interpolation/thumbnail"), "Bicubic");
@@ -335,7 +324,7 @@ TEST_F(PreferencesOfTheEditor, SettingsSurviveARestart)
     choiceOf(later).selfTest().setProgram(ONDREL_DEVICETEST);
     EXPECT_EQ(later.pictures().evaluator().cache().byteBudget(), std::size_t(300) << 20);
     PreferencesDialog& shown = dialog(later);
-    EXPECT_EQ(shown.findChild<QComboBox*>("profile")->currentData(), wideProfile());
+    EXPECT_EQ(shown.findChild<QComboBox*>("profile")->currentData(), proPhotoProfile());
     EXPECT_EQ(shown.findChild<QComboBox*>("intent")->currentData(), "Relative Colorimetric");
     EXPECT_TRUE(shown.findChild<QCheckBox*>("managed")->isChecked());
     EXPECT_TRUE(shown.findChild<QCheckBox*>("managedThumbnails")->isChecked());
@@ -367,15 +356,15 @@ TEST_F(PreferencesOfTheEditor, DisplaySettingsChangeOnlyWhenNoPictureIsAtWork)
     QTest::qWait(50);
     ASSERT_TRUE(window.pictures().evaluator().isBusy());
     PreferenceValues values = PreferenceValues::load();
-    values.displayProfile = wideProfile();
+    values.displayProfile = proPhotoProfile();
     window.preferences().apply(values);
     pane().setPicture(Picture()); // more that is not to begin
     QTest::qWait(200);
     EXPECT_TRUE(window.preferences().isBusy());
-    EXPECT_NE(displayProfile(), wideProfile());
+    EXPECT_NE(displayProfile(), proPhotoProfile());
     held.release();
     settle();
-    EXPECT_EQ(displayProfile(), wideProfile());
+    EXPECT_EQ(displayProfile(), proPhotoProfile());
     EXPECT_EQ(pane().rendered(), renderForView(freshPicture(id("photo")), DisplayOptions()));
 }
 
@@ -383,7 +372,7 @@ TEST_F(PreferencesOfTheEditor, ResultsThatHangOnTheDisplayAreComputedAnew)
 {
     play("add essentials/softproof 260 0 Proof\nkey A\nwire photo image Proof image\nshow Proof\nwait");
     const Picture before = pane().picture();
-    chooseData("profile", wideProfile());
+    chooseData("profile", proPhotoProfile());
     press(QDialogButtonBox::Apply);
     settle();
     EXPECT_FALSE(equalPictures(pane().picture(), before));
@@ -405,7 +394,7 @@ TEST_F(PreferencesOfTheEditor, ThumbnailsOfNodesAreRenderedAnew)
     };
     const QImage before = thumbnail();
     ASSERT_EQ(thumbnail(), before);
-    chooseData("profile", wideProfile());
+    chooseData("profile", proPhotoProfile());
     press(QDialogButtonBox::Apply);
     EXPECT_EQ(thumbnail(), before); // not managed
     control<QCheckBox>("managedThumbnails").setChecked(true);

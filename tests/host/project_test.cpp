@@ -1,5 +1,6 @@
 // The text of project files.
 
+#include "smallproject.h"
 #include "testnodes.h"
 
 #include <project.h>
@@ -258,15 +259,7 @@ class WrongProject : public ProjectText, public testing::WithParamInterface<Wron
 
 TEST_P(WrongProject, IsRefusedWithLineAndColumn)
 {
-    const QByteArray whole = R"({"format": "ondrel-project", "version": 1,
- "nodes": [
-  {"id": "1", "type": "test/add", "name": "A", "position": ["0", "0"], "bypassed": false, "values": {"amount": "3"}},
-  {"id": "2", "type": "test/add", "name": "B", "position": ["0", "0"], "bypassed": false, "values": {}}],
- "connections": [{"from": "1", "output": "image", "to": "2", "input": "image"}],
- "frames": [{"id": "1", "title": "T", "area": ["0", "0", "1", "1"]}],
- "resources": [],
- "view": {}}
-)";
+    const QByteArray whole = smallProject();
     ASSERT_TRUE(read(whole).project) << qPrintable(read(whole).error);
     QByteArray text = whole;
     ASSERT_EQ(text.count(GetParam().find), 1) << GetParam().find;

@@ -1,6 +1,7 @@
 // Every sentence of the core can be translated as a whole.
 
 #include "marker.h"
+#include "smallproject.h"
 #include "testnodes.h"
 
 #include <graph.h>
@@ -64,14 +65,8 @@ TEST_F(Translation, ReasonsAgainstConnections)
 
 TEST_F(Translation, FaultsOfProjects)
 {
-    const QByteArray whole = R"({"format": "ondrel-project", "version": 1,
- "nodes": [
-  {"id": "1", "type": "test/add", "name": "A", "position": ["0", "0"], "bypassed": false, "values": {"amount": "3"}},
-  {"id": "2", "type": "test/add", "name": "B", "position": ["0", "0"], "bypassed": false, "values": {}}],
- "connections": [{"from": "1", "output": "image", "to": "2", "input": "image"}],
- "frames": [{"id": "1", "title": "T", "area": ["0", "0", "1", "1"]}],
- "resources": [{"id": "1", "kind": "image", "path": "/none.png"}],
- "view": {}})";
+    const QByteArray whole = replaced(smallProject(), "\"resources\": []",
+                                      R"("resources": [{"id": "1", "kind": "image", "path": "/none.png"}])");
     const std::pair<const char*, const char*> faults[] = {
         {"\"version\": 1", "\"version\": 2"},
         {"\"version\": 1", "\"version\": 0"},

@@ -12,22 +12,6 @@
 
 namespace Host
 {
-namespace
-{
-
-// A picture that is not what its nodes should make of it is not for a file, although it may do for the screen.
-QString whyNotExport(const Graph& graph, const Outcome& outcome)
-{
-    QStringList reasons;
-    for (auto error = outcome.errors.begin(); error != outcome.errors.end(); ++error) {
-        const NodeRecord* const node = graph.node(error.key());
-        reasons.append(node ? node->name + ": " + error.value() : error.value());
-    }
-    reasons.sort();
-    return reasons.isEmpty() ? Exporter::tr("There is no picture to export.") : reasons.join(' ');
-}
-
-} // namespace
 
 Exporter::Exporter(const NodeTypes& types, ResultCache& cache, QWidget* parent)
     : QWidget(parent)
@@ -107,8 +91,9 @@ QString Exporter::written(Job& job)
     const Outcome outcome = evaluate(job.order.graph, m_types, target, m_cache, Ondrel::RunStatus{&job.word});
     if (job.cancelled || outcome.cancelled)
         return QString();
-    if (!outcome.picture.image || !outcome.errors.isEmpty())
-        return whyNotExport(job.order.graph, outcome);
+    const QString reason = whyNotExport(job.order.graph, outcome);
+    if (!reason.isEmpty())
+        return reason;
     const auto progress = [this, &job](int percent) {
         QMetaObject::invokeMethod(
             &m_worker,

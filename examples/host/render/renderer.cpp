@@ -114,17 +114,6 @@ private:
     std::size_t m_bytes = 0;
 };
 
-QString reasonOf(const Graph& graph, const Outcome& outcome)
-{
-    QStringList reasons;
-    for (auto error = outcome.errors.begin(); error != outcome.errors.end(); ++error) {
-        const NodeRecord* const node = graph.node(error.key());
-        reasons.append(QString("%1: %2").arg(node ? node->name : QString(), error.value()));
-    }
-    reasons.sort();
-    return reasons.isEmpty() ? QString("There is no picture.") : reasons.join(' ');
-}
-
 class Renderer
 {
 public:
@@ -186,16 +175,15 @@ private:
         Graph graph = m_plan.graph;
         Allowance allowance(m_gate); // given back when the picture is gone
         std::shared_ptr<StoredPicture> picture;
-        const QString reason = begin(job, graph, picture, allowance);
+        QString reason = begin(job, graph, picture, allowance);
         if (!reason.isEmpty() || isStopped())
             return reason;
         const Outcome outcome =
             evaluate(graph, m_types, {job.outputNode, QString(), 1}, m_sharedOnly, Ondrel::RunStatus{&m_stop});
         if (isStopped())
             return QString();
-        if (!outcome.picture.image || !outcome.errors.isEmpty())
-            return reasonOf(graph, outcome);
-        return write(job, graph, *outcome.picture.image);
+        reason = whyNotExport(graph, outcome);
+        return reason.isEmpty() ? write(job, graph, *outcome.picture.image) : reason;
     }
 
     // Reads the job's picture and waits until there is room for the rest. With a bound one job at a time: only then may
