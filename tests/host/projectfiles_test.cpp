@@ -185,6 +185,65 @@ TEST_F(ProjectFilesOfAWindow, SaveUnderAnotherNameRemovesTheAutosaveOfTheFirst)
     EXPECT_FALSE(QFile::exists(autosaveName(path("first.ondrel"))));
 }
 
+// However many threads there are: what is discarded while it is still being written goes before the file is looked at.
+TEST_F(ProjectFilesOfAWindow, AutosaveThatWasDiscardedIsNotOffered)
+{
+    const QString file = path("work.ondrel");
+    play("save " + file + "\nadd essentials/levels 260 0 Levels");
+    ASSERT_TRUE(QMetaObject::invokeMethod(&window.files(), "autosave"));
+    settle();
+    ASSERT_TRUE(QFile::exists(autosaveName(file)));
+    {
+        const StoreHeldByAnother held;
+        ASSERT_TRUE(QMetaObject::invokeMethod(&window.files(), "autosave"));
+        window.files().leave();
+        window.files().open(file);
+        QTest::qWait(50);
+    }
+    settle();
+    EXPECT_EQ(window.findChild<QMessageBox*>(), nullptr);
+    EXPECT_FALSE(QFile::exists(autosaveName(file)));
+    EXPECT_FALSE(id("Levels"));
+    EXPECT_TRUE(id("photo"));
+}
+
+TEST_F(ProjectFilesOfAWindow, ProjectThatIsWantedLastIsOpenedAlone)
+{
+    play("save " + path("a.ondrel") + "\nadd essentials/levels 260 0 Levels\nsave " + path("b.ondrel") +
+         "\nkey Ctrl+N\nwait");
+    QStringList used, ended;
+    const auto keep = [&used](const QString& file) { used.append(QFileInfo(file).fileName()); };
+    QObject::connect(&window.files(), &ProjectFiles::used, &window, keep);
+    window.files().open(path("a.ondrel"), [&ended] { ended.append("a"); });
+    window.files().open(path("b.ondrel"), [&ended] { ended.append("b"); });
+    settle();
+    EXPECT_EQ(used, QStringList{"b.ondrel"});
+    EXPECT_EQ(ended, QStringList{"b"});
+    EXPECT_TRUE(id("Levels"));
+    EXPECT_TRUE(window.isEnabled());
+
+    window.files().open(path("a.ondrel"), [&ended] { ended.append("a"); });
+    window.files().startNew();
+    settle();
+    EXPECT_EQ(used, QStringList{"b.ondrel"});
+    EXPECT_EQ(ended, QStringList{"b"});
+    EXPECT_TRUE(graph().nodes.empty());
+    EXPECT_TRUE(window.isEnabled());
+}
+
+TEST_F(ProjectFilesOfAWindow, SaveThatThrowsLeavesTheWindowToTheUser)
+{
+    play("add essentials/levels 260 0 Levels");
+    const Throwing throwing("\"%1\" cannot be saved: %2.");
+    window.files().save(path("gone/a.ondrel"));
+    EXPECT_FALSE(window.isEnabled());
+    settle();
+    EXPECT_EQ(status(), "out of paper");
+    EXPECT_TRUE(window.isEnabled());
+    EXPECT_FALSE(window.document().undoStack().isClean());
+    EXPECT_TRUE(window.files().file().isEmpty());
+}
+
 TEST_F(ProjectFilesOfAWindow, NewProjectIsEmptyAndHasNoFile)
 {
     play("add essentials/levels 260 0 Levels\nsave " + path("first.ondrel") + "\nkey Ctrl+N\nwait");

@@ -2,7 +2,9 @@
 
 #include "evaluator.h"
 #include "exporter.h"
+#include "gate.h"
 #include "testnodes.h"
+#include "worker.h"
 
 #include <ondrel/color/colormanager.h>
 #include <ondrel/resources/resourceengine.h>
@@ -15,8 +17,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <functional>
 #include <map>
+#include <memory>
 #include <random>
+#include <vector>
 
 using namespace Host;
 
@@ -140,4 +145,72 @@ TEST_F(Background, ComesToAnEndWithItsOwner)
             QCoreApplication::processEvents();
     }
     EXPECT_FALSE(QFile::exists(folder.filePath(".end.png.part")));
+}
+
+TEST(BackgroundWorker, OneThreadKeepsTheOrder)
+{
+    Worker worker;
+    std::vector<int> begun, ended, expected;
+    for (int i = 0; i < 200; ++i) {
+        expected.push_back(i);
+        worker.run([&begun, &ended, i]() -> std::function<void()> {
+            begun.push_back(i);
+            return [&ended, i] { ended.push_back(i); };
+        });
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !worker.isBusy(); }, kPatience));
+    EXPECT_EQ(begun, expected);
+    EXPECT_EQ(ended, expected);
+}
+
+TEST(BackgroundWorker, DoesNotWaitForAnother)
+{
+    Gate gate;
+    Worker held, free;
+    held.run([&gate]() -> std::function<void()> {
+        gate.pass();
+        return {};
+    });
+    bool ended = false;
+    free.run([&ended]() -> std::function<void()> { return [&ended] { ended = true; }; });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ended; }, kPatience));
+    EXPECT_TRUE(held.isBusy());
+    gate.open();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !held.isBusy(); }, kPatience));
+}
+
+TEST(BackgroundWorker, MoreThreadsWorkBesideEachOther)
+{
+    Gate gate;
+    Worker worker(2);
+    worker.run([&gate]() -> std::function<void()> {
+        gate.pass();
+        return {};
+    });
+    worker.run([&gate]() -> std::function<void()> {
+        gate.open();
+        return {};
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !worker.isBusy(); }, kPatience));
+}
+
+TEST(BackgroundWorker, HoldsNothingOnceItHasTold)
+{
+    Worker worker;
+    for (int i = 0; i < 500; ++i) {
+        auto atWork = std::make_shared<int>(), told = std::make_shared<int>(), otherwise = std::make_shared<int>();
+        const std::weak_ptr<int> held[] = {atWork, told, otherwise};
+        bool ended = false;
+        worker.run(
+            [atWork = std::move(atWork), told = std::move(told), &ended, &held]() -> std::function<void()> {
+                return [told, &ended, &held] {
+                    EXPECT_TRUE(held[0].expired());
+                    EXPECT_TRUE(held[2].expired());
+                    ended = true;
+                };
+            },
+            [otherwise = std::move(otherwise)](const QString&) {});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return ended; }, kPatience));
+        EXPECT_TRUE(held[1].expired());
+    }
 }

@@ -59,8 +59,10 @@ bool ProjectFiles::mayLeave(std::function<void()> again)
 
 void ProjectFiles::startNew()
 {
-    if (mayLeave([this] { startNew(); }))
-        take(Source(), ProjectReading{Project(), QString(), QStringList()});
+    if (!mayLeave([this] { startNew(); }))
+        return;
+    beginOpening({});
+    take(Source(), ProjectReading{Project(), QString(), QStringList()});
 }
 
 void ProjectFiles::chooseAndOpen()
@@ -97,26 +99,47 @@ void ProjectFiles::endOpening()
         then();
 }
 
-void ProjectFiles::open(const QString& file, std::function<void()> then)
+int ProjectFiles::beginOpening(std::function<void()> then)
 {
     m_afterOpening = std::move(then);
     m_window.setEnabled(false);
-    const auto look = [this, file]() -> std::function<void()> {
+    return ++m_opening;
+}
+
+std::function<void()> ProjectFiles::ofOpening(int opening, std::function<void()> then)
+{
+    return [this, opening, then] {
+        if (opening == m_opening)
+            then();
+    };
+}
+
+void ProjectFiles::open(const QString& file, std::function<void()> then)
+{
+    const int opening = beginOpening(std::move(then));
+    const auto look = [this, file, opening]() -> std::function<void()> {
         const QFileInfo info(file);
         if (info.exists() && !info.isFile()) // opening a pipe would wait for its writer
-            return [this, file] { failOpening(tr("%1 is no file.").arg(file)); };
+            return ofOpening(opening, [this, file] { failOpening(tr("%1 is no file.").arg(file)); });
         const QString autosave = recoverableAutosave(file);
-        return [this, file, autosave] {
-            if (autosave.isEmpty())
-                return read({file, file, nullptr});
-            const QString name = QFileInfo(file).fileName();
-            askForRecovery(tr("There are newer changes to %1 that were not saved. Open them?").arg(name),
-                           [this, file, autosave](bool recovers) {
-                               read({file, recovers ? autosave : file, nullptr});
-                           });
-        };
+        return ofOpening(opening, [this, file, autosave] { chooseSource(file, autosave); });
     };
-    m_worker.run(look, [this](const QString& reason) { failOpening(reason); });
+    m_worker.run(look, [this, opening](const QString& reason) {
+        ofOpening(opening, [this, reason] { failOpening(reason); })();
+    });
+}
+
+void ProjectFiles::chooseSource(const QString& file, const QString& autosave)
+{
+    if (autosave.isEmpty())
+        return read({file, file, nullptr});
+    const QString name = QFileInfo(file).fileName();
+    askForRecovery(tr("There are newer changes to %1 that were not saved. Open them?").arg(name),
+                   [this, file, autosave, opening = m_opening](bool recovers) {
+                       ofOpening(opening, [this, file, autosave, recovers] {
+                           read({file, recovers ? autosave : file, nullptr});
+                       })();
+                   });
 }
 
 void ProjectFiles::offerUnsaved()
@@ -130,6 +153,7 @@ void ProjectFiles::offerUnsaved()
                            [this, place](bool recovers) {
                                if (!recovers)
                                    return discardAutosave(place->file());
+                               beginOpening({});
                                read({QString(), autosaveName(place->file()), place});
                            });
         };
@@ -149,11 +173,13 @@ void ProjectFiles::askForRecovery(const QString& text, std::function<void(bool)>
 void ProjectFiles::read(const Source& source)
 {
     m_window.setEnabled(false);
-    const auto load = [this, source]() -> std::function<void()> {
+    const auto load = [this, source, opening = m_opening]() -> std::function<void()> {
         const ProjectReading reading = loadProject(source.from, m_document.types());
-        return [this, source, reading] { take(source, reading); };
+        return ofOpening(opening, [this, source, reading] { take(source, reading); });
     };
-    m_worker.run(load, [this](const QString& reason) { failOpening(reason); });
+    m_worker.run(load, [this, opening = m_opening](const QString& reason) {
+        ofOpening(opening, [this, reason] { failOpening(reason); })();
+    });
 }
 
 void ProjectFiles::take(const Source& source, const ProjectReading& reading)
@@ -216,8 +242,7 @@ void ProjectFiles::leave()
     ++m_saves;
     if (autosavedAs().isEmpty())
         return;
-    m_worker.run([this, name = autosavedAs(), unsaved = m_unsaved]() -> std::function<void()> {
-        const std::lock_guard lock(m_saving);
+    m_worker.run([name = autosavedAs(), unsaved = m_unsaved]() -> std::function<void()> {
         discardAutosave(name);
         return {};
     });
@@ -240,7 +265,6 @@ void ProjectFiles::save(const QString& file)
     m_autosaveTimer.stop();
     ++m_saves;
     const auto write = [this, file, project = project()]() -> std::function<void()> {
-        const std::lock_guard lock(m_saving);
         const QString reason = saveProject(project, file);
         if (reason.isEmpty())
             discardAutosave(file);
@@ -285,7 +309,6 @@ void ProjectFiles::autosave()
         return;
     m_worker.run([this, file = autosaveName(autosavedAs()), project = project(),
                   saves = m_saves.load()]() -> std::function<void()> {
-        const std::lock_guard lock(m_saving);
         if (saves != m_saves)
             return {};
         const QString reason = saveProject(project, file);

@@ -10,7 +10,6 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 
 class QWidget;
 
@@ -41,7 +40,7 @@ public:
     void setStillUsed(std::function<bool()> isStillUsed) { m_isStillUsed = std::move(isStillUsed); }
 
     // Where an autosave is newer than the file, the user is asked which of them is opened. `then` is called when the
-    // project is open, or could not be opened.
+    // project is open, or could not be opened; not if another is opened before that.
     void open(const QString& file, std::function<void()> then = {});
     // Unless the user wants to keep what is open.
     void openAfterAsking(const QString& file, std::function<void()> then);
@@ -77,6 +76,10 @@ private:
         QString from;
         std::shared_ptr<UnsavedPlace> unsaved;
     };
+    int beginOpening(std::function<void()> then);
+    // What an opening comes back with, on any thread: it is done unless another project is wanted meanwhile.
+    std::function<void()> ofOpening(int opening, std::function<void()> then);
+    void chooseSource(const QString& file, const QString& autosave);
     void read(const Source& source);
     void take(const Source& source, const ProjectReading& reading);
     QString autosavedAs() const; // the name that the autosave of what is edited goes by; empty: there is none yet
@@ -96,9 +99,9 @@ private:
     QString m_file;
     std::shared_ptr<UnsavedPlace> m_unsaved; // of a project without a file, once it has been autosaved
     QTimer m_autosaveTimer;
-    std::mutex m_saving;         // one file is written at a time
     std::atomic<int> m_saves{0}; // by the user, so far: an autosave from before one of them is not written
-    Worker m_worker;             // the first to go: its end waits for what runs
+    int m_opening = 0;           // the last that was wanted
+    Worker m_worker;             // one file at a time; the first to go: its end waits for what runs
 };
 
 } // namespace Host

@@ -9,9 +9,9 @@
 namespace Host
 {
 
-Worker::Worker(QObject* parent)
-    : QObject(parent)
+Worker::Worker(int threads)
 {
+    m_threads.setMaxThreadCount(threads);
 }
 
 Worker::~Worker()
@@ -23,14 +23,16 @@ void Worker::run(std::function<std::function<void()>()> work, std::function<void
 {
     ++m_waiting;
     m_threads.start(QRunnable::create([this, work = std::move(work), otherwise = std::move(otherwise)]() mutable {
-        const std::function<void()> then = resultOf(work, otherwise);
-        work = nullptr; // what it holds, such as the lock of a file, goes before it is told that it is done
-        const auto finish = [this, then] {
+        std::function<void()> then = resultOf(work, otherwise);
+        // What this thread holds, such as the lock of a file, goes before it is told that it is done.
+        work = nullptr;
+        otherwise = nullptr;
+        auto finish = [this, then = std::move(then)] {
             --m_waiting;
             if (then)
                 then();
         };
-        QMetaObject::invokeMethod(this, finish, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, std::move(finish), Qt::QueuedConnection);
     }));
 }
 

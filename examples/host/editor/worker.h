@@ -9,14 +9,14 @@
 namespace Host
 {
 
-// Runs what blocks away from the user-interface thread, and comes back with the result. Work begins in the order in
-// which it was given, beside each other as the worker's own threads are free: an export holds no preview up. These
-// threads wait, for files and for the store; what computes shares oneTBB's.
+// Runs what blocks away from the user-interface thread, and comes back with the result. Each worker has threads of its
+// own, so that none waits for another's: an export holds no preview up. User-interface thread only.
 class Worker : public QObject
 {
     Q_OBJECT
 public:
-    explicit Worker(QObject* parent = nullptr);
+    // With one thread, what is given runs, and comes back, in the order in which it was given; with more, in any.
+    explicit Worker(int threads = 1);
     ~Worker() override; // waits for all that runs; what would come back then does not
 
     // `work` runs on another thread and gives what is to be done afterwards on this one. If it throws, for which memory
