@@ -14,6 +14,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <vector>
+
 using namespace Host;
 
 namespace
@@ -159,4 +162,15 @@ TEST_F(OpeningFiles, PipesAreNotWaitedFor)
     EXPECT_TRUE(QTest::qWaitFor([this] { return window.isSettled() && id("photo"); }));
     EXPECT_EQ(status(), path("pipe.ondrel") + " is no file.");
     EXPECT_TRUE(window.isEnabled());
+}
+
+TEST_F(OpeningFiles, NodesComeInTheOrderOfTheirFiles)
+{
+    QImage large(3000, 2000, QImage::Format_RGB888);
+    large.fill(Qt::green);
+    ASSERT_TRUE(large.save(path("large.png")));
+    open({"large.png", "bad.jpg", "grey.png", "photo.png"});
+    std::vector<NodeId> order{id("large"), id("grey"), id("photo")};
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    EXPECT_EQ(window.scene().primary(), id("large"));
 }

@@ -8,13 +8,16 @@
 #include <QPointF>
 #include <QStringList>
 
+#include <functional>
+
 namespace Host
 {
 
 class Document;
 class Scene;
 
-// Makes a node of each picture file, camera RAW files included, in the background. Tells what had to be mended.
+// Makes a node of each picture file, camera RAW files included, in the background. Tells what had to be mended. Files
+// are read beside each other; their nodes come in the order of the files, as steps of undo too.
 // User-interface thread only.
 class Importer : public QObject
 {
@@ -32,6 +35,8 @@ Q_SIGNALS:
     void ended(); // all files of one call: each has its node, or cannot be read
 
 private:
+    struct Batch;
+    void take(Batch& batch, int index, std::function<QString()> reading);
     void addNode(const QString& file, const QString& type, Ondrel::ResourceId id, QPointF at);
 
     Document& m_document;
