@@ -197,7 +197,7 @@ TEST(BackgroundWorker, MoreThreadsWorkBesideEachOther)
 TEST(BackgroundWorker, HoldsNothingOnceItHasTold)
 {
     Worker worker;
-    for (int i = 0; i < 500; ++i) {
+    for (int i = 0; i < 100; ++i) {
         auto atWork = std::make_shared<int>(), told = std::make_shared<int>(), otherwise = std::make_shared<int>();
         const std::weak_ptr<int> held[] = {atWork, told, otherwise};
         bool ended = false;
