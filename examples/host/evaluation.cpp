@@ -143,13 +143,12 @@ public:
             compute();
         } while (last->state != Task::Done && awaitOthers());
         outcome.cancelled = isStopped(m_status);
-        if (last->result)
-            outcome.picture = last->result->outputs.value(output);
-        for (const Task& task : m_tasks) {
-            for (const NodeId id : task.nodes) {
-                if (task.result && !task.result->error.isEmpty())
-                    outcome.errors.insert(id, task.result->error);
-            }
+        if (!last->result)
+            return outcome;
+        outcome.picture = last->result->outputs.value(output);
+        for (const auto& [key, error] : last->result->errors) {
+            for (const NodeId id : m_byKey.at(key)->nodes)
+                outcome.errors.insert(id, error);
         }
         return outcome;
     }
@@ -330,14 +329,16 @@ private:
     {
         if (isStopped(m_status))
             return;
+        const auto result = std::make_shared<ResultCache::WorkResult>();
+        for (const auto& [field, source] : task.inputs)
+            result->errors.insert(source.first->result->errors.begin(), source.first->result->errors.end());
         if (!task.type) {
-            Result unknown;
-            unknown.error = Text::tr("There is no plug-in for this kind of node.");
-            return task.take(std::make_shared<Result>(unknown));
+            result->errors[task.key] = Text::tr("There is no plug-in for this kind of node.");
+            return task.take(result);
         }
         Request request;
-        if (!takeInputs(task, request)) // the node before says why, and has to be asked again
-            return task.take(std::make_shared<Result>());
+        if (!takeInputs(task, request)) // the nodes before have to be asked again
+            return task.take(result);
         ResultCache::Claim claim;
         const ResultCache::Answer answer = m_cache.begin(task.key, m_generation, claim);
         if (answer.result)
@@ -345,12 +346,15 @@ private:
         if (answer.work && m_mayWait)
             return leaveToOthers(task, answer.work);
         tell(m_progress.begin, task);
-        const auto result = std::make_shared<Result>(resultOf(task, request));
+        const Result own = resultOf(task, request);
         tell(m_progress.end, task);
         if (isStopped(m_status))
             return;
+        result->outputs = own.outputs;
+        if (!own.error.isEmpty())
+            result->errors[task.key] = own.error;
         if (!answer.work)
-            claim.finish(result, result->error.isEmpty());
+            claim.finish(result);
         task.take(result);
     }
 

@@ -24,7 +24,7 @@ struct Target {
 
 struct Outcome {
     Picture picture;
-    QHash<NodeId, QString> errors; // of all nodes on the way that could not do their work
+    QHash<NodeId, QString> errors; // of all nodes behind the picture that could not do their work
     bool cancelled = false;
 };
 
@@ -42,8 +42,9 @@ struct Progress {
 //
 // Blocks; not for the user-interface thread (asserted in debug builds). Any number of threads may evaluate at once with
 // one cache: what one of them computes, the others wait for, and compute themselves if that one is cancelled. A node
-// that fails is tried anew by the next evaluation, not by those that waited. If the cache begins a new generation, all
-// is computed again, so that a picture is of one generation as a whole.
+// that fails is tried anew by the next evaluation, not by those that waited, and with it all that is made from what it
+// gave nevertheless, so that whoever gets a picture gets the errors behind it. If the cache begins a new generation,
+// all is computed again, so that a picture is of one generation as a whole.
 Outcome evaluate(const Graph& graph, const NodeTypes& types, const Target& target, ResultCache& cache,
                  const Ondrel::RunStatus& status, const Progress& progress = {});
 

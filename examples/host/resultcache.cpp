@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <map>
 
 namespace Host
 {
@@ -11,7 +10,7 @@ namespace
 
 constexpr std::chrono::milliseconds kLookAgain(5); // whether those that wait are cancelled
 
-std::size_t bytesOf(const Result& result)
+std::size_t bytesOf(const ResultCache::WorkResult& result)
 {
     std::map<const Ondrel::Image*, std::size_t> images; // several outputs may be one image
     for (const Picture& picture : result.outputs) {
@@ -34,11 +33,11 @@ ResultCache::Claim::~Claim()
     m_cache->end(m_work, nullptr);
 }
 
-void ResultCache::Claim::finish(const ResultPtr& result, bool keeps)
+void ResultCache::Claim::finish(const ResultPtr& result)
 {
     const WorkPtr work = std::move(m_work);
     const std::lock_guard lock(m_cache->m_mutex);
-    if (keeps && work->generation == m_cache->m_generation)
+    if (result->errors.empty() && work->generation == m_cache->m_generation)
         m_cache->keep(work->key, result);
     m_cache->end(work, result);
 }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <functional>
 #include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -16,7 +17,8 @@ namespace Host
 {
 
 // Results of nodes under a budget of bytes; the least recently used go first. What one evaluation computes, others that
-// run at the same time wait for, and what any of them still holds is found beyond the budget too. Any thread.
+// run at the same time wait for, and what any of them still holds is found beyond the budget too. What has errors
+// behind it is not kept: who found it would take it for good. Any thread.
 //
 // Results may depend on more than their keys say, such as the settings of the display. Who changes that begins a new
 // generation: those who ask with the number of an earlier one find nothing and leave nothing.
@@ -24,7 +26,14 @@ class ResultCache
 {
 public:
     using Key = std::string;
-    using ResultPtr = std::shared_ptr<const Result>;
+
+    struct WorkResult {
+        QHash<QString, Picture> outputs; // by field
+        // Of the work and of all work behind it, by keys: these are the same in every graph that has the work, as what
+        // is behind it is a part of its own key, while nodes have other numbers in another graph.
+        std::map<Key, QString> errors;
+    };
+    using ResultPtr = std::shared_ptr<const WorkResult>;
 
     // A result that one evaluation computes, and others may wait for.
     class Work
@@ -46,8 +55,8 @@ public:
         Claim(const Claim&) = delete;
         Claim& operator=(const Claim&) = delete;
 
-        // Hands the result to all that wait. One that is not to be kept, as it failed, is for them alone.
-        void finish(const ResultPtr& result, bool keeps);
+        // Hands the result to all that wait. One with errors is for them alone.
+        void finish(const ResultPtr& result);
 
     private:
         friend class ResultCache;
@@ -101,7 +110,7 @@ private:
     std::size_t m_bytes = 0;
     std::list<Entry> m_entries; // the most recently used first
     std::unordered_map<Key, std::list<Entry>::iterator> m_index;
-    std::unordered_map<Key, std::weak_ptr<const Result>> m_held; // by someone; looked through when it has grown
+    std::unordered_map<Key, std::weak_ptr<const WorkResult>> m_held; // by someone; looked through when it has grown
     std::size_t m_lookThroughAt = 64;
     std::unordered_map<Key, WorkPtr> m_running;
 };

@@ -242,6 +242,64 @@ TEST_F(Batch, AProjectThatLacksItsPictureNamesTheNode)
     EXPECT_TRUE(run.errors.contains("Photo: ")) << qPrintable(run.errors);
 }
 
+// Of three outputs, the second and the third are of one flawed picture. While the second waits for what is made from
+// that, the third joins in when the first is done.
+TEST_F(Batch, PictureOfNodesThatReportErrorsIsNotWritten)
+{
+    QDir(folder.path()).mkpath("plugins/flawed/nodes");
+    ASSERT_TRUE(QFile::copy(QString(ONDREL_TEST_PLUGINS) + "/flawed/flawed.so", path("plugins/flawed/flawed.so")));
+    const auto write = [this](const QString& name, const std::string& text) {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray::fromStdString(text));
+    };
+    const std::string image = "<field name=\"image\"/>";
+    const std::pair<const char*, std::string> kinds[] = {
+        {"Plain", ""},
+        {"Flawed", ""},
+        {"Slow", image + "<field name=\"milliseconds\" type=\"slider\" value=\"0\" max=\"10000\"/>"},
+        {"Output", image}};
+    for (const auto& [name, inputs] : kinds)
+        write("plugins/flawed/nodes/" + QString(name).toLower() + ".xml",
+              std::string("<node title=\"") + name + "\"><input>" + inputs + "</input><output>" + image +
+                  "</output></node>");
+    Json nodes = Json::array(), connections = Json::array();
+    const auto add = [&](const char* kind, const char* name, Json values, std::size_t from) {
+        const std::string id = std::to_string(nodes.size() + 1);
+        nodes.push_back({{"id", id},
+                         {"type", std::string("flawed/") + kind},
+                         {"name", name},
+                         {"position", {"0", "0"}},
+                         {"bypassed", false},
+                         {"values", std::move(values)}});
+        if (from != 0)
+            connections.push_back(
+                {{"from", std::to_string(from)}, {"output", "image"}, {"to", id}, {"input", "image"}});
+        return nodes.size();
+    };
+    const Json none = Json::object();
+    const std::size_t good = add("slow", "Good slow", {{"milliseconds", "300"}}, add("plain", "Plain", none, 0));
+    const std::size_t bad = add("slow", "Bad slow", {{"milliseconds", "1500"}}, add("flawed", "Half", none, 0));
+    add("output", "First", none, good);
+    add("output", "Second", none, bad);
+    add("output", "Third", none, bad);
+    write("flawed.ondrel", Json{{"format", "ondrel-project"},
+                                {"version", 1},
+                                {"frames", Json::array()},
+                                {"view", Json::object()},
+                                {"nodes", nodes},
+                                {"connections", connections},
+                                {"resources", Json::array()}}
+                               .dump());
+    const Finished run = runAny(ONDREL_RENDER, {path("flawed.ondrel"), "--plugins", path("plugins"), "--jobs", "2",
+                                                "--out", path("out/{output}.png")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.errors.count("Half: It is only half right."), 2) << qPrintable(run.errors);
+    const auto files = contents("out");
+    EXPECT_EQ(files.size(), 1u);
+    EXPECT_EQ(files.count("First.png"), 1u);
+}
+
 TEST_F(Batch, WhatItCannotBeginWithIsAComplaintAboutUsage)
 {
     const QStringList wrong[] = {

@@ -66,11 +66,11 @@ TEST_F(Evaluation, TheLeastRecentlyUsedResultGoesFirst)
 {
     Host::ResultCache small(3 * (kPictureBytes + 256));
     const auto insert = [&small](const std::string& key) {
-        auto result = std::make_shared<Host::Result>();
+        auto result = std::make_shared<Host::ResultCache::WorkResult>();
         result->outputs["image"].image = std::make_shared<Ondrel::Image>(32, 24);
         Host::ResultCache::Claim claim;
         small.begin(key, 0, claim);
-        claim.finish(result, true);
+        claim.finish(result);
     };
     const auto has = [&small](const std::string& key) { return small.find(key, 0).result != nullptr; };
     for (const char* const key : {"0", "1", "2"})
@@ -113,6 +113,55 @@ TEST_F(Evaluation, NodesThatFailThrowOrAreUnknownAreNamed)
     EXPECT_FALSE(outcome.picture.image);
     EXPECT_EQ(evaluate(unknown).errors.value(unknown), "There is no plug-in for this kind of node.");
     EXPECT_EQ(work(last), 2); // failures are tried again, the source is known
+}
+
+TEST_F(Evaluation, ErrorsBehindAPictureAreNotForgotten)
+{
+    const QHash<NodeId, QString> none;
+    const NodeId source = add("source"), before = addAfter(source, "add"), flawed = addAfter(before, "flawed");
+    const NodeId after = addAfter(flawed, "add"), last = addAfter(after, "add");
+    const QHash<NodeId, QString> expected{{flawed, "It is only half right."}};
+    for (const NodeId node : {last, last, after, flawed, last}) {
+        const Outcome outcome = evaluate(node);
+        EXPECT_TRUE(outcome.picture.image) << node;
+        EXPECT_EQ(outcome.errors, expected) << node;
+    }
+    EXPECT_EQ(work(last), 3) << "what is before it is known";
+    EXPECT_EQ(evaluate(before).errors, none);
+    nodes.hasFlaw = false;
+    EXPECT_EQ(evaluate(last).errors, none);
+    EXPECT_EQ(work(last), 0);
+    nodes.hasFlaw = true;
+    EXPECT_EQ(evaluate(last).errors, none) << "it is what was made when all was well";
+}
+
+TEST_F(Evaluation, ErrorsOfEqualWorkAreThoseOfAllNodesThatShareIt)
+{
+    const NodeId source = add("source"), first = addAfter(source, "flawed"), second = addAfter(source, "flawed");
+    const NodeId last = add("mix"), aside = addAfter(source, "flawed");
+    graph.connections.push_back({first, "image", last, "a"});
+    graph.connections.push_back({second, "image", last, "b"});
+    const QString error = "It is only half right.";
+    EXPECT_EQ(evaluate(last).errors, (QHash<NodeId, QString>{{first, error}, {second, error}}));
+    EXPECT_EQ(work(last), 2);
+    EXPECT_EQ(evaluate(aside).errors, (QHash<NodeId, QString>{{aside, error}}));
+}
+
+TEST_F(Evaluation, ErrorsOfSeveralNodesComeTogether)
+{
+    const NodeId source = add("source"), flawed = addAfter(source, "flawed"), again = addAfter(flawed, "flawed");
+    const NodeId failing = addAfter(again, "fail"), last = add("mix");
+    graph.connections.push_back({addAfter(again, "add"), "image", last, "a"});
+    graph.connections.push_back({addAfter(source, "add"), "image", last, "b"});
+    const QString error = "It is only half right.";
+    const QHash<NodeId, QString> both{{flawed, error}, {again, error}};
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(evaluate(last).errors, both);
+        QHash<NodeId, QString> all = both;
+        all[failing] = "It did not go well.";
+        EXPECT_EQ(evaluate(failing).errors, all);
+    }
+    EXPECT_EQ(work(last), 4); // not the source, nor what is made from it alone
 }
 
 TEST_F(Evaluation, OneAndSixteenThreadsGiveTheSameBytes)

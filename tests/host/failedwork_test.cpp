@@ -45,21 +45,22 @@ private:
     rlimit m_before{};
 };
 
-// A source, and behind it a hook, or a node that makes a picture and reports an error nevertheless.
+// A source, and behind it a hook, or a node that makes a picture and reports an error nevertheless; behind that one a
+// node that adds to it.
 class FailedWork : public testing::Test
 {
 protected:
     FailedWork()
     {
-        const char* const types[] = {"source", "hook", "flawed"};
-        for (NodeId id = 1; id <= 3; ++id) {
+        const char* const types[] = {"source", "hook", "flawed", "add"};
+        for (NodeId id = 1; id <= 4; ++id) {
             NodeRecord record;
             record.id = id;
             record.type = QString("test/") + types[id - 1];
             record.name = types[id - 1];
             graph.nodes[id] = record;
         }
-        graph.connections = {{1, "image", 2, "image"}, {1, "image", 3, "image"}};
+        graph.connections = {{1, "image", 2, "image"}, {1, "image", 3, "image"}, {3, "image", 4, "image"}};
         nodes.hook = [](const Request&) { return 0u; };
     }
 
@@ -109,10 +110,12 @@ TEST_F(FailedWork, PictureOfNodesThatReportErrorsIsNotExported)
 {
     Exporter exporter(nodes.types, cache, nullptr);
     QSignalSpy finished(&exporter, &Exporter::finished);
-    exporter.add(order(3, "flawed.png"));
+    for (const NodeId node : std::vector<NodeId>{3, 4, 4, 3, 4}) // whatever was computed before
+        exporter.add(order(node, "flawed.png"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !exporter.isBusy(); }, kPatience));
-    ASSERT_EQ(finished.count(), 1);
-    EXPECT_EQ(finished[0][1].toString(), "flawed: It is only half right.");
+    ASSERT_EQ(finished.count(), 5);
+    for (const QList<QVariant>& signal : finished)
+        EXPECT_EQ(signal[1].toString(), "flawed: It is only half right.");
     EXPECT_FALSE(QFile::exists(path("flawed.png")));
 }
 

@@ -68,11 +68,11 @@ TEST_F(MemoryUse, CountsResultsResourcesAndAllPictures)
     const std::size_t before = use().images;
     EXPECT_GE(before, kPixels);
     const auto image = std::make_shared<Ondrel::Image>(64, 64);
-    const auto result = std::make_shared<Host::Result>();
+    const auto result = std::make_shared<Host::ResultCache::WorkResult>();
     result->outputs["image"] = {image, QSize(64, 64)};
     Host::ResultCache::Claim claim;
     cache.begin("key", cache.generation(), claim);
-    claim.finish(result, true);
+    claim.finish(result);
     EXPECT_GE(use().results, std::size_t(64 * 64 * 8));
     EXPECT_EQ(use().images, before + image->sizeBytes);
 }

@@ -152,6 +152,46 @@ TEST_F(SharedWork, ThatFailsFailsForAllWhoWait)
     EXPECT_EQ(entries, 2) << "a failure is tried again";
 }
 
+// Of two graphs, whose nodes have other numbers.
+TEST_F(SharedWork, HasItsErrorsWithAllWhoWait)
+{
+    const NodeId flawed = addAfter(add("source"), "flawed"), behind = addAfter(flawed, "hook");
+    const NodeId end = addAfter(behind, "add");
+    Host::Graph other;
+    for (const auto& [id, record] : graph.nodes) {
+        Host::NodeRecord& copy = other.nodes[id + 100] = record;
+        copy.id = id + 100;
+    }
+    for (Host::Connection connection : graph.connections) {
+        connection.from += 100;
+        connection.to += 100;
+        other.connections.push_back(connection);
+    }
+    std::atomic<int> entries{0};
+    nodes.hook = [&](const Host::Request& request) {
+        if (++entries == 1) {
+            begun.open();
+            waited.pass();
+        }
+        return amountOf(request);
+    };
+    Running one = start(end, first);
+    begun.pass();
+    Running waiting = std::async(std::launch::async, [&] {
+        return Host::evaluate(other, nodes.types, {end + 100, QString(), 1}, cache, Ondrel::RunStatus{&second},
+                              opens(waited, behind + 100));
+    });
+    const QString error = "It is only half right.";
+    const Outcome outcome = one.get(), outcomeOfOther = waiting.get();
+    EXPECT_EQ(outcome.errors, (QHash<NodeId, QString>{{flawed, error}}));
+    EXPECT_EQ(outcomeOfOther.errors, (QHash<NodeId, QString>{{flawed + 100, error}}));
+    EXPECT_FALSE(bytes(outcome).isEmpty());
+    EXPECT_EQ(bytes(outcomeOfOther), bytes(outcome));
+    EXPECT_EQ(entries, 1);
+    EXPECT_EQ(evaluate(end).errors, outcome.errors);
+    EXPECT_EQ(entries, 2) << "what is made from a flawed picture is made again";
+}
+
 TEST_F(SharedWork, IsNotWaitedForByOneThatIsCancelled)
 {
     Gate release;
@@ -277,14 +317,16 @@ TEST_F(SharedWork, CannotWaitForItsOwnThread)
 class RandomSharedWork : public SharedWork, public testing::WithParamInterface<int>
 {
 protected:
-    void grow(std::mt19937& random)
+    void grow(std::mt19937& random, bool flaws = false)
     {
         graph = Host::Graph();
         ends = {add("source"), add("source", {{"shade", "9"}})};
         for (int i = 0; i < 40; ++i) {
             const auto any = [&] { return ends[random() % ends.size()]; };
             const QString amount = QString::number(random() % 5); // equal work in several places
-            if (random() % 3 == 0) {
+            if (flaws && random() % 8 == 0) {
+                ends.push_back(addAfter(any(), random() % 4 ? "flawed" : "fail"));
+            } else if (random() % 3 == 0) {
                 const NodeId node = add("mix");
                 graph.connections.push_back({any(), "image", node, "a"});
                 graph.connections.push_back({any(), "image", node, "b"});
@@ -295,13 +337,14 @@ protected:
         }
     }
 
-    QByteArray alone(NodeId node)
+    Outcome outcomeAlone(NodeId node)
     {
         Host::ResultCache own(std::size_t(100) << 20);
         return onWorker([&] {
-            return bytes(Host::evaluate(graph, nodes.types, {node, QString(), 1}, own, Ondrel::RunStatus()));
+            return Host::evaluate(graph, nodes.types, {node, QString(), 1}, own, Ondrel::RunStatus());
         });
     }
+    QByteArray alone(NodeId node) { return bytes(outcomeAlone(node)); }
 
     std::vector<NodeId> ends;
 };
@@ -366,6 +409,36 @@ TEST_P(RandomSharedWork, SurvivesCancelsAndNewGenerations)
     }
     EXPECT_GT(cancelled, 10);
     EXPECT_GT(whole, 40);
+}
+
+TEST_P(RandomSharedWork, HasTheErrorsOfWorkAlone)
+{
+    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, std::size_t(GetParam()));
+    std::mt19937 random(29);
+    int withErrors = 0, withPicture = 0;
+    for (int round = 0; round < 40; ++round) {
+        grow(random, true);
+        const NodeId wanted[] = {ends.back(), ends[ends.size() - 1 - random() % 5], ends[random() % ends.size()]};
+        Outcome expected[3];
+        const int before = nodes.evaluations();
+        for (int i = 0; i < 3; ++i)
+            expected[i] = outcomeAlone(wanted[i]);
+        const int sum = nodes.evaluations() - before;
+        cache.beginGeneration();
+        for (int again = 0; again < 2; ++again) {
+            Running all[] = {start(wanted[0], first), start(wanted[1], first), start(wanted[2], first)};
+            for (int i = 0; i < 3; ++i) {
+                const Outcome outcome = all[i].get();
+                EXPECT_EQ(bytes(outcome), bytes(expected[i])) << "round " << round;
+                EXPECT_EQ(outcome.errors, expected[i].errors) << "round " << round;
+                withErrors += !outcome.errors.isEmpty();
+                withPicture += !outcome.errors.isEmpty() && outcome.picture.image;
+            }
+        }
+        EXPECT_LE(nodes.evaluations() - before, 3 * sum) << "no evaluation makes anything twice, round " << round;
+    }
+    EXPECT_GT(withErrors, 100);
+    EXPECT_GT(withPicture, 50);
 }
 
 INSTANTIATE_TEST_SUITE_P(Threads, RandomSharedWork, testing::Values(1, 16));

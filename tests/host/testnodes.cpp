@@ -133,11 +133,6 @@ Result fail(const Request&)
     return {{}, "It did not go well."};
 }
 
-Result flawed(const Request& request)
-{
-    return {request.inputs, "It is only half right."};
-}
-
 Result throwing(const Request&)
 {
     throw std::runtime_error("out of paper");
@@ -181,6 +176,9 @@ std::vector<Host::NodeEntry> TestNodes::nodes() const
     const auto hooked = [this](const Request& request) {
         const unsigned int amount = hook(request);
         return picture([&](unsigned int i) { return sampleOf(request, "image", i) + amount; });
+    };
+    const auto flawed = [this](const Request& request) -> Result {
+        return {request.inputs, hasFlaw ? "It is only half right." : QString()};
     };
     const std::pair<const char*, Work> works[] = {
         {"Source", source},  {"Add", add},        {"Mix", mix},       {"Slow", slow},   {"Fail", fail},

@@ -19,7 +19,7 @@
 //   slow    works until it is cancelled, or 10 seconds
 //   hook    asks `hook` what to add to every sample of "image"
 //   fail    reports an error; throw throws an exception
-//   flawed  hands "image" on, and reports an error too
+//   flawed  hands "image" on, and reports an error too as long as `hasFlaw`
 //   number  has an output of the type "number"
 //   photo   has a resource "image"
 //   all     a value of every kind
@@ -40,6 +40,7 @@ public:
     Host::NodeTypes types;
     QStringList problems;
     std::function<unsigned int(const Host::Request&)> hook; // called from several threads at once
+    std::atomic<bool> hasFlaw{true};
 
 private:
     QTemporaryDir m_folder;
