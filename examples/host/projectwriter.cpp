@@ -106,19 +106,33 @@ private:
         Json json = Json::object();
         const QString unread = record.unread.value(kUnreadText).toString();
         if (!unread.isEmpty())
-            json = Json::parse(utf8(unread));
+            parseJson(utf8(unread), json); // which it came from
         json["id"] = std::to_string(record.id);
         json["type"] = utf8(record.type);
         json["name"] = utf8(record.name);
         json["position"] = numbers({record.position.x(), record.position.y()});
         json["bypassed"] = record.bypassed;
         Json& values = json["values"];
-        if (!values.is_object())
-            values = Json::object();
         const QVariantMap inFile = withHandles(record.values, m_fileIds);
-        for (auto entry = inFile.begin(); entry != inFile.end(); ++entry)
-            values[utf8(entry.key())] = valueToJson(entry.value());
+        if (values.is_object())
+            replaceValues(inFile, values);
+        else
+            values = valueToJson(inFile)["map"];
         return json;
+    }
+
+    // Those that could not be read stay as they are, and all in their places.
+    static void replaceValues(QVariantMap by, Json& values)
+    {
+        for (auto& member : values.items()) {
+            const auto value = by.find(QString::fromStdString(member.key()));
+            if (value == by.end())
+                continue;
+            member.value() = valueToJson(*value);
+            by.erase(value);
+        }
+        for (auto added = by.begin(); added != by.end(); ++added)
+            values[utf8(added.key())] = valueToJson(*added);
     }
 
     static Json frame(const FrameRecord& record)

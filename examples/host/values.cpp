@@ -13,6 +13,8 @@
 #include <cmath>
 #include <iterator>
 #include <optional>
+#include <set>
+#include <utility>
 
 using Json = nlohmann::ordered_json;
 using RangeValue = Ondrel::PrecisionRangeSlider::RangeValue;
@@ -56,9 +58,14 @@ Json listToJson(const QVariantList& list)
 Json mapToJson(const QVariantMap& map)
 {
     Json object = Json::object();
-    for (auto entry = map.begin(); entry != map.end(); ++entry)
-        object[entry.key().toStdString()] = valueToJson(entry.value());
-    return {{"map", object}};
+    auto& members = object.get_ref<Json::object_t&>(); // it looks through all of them for a name
+    std::set<std::string> names;                       // keys that are no text of Unicode may give the same one
+    for (auto entry = map.begin(); entry != map.end(); ++entry) {
+        const std::string name = entry.key().toStdString();
+        if (names.insert(name).second)
+            members.emplace_back(name, valueToJson(entry.value()));
+    }
+    return {{"map", std::move(object)}};
 }
 
 Json userTypeToJson(const QVariant& value)

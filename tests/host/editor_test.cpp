@@ -273,6 +273,21 @@ TEST_F(Editor, PasteOfDeepTextIsHarmless)
     EXPECT_FALSE(valueFromText(deep(100000), "hidden", {}, value));
 }
 
+TEST_F(Editor, PasteOfLongTextIsQuick)
+{
+    Graph graph;
+    graph.nodes[1].id = 1;
+    graph.nodes[1].type = graph.nodes[1].name = "missing/kind";
+    const QByteArray text = graphToText(graph);
+    const QByteArray many = QByteArray("{},").repeated(300000);
+    EXPECT_TRUE(graphFromText(QByteArray(text).replace("\"embedded\": []", "\"embedded\": [" + many + "{}]")));
+    EXPECT_FALSE(graphFromText(QByteArray(text).replace("\"frames\": []", "\"frames\": [" + many + "{}]")));
+    EXPECT_TRUE(graphFromText("  " + QByteArray(text).replace(" \"ondrel", "\n\t\"ondrel")));
+    EXPECT_FALSE(graphFromText(QByteArray(text).replace("{\n \"ondrel", "{\n \"first\": 1, \"ondrel")));
+    for (const char* const other : {"", "{", " {\n", "{\"ondrel nodes", "[\"ondrel nodes\"]"})
+        EXPECT_FALSE(graphFromText(other)) << other;
+}
+
 TEST_F(Editor, CopiedNodesOfUnknownKindsKeepWhatWasNotUnderstood)
 {
     Graph graph;

@@ -332,6 +332,39 @@ TEST_F(ProjectText, ThatIsNestedTooDeeplyIsAnError)
     EXPECT_EQ(reading.error, "Line 1, column 1200001: This number is too large.");
 }
 
+// Were each element or name looked for among all before it, this would take minutes.
+TEST_F(ProjectText, OfAnyNumberOfObjectsAndNamesIsReadAtOnce)
+{
+    constexpr int kCount = 300000;
+    const QByteArray list = '[' + QByteArray("{},").repeated(kCount) + "{}]";
+    EXPECT_EQ(read(list).error, "Line 1, column 1: An object in braces belongs here.");
+    EXPECT_EQ(read(list.left(list.size() - 1)).error, "Line 1, column 900004: The text ends too early.");
+    QByteArray members;
+    for (int i = 0; i < kCount; ++i)
+        members += "\"m" + QByteArray::number(i) + "\": true,";
+    const QByteArray object = '{' + members + "\"last\": null}";
+    EXPECT_EQ(read('{' + members + "\"m5\": 1}").error,
+              QString("Line 1, column %1: There are two values named \"m5\".").arg(members.size() + 2));
+    QByteArray text = smallProject();
+    text.replace("\"view\": {}", "\"view\": {\"list\": " + list + ", \"object\": " + object + '}');
+    text.replace("{\"amount\": \"3\"}", "{\"amount\": \"3\", \"any\": {\"map\": " + object + "}}");
+    text.replace("\"test/add\", \"name\": \"B\", \"position\": [\"0\", \"0\"], \"bypassed\": false, \"values\": {}",
+                 "\"future/thing\", \"name\": \"B\", \"position\": [\"0\", \"0\"], \"bypassed\": false, \"values\": " +
+                     object);
+    const ProjectReading reading = read(text);
+    ASSERT_TRUE(reading.project) << qPrintable(reading.error);
+    EXPECT_EQ(reading.project->view["list"].size(), std::size_t(kCount) + 1);
+    EXPECT_EQ(reading.project->view["object"].size(), std::size_t(kCount) + 1);
+    EXPECT_EQ(reading.project->graph.nodes.at(1).values["any"].toMap().size(), kCount + 1);
+    EXPECT_EQ(reading.project->graph.nodes.at(2).values.size(), kCount + 1);
+    const QByteArray kept = write(*reading.project);
+    const ProjectReading again = read(kept);
+    ASSERT_TRUE(again.project) << qPrintable(again.error);
+    EXPECT_TRUE(again.project->graph == reading.project->graph);
+    EXPECT_TRUE(again.project->view == reading.project->view);
+    EXPECT_TRUE(write(*again.project) == kept);
+}
+
 TEST_F(ProjectText, AMarkOfUnicodeAtTheStartIsNoDamage)
 {
     Project project;
@@ -340,6 +373,7 @@ TEST_F(ProjectText, AMarkOfUnicodeAtTheStartIsNoDamage)
     const ProjectReading reading = read("\xef\xbb\xbf" + text);
     ASSERT_TRUE(reading.project) << qPrintable(reading.error);
     EXPECT_EQ(write(*reading.project), text);
+    EXPECT_EQ(read("\xef\xbb\xbf[2, 1e999]").error, "Line 1, column 8: This number is too large.");
 }
 
 } // namespace

@@ -23,6 +23,7 @@ namespace
 
 constexpr double kFarthest = 1e6; // scene units
 constexpr int kLongestTitle = 1000;
+constexpr const char* kMark = "ondrel nodes"; // the first member, by which others' texts are told apart
 const char* const kClipboardType = "application/x-ondrel-nodes+json";
 
 QString textIn(const Json& object, const char* key)
@@ -113,6 +114,19 @@ bool takeSeal(Json& json)
     return written == sealOf(json);
 }
 
+// Without reading it: a clipboard may hold many megabytes of what others have copied.
+bool beginsLikeOurs(const QByteArray& text)
+{
+    const auto skipSpace = [&text](int at) {
+        while (at < text.size() && QByteArray(" \t\r\n").contains(text[at]))
+            ++at;
+        return at;
+    };
+    const int brace = skipSpace(0);
+    const QByteArray name = '"' + QByteArray(kMark) + '"';
+    return brace < text.size() && text[brace] == '{' && text.mid(skipSpace(brace + 1), name.size()) == name;
+}
+
 NodeRecord ofAStranger(NodeRecord record)
 {
     record.values = withHandles(record.values, {});
@@ -146,11 +160,7 @@ QByteArray graphToText(const Graph& graph)
                           {"title", record.title.toStdString()},
                           {"corner", valueToJson(record.area.topLeft())},
                           {"size", valueToJson(QPointF(record.area.width(), record.area.height()))}});
-    Json json{{"ondrel nodes", 1},
-              {"nodes", nodes},
-              {"connections", connections},
-              {"frames", frames},
-              {"embedded", embedded}};
+    Json json{{kMark, 1}, {"nodes", nodes}, {"connections", connections}, {"frames", frames}, {"embedded", embedded}};
     json["seal"] = sealOf(json);
     return QByteArray::fromStdString(json.dump(1));
 }
@@ -158,8 +168,8 @@ QByteArray graphToText(const Graph& graph)
 std::optional<Graph> graphFromText(const QByteArray& text)
 {
     Json json;
-    if (!parseJson(text.toStdString(), json).isEmpty() || !json.is_object() || !json.contains("ondrel nodes") ||
-        !json.contains("nodes") || !json["nodes"].is_array())
+    if (!beginsLikeOurs(text) || !parseJson(text.toStdString(), json).isEmpty() || !json.contains("nodes") ||
+        !json["nodes"].is_array())
         return std::nullopt;
     const bool isOurs = takeSeal(json);
     Graph graph;

@@ -11,7 +11,7 @@ namespace Host
 // of this process, and are left out of what another one reads.
 QByteArray graphToText(const Graph& graph);
 
-// None if the text is not of that form.
+// None if the text is not of that form. One that does not begin like it is not looked at any further.
 std::optional<Graph> graphFromText(const QByteArray& text);
 
 // User-interface thread only.
