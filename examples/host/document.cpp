@@ -3,6 +3,7 @@
 #include "editcommand.h"
 #include "project.h"
 #include "projectform.h"
+#include "text.h"
 #include "values.h"
 
 #include <algorithm>
@@ -230,20 +231,25 @@ void Document::removeConnection(const Connection& connection)
     edit(tr("Disconnect"), change);
 }
 
-void Document::setValue(NodeId id, const QString& field, const QVariant& value, int gesture)
+QString Document::setValue(NodeId id, const QString& field, const QVariant& value, int gesture)
 {
     const NodeRecord* const record = m_graph.node(id);
     if (!record)
-        return;
+        return Text::tr("The node does not exist.");
     const NodeType* const type = m_types.find(record->type);
     const InputInfo* const input = type ? type->input(field) : nullptr;
+    const QString label = input && !input->label.isEmpty() ? input->label : field;
+    if (isTooDeep(value))
+        return Text::tr("The value for \"%1\" of \"%2\" is nested too deeply to be saved. The old one stays.")
+            .arg(label, record->name);
     NodeRecord next = *record;
     if (input && sameValue(input->initial, value))
         next.values.remove(field);
     else
         next.values.insert(field, value);
-    editNode(tr("Change %1").arg(input && !input->label.isEmpty() ? input->label : field), next,
+    editNode(tr("Change %1").arg(label), next,
              gesture == 0 ? QString() : QString("value %1 %2 %3").arg(gesture).arg(id).arg(field));
+    return QString();
 }
 
 // Of a node that exists.

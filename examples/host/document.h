@@ -37,8 +37,9 @@ public:
     void removeNodes(const std::vector<NodeId>& ids);    // with what is connected to them
     QString addConnection(const Connection& connection); // empty, or why not; replaces what ends at the input
     void removeConnection(const Connection& connection);
-    // Sets of one input with the same gesture other than 0, such as one drag of a slider, are one step.
-    void setValue(NodeId id, const QString& field, const QVariant& value, int gesture = 0);
+    // Empty, or why not: what is too deep could not be saved. Sets of one input with the same gesture other than 0,
+    // such as one drag of a slider, are one step.
+    QString setValue(NodeId id, const QString& field, const QVariant& value, int gesture = 0);
     void moveNodes(const std::map<NodeId, QPointF>& positions, int gesture = 0);
     bool renameNode(NodeId id, const QString& name); // false if the name is empty or taken
     void setBypassed(NodeId id, bool bypassed);

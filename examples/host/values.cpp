@@ -27,6 +27,37 @@ namespace
 constexpr int kProfileHashSize = 32;
 constexpr int kLongestOrder = 4096; // characters
 
+// In its JSON.
+std::size_t levelsOfSingle(const QVariant& value)
+{
+    switch (int(value.type())) {
+    case QMetaType::UnknownType:
+    case QMetaType::Bool:
+    case QMetaType::QString:
+        return 0;
+    case QMetaType::QPointF:
+        return 2;
+    default:
+        return value.userType() == qMetaTypeId<RangeValue>() ? 2 : 1;
+    }
+}
+
+// Whether the value has no more levels of JSON. Goes no deeper than that.
+bool fitsInto(std::size_t levels, const QVariant& value)
+{
+    constexpr std::size_t own = 2; // the form and the list or map in it
+    const auto fitsInside = [levels](const QVariant& element) { return fitsInto(levels - own, element); };
+    if (value.type() == QVariant::List) {
+        const QVariantList list = value.toList();
+        return levels >= own && std::all_of(list.begin(), list.end(), fitsInside);
+    }
+    if (value.type() == QVariant::Map) {
+        const QVariantMap map = value.toMap();
+        return levels >= own && std::all_of(map.begin(), map.end(), fitsInside);
+    }
+    return levels >= levelsOfSingle(value);
+}
+
 std::string shortest(double number)
 {
     char text[64];
@@ -229,6 +260,11 @@ Json valueToJson(const QVariant& value)
     }
 }
 
+bool isTooDeep(const QVariant& value)
+{
+    return !fitsInto(kDeepestValue, value);
+}
+
 bool valueFromJson(const Json& json, QVariant& value)
 {
     if (json.is_null())
@@ -306,7 +342,10 @@ bool valueFromText(const QString& text, const QString& kind, const QStringList& 
             value = hash;
     } else { // hidden, or an input of a plug-in's own: as projects have it
         Json json;
-        ok = parseJson(text.toStdString(), json).isEmpty() && valueFromJson(json, value);
+        QVariant read;
+        ok = parseJson(text.toStdString(), json).isEmpty() && valueFromJson(json, read) && !isTooDeep(read);
+        if (ok)
+            value = read;
     }
     return ok;
 }

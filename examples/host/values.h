@@ -1,5 +1,7 @@
 #pragma once
 
+#include "jsontext.h"
+
 #include <QVariant>
 
 #include <nlohmann/json.hpp>
@@ -16,6 +18,14 @@ namespace Host
 //
 // A resource is written as the handle that it has in this process; a project replaces it.
 nlohmann::ordered_json valueToJson(const QVariant& value);
+
+// A value stands in a project and on the clipboard in the whole, a list of nodes, a node and its values.
+constexpr std::size_t kLevelsAroundValue = 4;
+constexpr std::size_t kDeepestValue = kDeepestJson - kLevelsAroundValue; // arrays and objects in its JSON
+
+// Whether the value's JSON is deeper than kDeepestValue, so that it could be written but not read again. Whatever goes
+// into a document is asked this first.
+bool isTooDeep(const QVariant& value);
 
 // False if the JSON has no such form, or a number does not fit. `value` is then unchanged. As deep as the JSON is:
 // texts from strangers come through parseJson(), which bounds that.
@@ -34,8 +44,8 @@ constexpr const char* kOrderKind = "order";
 bool fitsKind(const QVariant& value, const QString& kind);
 
 // Reads a value as a person types it, for an input that has a value of the given kind ("slider", "color" and so on);
-// false if the text makes no sense for it. A number needs to be one, but not within its limits. For kinds without a
-// form of their own, such as "hidden", the text is the JSON above.
+// false if the text makes no sense for it; `value` is then unchanged. A number needs to be one, but not within its
+// limits. For kinds without a form of their own, such as "hidden", the text is the JSON above, and not too deep.
 bool valueFromText(const QString& text, const QString& kind, const QStringList& choices, QVariant& value);
 
 } // namespace Host

@@ -232,6 +232,22 @@ TEST_F(Editing, OrderOfEndlessInputsIsKeptUnused)
     EXPECT_EQ(used(longest + '2'), "");
 }
 
+TEST_F(Editing, ValuesTooDeepToBeSavedAreRefused)
+{
+    const NodeId id = document.addNode("test/all", {});
+    QVariant deepest = true;
+    for (std::size_t levels = 0; levels < Host::kDeepestValue; levels += 2)
+        deepest = QVariantList{deepest};
+    EXPECT_EQ(document.setValue(id, "hidden", deepest), "");
+    const QByteArray before = saved();
+    const int steps = undo.count();
+    EXPECT_EQ(document.setValue(id, "hidden", QVariantList{deepest}),
+              "The value for \"hidden\" of \"All\" is nested too deeply to be saved. The old one stays.");
+    EXPECT_EQ(document.setValue(77, "hidden", true), "The node does not exist.");
+    EXPECT_EQ(saved(), before);
+    EXPECT_EQ(undo.count(), steps);
+}
+
 TEST_F(Editing, TheMemoryOfUndoIsBounded)
 {
     const NodeId id = document.addNode("test/all", {0, 0});

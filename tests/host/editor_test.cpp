@@ -267,7 +267,8 @@ TEST_F(Editor, PasteOfDeepTextIsHarmless)
         return QByteArray(text).replace("\"here\"", QByteArray("{\"list\": [").repeated(levels) + "true" +
                                                         QByteArray("]}").repeated(levels));
     };
-    EXPECT_TRUE(graphFromText(deep(20)));
+    EXPECT_TRUE(graphFromText(deep(kDeepestValue / 2)));
+    EXPECT_FALSE(graphFromText(deep(kDeepestValue / 2 + 1)));
     EXPECT_FALSE(graphFromText(deep(100000)));
     QVariant value;
     EXPECT_FALSE(valueFromText(deep(100000), "hidden", {}, value));
@@ -286,6 +287,36 @@ TEST_F(Editor, PasteOfLongTextIsQuick)
     EXPECT_FALSE(graphFromText(QByteArray(text).replace("{\n \"ondrel", "{\n \"first\": 1, \"ondrel")));
     for (const char* const other : {"", "{", " {\n", "{\"ondrel nodes", "[\"ondrel nodes\"]"})
         EXPECT_FALSE(graphFromText(other)) << other;
+}
+
+TEST_F(Editor, ValuesAsDeepAsTheyMayBeAreCopied)
+{
+    QVariant deepest = true;
+    for (std::size_t levels = 0; levels < kDeepestValue; levels += 2)
+        deepest = QVariantList{deepest};
+    play("add essentials/paint 260 0 Paint");
+    EXPECT_EQ(window.document().setValue(id("Paint"), "strokes", deepest), "");
+    EXPECT_TRUE(sameValue(value("Paint", "strokes"), deepest));
+    play("select Paint\nkey Ctrl+C\nkey Ctrl+V");
+    EXPECT_TRUE(sameValue(value("Paint 2", "strokes"), deepest));
+}
+
+TEST_F(Editor, ValueOfAnItemThatIsTooDeepIsRefusedWithAWord)
+{
+    QVariant deep = true;
+    for (std::size_t levels = 0; levels <= kDeepestValue; levels += 2)
+        deep = QVariantList{deep};
+    play("add essentials/paint 260 0 Paint");
+    window.document().setValue(id("Paint"), "strokes", QVariantList{true});
+    PreviewNode& paint = *window.scene().item(id("Paint"));
+    const int index = paint.inputIndexOfFieldByName("strokes");
+    paint.setInputValue(static_cast<unsigned long>(index), deep);
+    window.scene().nodeUpdated(&paint);
+    const QString refusal =
+        "The value for \"strokes\" of \"Paint\" is nested too deeply to be saved. The old one stays.";
+    EXPECT_EQ(status(), refusal);
+    EXPECT_EQ(value("Paint", "strokes"), QVariantList{true});
+    EXPECT_EQ(paint.inputValue(index), QVariantList{true});
 }
 
 TEST_F(Editor, CopiedNodesOfUnknownKindsKeepWhatWasNotUnderstood)

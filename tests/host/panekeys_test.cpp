@@ -207,6 +207,27 @@ TEST_F(PanesByKeys, LineThatMakesNoSenseIsNamedAndChangesNothing)
     EXPECT_EQ(window.document().undoStack().count(), steps);
 }
 
+TEST_F(PanesByKeys, LineThatIsTooDeepToBeSavedIsNamedAndChangesNothing)
+{
+    play("add essentials/paint 260 0 Paint\nselect Paint");
+    window.document().setValue(id("Paint"), "strokes", true);
+    const QString line =
+        QString("{\"list\":[").repeated(int(kDeepestValue) / 2) + "%1" + QString("]}").repeated(int(kDeepestValue) / 2);
+    QString message;
+    inValues([&](ValuesDialog& dialog) {
+        type(dialog, "strokes", line.arg("true"));
+        type(dialog, "strokes", line.arg("{\"list\":[]}"));
+        for (const QLabel* const label : dialog.findChildren<QLabel*>()) {
+            if (label->text().contains("list"))
+                message = label->text();
+        }
+        dialog.reject();
+    });
+    play("key V");
+    EXPECT_EQ(message, '"' + line.arg("{\"list\":[]}") + "\" is no value of strokes.");
+    EXPECT_EQ(QString::fromStdString(valueToJson(value("Paint", "strokes")).dump()), line.arg("true"));
+}
+
 TEST_F(PanesByKeys, LineThatIsNotFinishedIsLeftByEscapeAndByClosingTheWindow)
 {
     play("add essentials/levels 260 0 Levels\nselect Levels");

@@ -365,6 +365,60 @@ TEST_F(ProjectText, OfAnyNumberOfObjectsAndNamesIsReadAtOnce)
     EXPECT_TRUE(write(*again.project) == kept);
 }
 
+// Lists and maps in turn, one within another.
+QVariant nested(std::size_t lists, const QVariant& inner)
+{
+    QVariant value = inner;
+    for (std::size_t i = 0; i < lists; ++i)
+        value = i % 2 == 0 ? QVariant(QVariantList{value}) : QVariant(QVariantMap{{"a", value}});
+    return value;
+}
+
+TEST_F(ProjectText, KeepsValuesAsDeepAsTheyMayBe)
+{
+    constexpr std::size_t kLists = Host::kDeepestValue / 2; // of two levels each
+    const QVariant deepest[] = {nested(kLists, true),
+                                nested(kLists, "text"),
+                                nested(kLists, QVariant()),
+                                nested(kLists - 1, 1.5),
+                                nested(kLists - 1, QPointF(1, 2)),
+                                nested(kLists - 1, QVariant::fromValue(Ondrel::ResourceId()))};
+    for (const QVariant& value : deepest) {
+        EXPECT_FALSE(Host::isTooDeep(value));
+        Project project;
+        add(project, "test/all", {{"hidden", value}});
+        add(project, "missing/kind", {{"any", value}});
+        const Project again = roundTrip(project);
+        ASSERT_EQ(again.graph.nodes.size(), 2u);
+        EXPECT_TRUE(Host::sameValue(again.graph.nodes.at(1).values["hidden"], value));
+        EXPECT_TRUE(Host::sameValue(again.graph.nodes.at(2).values["any"], value));
+    }
+    const QVariant tooDeep[] = {nested(kLists + 1, QVariant()), nested(kLists, 1.5), nested(kLists, QPointF(1, 2)),
+                                nested(kLists, QVariant::fromValue(Ondrel::Color("1,2,3,4"))), nested(1000, true)};
+    for (const QVariant& value : tooDeep)
+        EXPECT_TRUE(Host::isTooDeep(value));
+    Project project;
+    add(project, "test/all", {{"hidden", tooDeep[0]}});
+    EXPECT_TRUE(read(write(project)).error.endsWith("The values are nested too deeply."));
+}
+
+TEST_F(ProjectText, TypedValuesMayBeAsDeepAsSavedOnes)
+{
+    const auto typed = [](std::size_t lists, const QByteArray& inner) {
+        QVariant value = "before";
+        const QByteArray text =
+            QByteArray("{\"list\": [").repeated(int(lists)) + inner + QByteArray("]}").repeated(int(lists));
+        const bool isRead = Host::valueFromText(text, "hidden", {}, value);
+        EXPECT_EQ(isRead, value != "before");
+        return value;
+    };
+    constexpr std::size_t kLists = Host::kDeepestValue / 2;
+    EXPECT_EQ(typed(kLists, "true").toList().size(), 1);
+    EXPECT_EQ(typed(kLists, "").toList().size(), 1);
+    EXPECT_EQ(typed(kLists, "{\"int\": \"1\"}"), "before");
+    EXPECT_EQ(typed(kLists + 1, "true"), "before");
+}
+
 TEST_F(ProjectText, AMarkOfUnicodeAtTheStartIsNoDamage)
 {
     Project project;

@@ -4,11 +4,13 @@
 #include "smallproject.h"
 #include "testnodes.h"
 
+#include <document.h>
 #include <graph.h>
 #include <imageimport.h>
 #include <jsontext.h>
 #include <pictureexport.h>
 #include <project.h>
+#include <values.h>
 
 #include <gtest/gtest.h>
 
@@ -61,6 +63,18 @@ TEST_F(Translation, ReasonsAgainstConnections)
     EXPECT_EQ(why({2, "image", 2, "image"}), "<\"add\" would depend on itself.>");
     EXPECT_EQ(why({3, "number", 2, "image"}),
               "<\"Image\" of \"add\" takes <an image>, and \"number\" gives <a number>.>");
+}
+
+TEST_F(Translation, ReasonsAgainstValues)
+{
+    Host::Document document(nodes.types);
+    QVariant deep = true;
+    for (std::size_t levels = 0; levels <= Host::kDeepestValue; levels += 2)
+        deep = QVariantList{deep};
+    const Host::NodeId id = document.addNode("test/all", {}, "A");
+    EXPECT_EQ(document.setValue(id, "hidden", deep),
+              "<The value for \"hidden\" of \"A\" is nested too deeply to be saved. The old one stays.>");
+    EXPECT_EQ(document.setValue(77, "hidden", true), "<The node does not exist.>");
 }
 
 TEST_F(Translation, FaultsOfProjects)

@@ -43,7 +43,7 @@ std::optional<NodeRecord> readNode(const Json& json)
     NodeRecord record;
     QVariant position, values;
     if (!json.is_object() || !json.contains("values") || !json.contains("position") ||
-        !valueFromJson(json["values"], values) || !valueFromJson(json["position"], position))
+        !valueFromJson(Json{{"map", json["values"]}}, values) || !valueFromJson(json["position"], position))
         return std::nullopt;
     record.id = textIn(json, "id").toULongLong();
     record.type = textIn(json, "type");
@@ -144,7 +144,7 @@ QByteArray graphToText(const Graph& graph)
                          {"type", record.type.toStdString()},
                          {"name", record.name.toStdString()},
                          {"position", valueToJson(record.position)},
-                         {"values", valueToJson(record.values)},
+                         {"values", valueToJson(record.values)["map"]}, // no deeper than in a project
                          {"bypassed", record.bypassed},
                          {"unread", QJsonDocument(record.unread).toJson(QJsonDocument::Compact).toStdString()}});
     for (const Connection& c : graph.connections)

@@ -234,11 +234,18 @@ void ModeHost::storeValue(size_t fieldIndex, QVariant value, Rect)
     keepValue(fieldIndex, value);
     m_storing = true;
     m_document.beginStep(m_mode->modeName());
-    for (const auto& [field, kept] : std::exchange(m_kept, {}))
-        m_document.setValue(m_node, field, kept);
+    QString refusal;
+    for (const auto& [field, kept] : std::exchange(m_kept, {})) {
+        const QString reason = m_document.setValue(m_node, field, kept);
+        refusal = reason.isEmpty() ? refusal : reason;
+    }
     m_document.endStep(gestureOfStep());
     m_undoIndex = m_document.undoStack().index();
     m_storing = false;
+    if (refusal.isEmpty())
+        return;
+    tellAllValues(); // what the mode has is not what is saved
+    Q_EMIT m_scene.refused(refusal);
 }
 
 // Keys that follow each other soon are one step, as a drag of the mouse is; unless there was an undo in between. What

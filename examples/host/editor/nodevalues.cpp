@@ -44,20 +44,27 @@ void NodeValues::update(PreviewNode& node, const QString& field)
     whileFilling([&] { node.setInputValue(static_cast<unsigned long>(index), value); });
 }
 
-void NodeValues::store(PreviewNode& node)
+QString NodeValues::store(PreviewNode& node)
 {
+    QString refusal;
     const NodeType* const type = typeOf(node);
     if (!type)
-        return;
+        return refusal;
     if (!m_mousePressed)
         ++m_gesture;
     const QVariantMap stored = completeValues(*m_document.graph().node(node.id()), *type);
     for (unsigned long i = 0; i < node.inputFieldCount(); ++i) {
         const QString field = node.inputNameOfFieldByIndex(i);
         const QVariant value = node.inputValue(int(i));
-        if (value.isValid() && type->input(field) && !sameValue(value, stored.value(field)))
-            m_document.setValue(node.id(), field, value, m_gesture);
+        if (!value.isValid() || !type->input(field) || (!isTooDeep(value) && sameValue(value, stored.value(field))))
+            continue;
+        const QString reason = m_document.setValue(node.id(), field, value, m_gesture);
+        if (reason.isEmpty())
+            continue;
+        refusal = reason;
+        whileFilling([&] { node.setInputValue(i, stored.value(field)); });
     }
+    return refusal;
 }
 
 void NodeValues::press()

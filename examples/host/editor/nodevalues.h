@@ -17,8 +17,9 @@ public:
     void update(PreviewNode& node, const QString& field);
 
     // To the document, what is different there. Between press() and release() of the mouse all changes are one gesture,
-    // however many values it passes; without the mouse each is one of its own.
-    void store(PreviewNode& node);
+    // however many values it passes; without the mouse each is one of its own. What the document does not take, the
+    // node does not keep either: the reason, a sentence, is empty if there was nothing of that kind.
+    QString store(PreviewNode& node);
     void press();
     void release();
 

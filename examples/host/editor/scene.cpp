@@ -143,7 +143,14 @@ void Scene::updateValue(NodeId id, const QString& field)
 void Scene::nodeUpdated(Node* node)
 {
     if (!m_values.isFilling() && item(node->id()) == node)
-        m_values.store(*static_cast<PreviewNode*>(node));
+        store(*static_cast<PreviewNode*>(node));
+}
+
+void Scene::store(PreviewNode& node)
+{
+    const QString refusal = m_values.store(node);
+    if (!refusal.isEmpty())
+        Q_EMIT refused(refusal);
 }
 
 std::vector<NodeId> Scene::selectedNodes() const
@@ -326,7 +333,7 @@ void Scene::settleVariableNodes()
         if (!type || type->entry.variablePrefix.isEmpty() || !item(id))
             continue;
         if (hasAllWires(id))
-            m_values.store(*item(id));
+            store(*item(id));
         else
             remakeItem(id);
     }

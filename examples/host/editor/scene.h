@@ -69,7 +69,7 @@ public:
 Q_SIGNALS:
     void shownNodesChanged();
     void thingSelected();         // which wire or frame, if any, may be another one
-    void refused(QString reason); // a wire
+    void refused(QString reason); // a wire, or a value of a node
     // A wire was let go over the empty canvas.
     void wireDropped(Host::NodeId node, QString field, bool fromOutput, QPointF at);
 
@@ -100,6 +100,7 @@ private:
     void selectBesideNodes(const std::optional<Connection>& wire, quint64 frame);
     void watch(PreviewNode& node);
     void showError(NodeId id);
+    void store(PreviewNode& node);
     void remakeItem(NodeId id);
     void deleteItems();
     bool hasAllWires(NodeId id) const;
