@@ -422,7 +422,8 @@ std::map<NodeId, NodeId> Document::insert(const Graph& graph, QPointF offset)
         const Connection copy{ids[connection.from], connection.output, ids[connection.to], connection.input};
         // What comes from a clipboard may say anything; kinds need not be known.
         const std::vector<NodeId> before = dependencies(next, copy.from);
-        if (!next.into(copy.to, copy.input) && std::find(before.begin(), before.end(), copy.to) == before.end())
+        if (!next.into(copy.to, copy.input) && std::find(before.begin(), before.end(), copy.to) == before.end() &&
+            isRoomFor(next, m_types, copy))
             next.connections.push_back(copy);
     }
     change.setConnections(m_graph.connections, next.connections);

@@ -52,7 +52,8 @@ public:
     void setEmbedded(const std::vector<Ondrel::ResourceId>& resources, bool embedded); // as in Graph::embedded
     void replaceResource(Ondrel::ResourceId resource, Ondrel::ResourceId by);          // in the values of all nodes
     // Adds the nodes of another graph under new ids and free names, with the wires among them but those that would
-    // close a cycle or end at an input that has one, and its frames under new ids; the new ids of nodes by the old.
+    // close a cycle, end at an input that has one or find no room in the order of a variable node, and its frames under
+    // new ids; the new ids of nodes by the old.
     std::map<NodeId, NodeId> insert(const Graph& graph, QPointF offset);
 
 Q_SIGNALS:

@@ -110,6 +110,31 @@ bool fits(const Graph& graph, const NodeTypes& types, const Connection& connecti
     return output && input && !input->dataType.isEmpty() && output->dataType == input->dataType;
 }
 
+bool isRoomFor(const Graph& graph, const NodeTypes& types, const Connection& connection)
+{
+    const NodeRecord* const to = graph.node(connection.to);
+    const NodeType* const type = to ? types.find(to->type) : nullptr;
+    if (!type || type->entry.variablePrefix.isEmpty())
+        return true;
+    const QString prefix = type->entry.variablePrefix;
+    const QString order = to->values.value(prefix + "_order").toString();
+    const QStringList ids = order.split(',', Qt::SkipEmptyParts);
+    std::set<QString> named(ids.begin(), ids.end());
+    int length = order.size();
+    const auto grows = [&](const QString& input) {
+        const QString id = input.mid(prefix.size());
+        if (type->input(input) != &type->entry.variableInput || !named.insert(id).second)
+            return false;
+        length += (length == 0 ? 0 : 1) + id.size(); // with a comma
+        return true;
+    };
+    for (const Connection& each : graph.connections) {
+        if (each.to == connection.to)
+            grows(each.input);
+    }
+    return !grows(connection.input) || length <= kLongestOrder;
+}
+
 QString whyNotConnect(const Graph& graph, const NodeTypes& types, const Connection& connection)
 {
     const NodeRecord* const from = graph.node(connection.from);
@@ -132,6 +157,10 @@ QString whyNotConnect(const Graph& graph, const NodeTypes& types, const Connecti
     const std::vector<NodeId> behind = dependencies(graph, connection.from);
     if (std::find(behind.begin(), behind.end(), connection.to) != behind.end())
         return Text::tr("\"%1\" would depend on itself.").arg(to->name);
+    if (!isRoomFor(graph, types, connection))
+        return Text::tr("\"%1\" takes no more connections: the text with their order would have more than %2 "
+                        "characters.")
+            .arg(to->name, QString::number(kLongestOrder));
     return QString();
 }
 

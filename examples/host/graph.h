@@ -65,6 +65,10 @@ QVariantMap completeValues(const NodeRecord& node, const NodeType& type);
 // fit, since plug-ins change; nothing flows through them.
 bool fits(const Graph& graph, const NodeTypes& types, const Connection& connection);
 
+// Whether the order of a variable node can name one more input: it must stay within kLongestOrder with all inputs that
+// have connections, also those that it does not name yet. True for a connection to any other node or input.
+bool isRoomFor(const Graph& graph, const NodeTypes& types, const Connection& connection);
+
 // Why the connection may not be made, in a sentence for the user; empty if it may. Replacing the connection that now
 // ends at the input is no reason against it.
 QString whyNotConnect(const Graph& graph, const NodeTypes& types, const Connection& connection);

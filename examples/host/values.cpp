@@ -25,7 +25,6 @@ namespace
 {
 
 constexpr int kProfileHashSize = 32;
-constexpr int kLongestOrder = 4096; // characters
 
 // In its JSON.
 std::size_t levelsOfSingle(const QVariant& value)
@@ -343,7 +342,8 @@ bool valueFromText(const QString& text, const QString& kind, const QStringList& 
     } else { // hidden, or an input of a plug-in's own: as projects have it
         Json json;
         QVariant read;
-        ok = parseJson(text.toStdString(), json).isEmpty() && valueFromJson(json, read) && !isTooDeep(read);
+        ok = parseJson(text.toStdString(), json).isEmpty() && valueFromJson(json, read) && !isTooDeep(read) &&
+             fitsKind(read, kind);
         if (ok)
             value = read;
     }

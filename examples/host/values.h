@@ -36,11 +36,12 @@ bool sameValue(const QVariant& a, const QVariant& b);
 
 // Of the input that orders the others of a node with a variable number of them.
 constexpr const char* kOrderKind = "order";
+constexpr int kLongestOrder = 4096; // characters
 
 // Whether an input of the given kind can hold the value: a slider a number or its text, a colour a colour, an order
-// a text for some hundreds of inputs, as all of them are on the screen. A text is one of a combo box even if it is no
-// choice of it, since an item may make choices of its own. Kinds without a form of their own, such as "hidden", hold
-// anything; an input that is only connected holds nothing.
+// a text of up to kLongestOrder, for some hundreds of inputs, as all of them are on the screen. A text is one of a
+// combo box even if it is no choice of it, since an item may make choices of its own. Kinds without a form of their
+// own, such as "hidden", hold anything; an input that is only connected holds nothing.
 bool fitsKind(const QVariant& value, const QString& kind);
 
 // Reads a value as a person types it, for an input that has a value of the given kind ("slider", "color" and so on);

@@ -232,6 +232,30 @@ TEST_F(Editing, OrderOfEndlessInputsIsKeptUnused)
     EXPECT_EQ(used(longest + '2'), "");
 }
 
+TEST_F(Editing, InsertedWiresForWhichAnOrderHasNoRoomAreLeftOut)
+{
+    Host::Graph graph;
+    for (const quint64 id : {1, 2}) {
+        graph.nodes[id].id = id;
+        graph.nodes[id].type = id == 1 ? "test/source" : "test/layers";
+        graph.nodes[id].name = QString::number(id);
+    }
+    graph.nodes[2].values["layer_order"] = QString(Host::kLongestOrder - 2, '7');
+    graph.connections = {{1, "image", 2, "layer5"}, {1, "image", 2, "layer6"}};
+    const auto ids = document.insert(graph, {});
+    ASSERT_EQ(document.graph().connections.size(), 1u);
+    EXPECT_EQ(document.graph().connections[0], (Connection{ids.at(1), "image", ids.at(2), "layer5"}));
+}
+
+TEST_F(Editing, TypedOrdersAreNoLongerThanTheyMayBe)
+{
+    QVariant value = "before";
+    EXPECT_FALSE(Host::valueFromText('"' + QString(Host::kLongestOrder + 1, '7') + '"', Host::kOrderKind, {}, value));
+    EXPECT_EQ(value, "before");
+    EXPECT_TRUE(Host::valueFromText('"' + QString(Host::kLongestOrder, '7') + '"', Host::kOrderKind, {}, value));
+    EXPECT_EQ(value, QString(Host::kLongestOrder, '7'));
+}
+
 TEST_F(Editing, ValuesTooDeepToBeSavedAreRefused)
 {
     const NodeId id = document.addNode("test/all", {});

@@ -2,6 +2,7 @@
 
 #include "canvascommands.h"
 #include "clipboardgraph.h"
+#include "connectiondialog.h"
 #include "exportcommands.h"
 #include "exportdialog.h"
 #include "exporter.h"
@@ -361,6 +362,67 @@ TEST_F(Editor, BypassedMergeHandsItsFirstLayerThrough)
     ASSERT_TRUE(window.imagePane().picture().image);
     EXPECT_TRUE(equalPictures(freshPicture(id("Merge")), freshPicture(id("Blur"))));
     EXPECT_EQ(fullSize(graph(), nodeTypes(), {id("Merge"), QString(), 1}), QSize(90, 60));
+}
+
+TEST_F(Editor, ConnectionForWhichTheOrderHasNoRoomIsRefusedWithAWord)
+{
+    play("add essentials/merge 260 0 Merge");
+    QStringList ids; // long ones: each is an input on the canvas
+    for (int i = 0; i < 195; ++i)
+        ids.append(QString::number(10'000'000'000'000'000'000u + unsigned(i)));
+    Graph large = graph();
+    large.nodes[id("Merge")].values["layer_order"] = ids.join(',');
+    window.document().load(large);
+    EXPECT_EQ(window.document().addConnection({id("photo"), "image", id("Merge"), "layer0"}), "");
+    const QString order = value("Merge", "layer_order").toString();
+    EXPECT_EQ(order, ids.join(',') + ",0");
+    EXPECT_EQ(order.size(), kLongestOrder);
+    ConnectionDialog dialog(window.scene(), id("Merge"), std::nullopt, &window);
+    const auto* const list = dialog.findChild<QListWidget*>();
+    for (int row = 0; row < list->count(); ++row) {
+        if (list->item(row)->data(Qt::UserRole).value<Connection>().input == "layer1")
+            list->item(row)->setCheckState(Qt::Checked);
+    }
+    EXPECT_TRUE(status().startsWith("\"Merge\" takes no more connections: ")) << qPrintable(status());
+    EXPECT_EQ(graph().connections.size(), 1u);
+    EXPECT_EQ(value("Merge", "layer_order"), order);
+}
+
+TEST_F(Editor, OrderThatIsTooLongIsKeptWhateverTheCanvasDoes)
+{
+    play("add essentials/merge 260 0 Merge");
+    const NodeId merge = id("Merge");
+    const QString tooLong = QString("0,1,").repeated(kLongestOrder / 4) + '2';
+    Graph odd = graph();
+    odd.nodes[merge].values["layer_order"] = tooLong;
+    odd.connections = {{id("photo"), "image", merge, "layer0"}};
+    window.document().load(odd);
+    const auto kept = [&] { return graph().node(merge)->values.value("layer_order"); };
+    window.document().setValue(merge, "opacity0", "50");
+    window.scene().nodeUpdated(window.scene().item(merge));
+    EXPECT_EQ(kept(), tooLong);
+    EXPECT_NE(window.document().addConnection({id("photo"), "image", merge, "layer7"}), "");
+    window.document().removeConnection(odd.connections[0]);
+    EXPECT_EQ(kept(), tooLong);
+}
+
+// A project may have connections that no order names; the canvas gives them inputs, and an order with them.
+TEST_F(Editor, OrderOfTheCanvasIsNotTakenOnceItIsTooLong)
+{
+    play("add essentials/merge 260 0 Merge");
+    const NodeId merge = id("Merge");
+    QStringList ids;
+    for (int i = 0; i < 195; ++i)
+        ids.append(QString::number(10'000'000'000'000'000'000u + unsigned(i)));
+    Graph large = graph();
+    large.nodes[merge].values["layer_order"] = ids.join(',');
+    for (const char* const input : {"layer0", "layer1"})
+        large.connections.push_back({id("photo"), "image", merge, input});
+    window.document().load(large);
+    window.scene().nodeUpdated(window.scene().item(merge));
+    EXPECT_EQ(value("Merge", "layer_order"), ids.join(','));
+    window.document().removeConnection(large.connections[1]);
+    EXPECT_EQ(value("Merge", "layer_order"), ids.join(',') + ",0");
 }
 
 TEST_F(Editor, DeleteTakesTheWiresAndUndoBringsThemBack)

@@ -3,6 +3,7 @@
 #include "testnodes.h"
 
 #include <graph.h>
+#include <values.h>
 
 #include <gtest/gtest.h>
 
@@ -84,6 +85,30 @@ TEST_F(GraphOfNodes, AVariableNodeTakesInputsByNumber)
     EXPECT_NE(why({source, "image", layers, "layer"}), "");
     EXPECT_NE(why({source, "image", layers, "opacity1"}), "");
     EXPECT_EQ(nodes.types.find("test/layers")->input("opacity3")->kind, "slider");
+}
+
+TEST_F(GraphOfNodes, AConnectionForWhichTheOrderHasNoRoomIsRefusedWithTheReason)
+{
+    const auto source = add("source", "S"), other = add("source", "T"), layers = add("layers", "L%2");
+    const auto into = [&](const QString& id) { return why({source, "image", layers, "layer" + id}); };
+    const QString refusal = "\"L%2\" takes no more connections: the text with their order would have more than 4096 "
+                            "characters.";
+    EXPECT_EQ(into(QString(Host::kLongestOrder, '7')), "");
+    EXPECT_EQ(into(QString(Host::kLongestOrder + 1, '7')), refusal);
+    const QString named = QString(Host::kLongestOrder - 2, '7');
+    QVariant& order = graph.nodes[layers].values["layer_order"];
+    order = named;
+    EXPECT_EQ(into("5"), "");
+    EXPECT_EQ(into("15"), refusal);
+    order = named + "8";
+    EXPECT_EQ(into("5"), refusal);
+    EXPECT_EQ(into(named + "8"), "");
+    order = named;
+    graph.connections = {{other, "image", layers, "layer8"}, {other, "image", layers, "layer" + named}};
+    EXPECT_EQ(into("8"), "") << "it takes the place of another";
+    EXPECT_EQ(into("5"), refusal) << "the order has yet to name the other";
+    order = QString(Host::kLongestOrder + 1, '7');
+    EXPECT_EQ(into("5"), refusal);
 }
 
 TEST_F(GraphOfNodes, DependenciesComeFirstAndOnce)

@@ -146,6 +146,25 @@ INSTANTIATE_TEST_SUITE_P(
                     FieldValue{"resource", "{\"resource\": \"1\"}"}, FieldValue{"hidden", "{\"map\": {}}"},
                     FieldValue{"elsewhere", "{\"point\": [\"1\", \"2\"]}"}));
 
+TEST_F(MisfittingProject, AnOrderThatIsTooLongIsToldByItsPlaceAndKept)
+{
+    const auto projectWith = [](const QString& order) {
+        return withValue("layer_order", ('"' + order + '"').toUtf8()).replace("test/all", "test/layers");
+    };
+    const QString longest = QString("0,1,").repeated(Host::kLongestOrder / 4);
+    const ProjectReading fitting = read(projectWith(longest));
+    ASSERT_TRUE(fitting.project) << qPrintable(fitting.error);
+    EXPECT_EQ(fitting.notes, QStringList("The picture \"/none.png\" cannot be read."));
+    EXPECT_EQ(usedValue(*fitting.project, "layer_order"), longest);
+    const ProjectReading reading = read(projectWith(longest + '2'));
+    ASSERT_TRUE(reading.project) << qPrintable(reading.error);
+    EXPECT_EQ(reading.notes.back(), "Line 5, column 16: \"layer_order\" of \"A\" holds no such value. It is kept, and "
+                                    "the default is used.");
+    EXPECT_EQ(usedValue(*reading.project, "layer_order"), "");
+    const auto kept = onWorker([&] { return writeProject(*reading.project, "/"); });
+    EXPECT_TRUE(kept.contains(('"' + longest + "2\"").toUtf8()));
+}
+
 TEST_F(MisfittingProject, ConnectionsThatDoNotFitAreToldByTheirPlacesAndKept)
 {
     const std::string wires = wire("1", "depth", "3", "image") + ",\n" + wire("1", "image", "3", "amount") + ",\n  " +

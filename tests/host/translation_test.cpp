@@ -48,7 +48,7 @@ protected:
 TEST_F(Translation, ReasonsAgainstConnections)
 {
     Host::Graph graph;
-    for (const char* const type : {"source", "add", "number", "elsewhere"}) {
+    for (const char* const type : {"source", "add", "number", "elsewhere", "layers"}) {
         Host::NodeRecord record;
         record.id = graph.nodes.size() + 1;
         record.type = QString("test/") + type;
@@ -63,6 +63,9 @@ TEST_F(Translation, ReasonsAgainstConnections)
     EXPECT_EQ(why({2, "image", 2, "image"}), "<\"add\" would depend on itself.>");
     EXPECT_EQ(why({3, "number", 2, "image"}),
               "<\"Image\" of \"add\" takes <an image>, and \"number\" gives <a number>.>");
+    EXPECT_EQ(
+        why({1, "image", 5, "layer" + QString(Host::kLongestOrder + 1, '1')}),
+        "<\"layers\" takes no more connections: the text with their order would have more than 4096 characters.>");
 }
 
 TEST_F(Translation, ReasonsAgainstValues)

@@ -180,14 +180,17 @@ void CanvasCommands::connectTo(NodeId made, NodeId node, const QString& field, b
     PreviewNode* const item = m_scene.item(made);
     if (!item)
         return;
+    QString refusal;
     const unsigned long count = fromOutput ? item->inputFieldCount() : item->outputFieldCount();
     for (unsigned long i = 0; i < count; ++i) {
         const QString other = fromOutput ? item->inputNameOfFieldByIndex(i) : item->outputNameOfFieldByIndex(i);
         const Connection connection =
             fromOutput ? Connection{node, field, made, other} : Connection{made, other, node, field};
-        if (m_document.addConnection(connection).isEmpty())
+        refusal = m_document.addConnection(connection);
+        if (refusal.isEmpty())
             return;
     }
+    Q_EMIT message(refusal); // such as that there is no room for one more
 }
 
 void CanvasCommands::deleteSelected()

@@ -139,13 +139,20 @@ void ConnectionDialog::add(const Connection& connection)
     entry->setCheckState(has(graph, connection) ? Qt::Checked : Qt::Unchecked);
 }
 
+void ConnectionDialog::make(const Connection& connection)
+{
+    const QString refusal = m_scene.document().addConnection(connection);
+    if (!refusal.isEmpty())
+        Q_EMIT m_scene.refused(refusal);
+}
+
 void ConnectionDialog::apply(QListWidgetItem* entry)
 {
     if (m_filling)
         return;
     const auto connection = entry->data(Qt::UserRole).value<Connection>();
     if (entry->checkState() == Qt::Checked)
-        m_scene.document().addConnection(connection);
+        make(connection);
     else
         m_scene.document().removeConnection(connection);
     // Another one may have gone, and variable nodes have other inputs now. The entry is in use until this returns.

@@ -35,6 +35,7 @@ private:
     void find();
     void mark(const Connection& connection);
     void add(const Connection& connection);
+    void make(const Connection& connection);
 
     Scene& m_scene;
     NodeId m_node;
@@ -45,8 +46,8 @@ private:
     bool m_filling = false;
 };
 
-// Every connection between the node and another one that would be taken, and those that are there: what ends at the
-// node's inputs first, each group by the other node's name.
+// Every connection between the node and another one that would be taken, if there is room for it, and those that are
+// there: what ends at the node's inputs first, each group by the other node's name.
 std::vector<Connection> possibleConnections(Scene& scene, NodeId node);
 
 } // namespace Host

@@ -5,6 +5,18 @@
 namespace Host
 {
 
+namespace
+{
+
+// An order that is too long to be used stays in the document as the project has it, and none is made too long.
+bool isLeftAlone(const InputInfo& input, const QVariant& value, const QVariant& kept)
+{
+    const auto isTooLong = [](const QVariant& order) { return order.toString().size() > kLongestOrder; };
+    return input.kind == kOrderKind && (isTooLong(value) || isTooLong(kept));
+}
+
+} // namespace
+
 NodeValues::NodeValues(Document& document)
     : m_document(document)
 {
@@ -56,7 +68,10 @@ QString NodeValues::store(PreviewNode& node)
     for (unsigned long i = 0; i < node.inputFieldCount(); ++i) {
         const QString field = node.inputNameOfFieldByIndex(i);
         const QVariant value = node.inputValue(int(i));
-        if (!value.isValid() || !type->input(field) || (!isTooDeep(value) && sameValue(value, stored.value(field))))
+        const InputInfo* const input = type->input(field);
+        if (!value.isValid() || !input || (!isTooDeep(value) && sameValue(value, stored.value(field))))
+            continue;
+        if (isLeftAlone(*input, value, m_document.graph().node(node.id())->values.value(field)))
             continue;
         const QString reason = m_document.setValue(node.id(), field, value, m_gesture);
         if (reason.isEmpty())
