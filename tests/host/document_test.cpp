@@ -235,7 +235,7 @@ TEST_F(Editing, OrderOfEndlessInputsIsKeptUnused)
 TEST_F(Editing, InsertedWiresForWhichAnOrderHasNoRoomAreLeftOut)
 {
     Host::Graph graph;
-    for (const quint64 id : {1, 2}) {
+    for (const NodeId id : {NodeId(1), NodeId(2)}) {
         graph.nodes[id].id = id;
         graph.nodes[id].type = id == 1 ? "test/source" : "test/layers";
         graph.nodes[id].name = QString::number(id);
