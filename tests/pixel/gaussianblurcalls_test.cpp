@@ -1,13 +1,11 @@
 // Blurring on a device that records what it is asked for and fails where the test wants.
 
-#include "withrecordingdriver.h"
+#include "failingcalls.h"
 
 #include "../reference/gaussianblur_reference.h"
 #include "../support/testimages.h"
 
 #include <ondrel/pixel/gaussianblur.h>
-
-#include <set>
 
 using namespace OndrelTest;
 using Ondrel::Image;
@@ -19,15 +17,9 @@ namespace
 constexpr unsigned int kWidth = 150, kHeight = 130; // two slices for each pass
 constexpr std::size_t kBytes = std::size_t(kWidth) * kHeight * 8;
 
-class GaussianBlurCalls : public WithRecordingDriver
+class GaussianBlurCalls : public WithFailingCalls
 {
 protected:
-    void SetUp() override
-    {
-        WithRecordingDriver::SetUp();
-        useDevice();
-    }
-
     static const RecordingDriver::Transfer& writeTo(const void* handle)
     {
         for (const RecordingDriver::Transfer& write : recorder().writes)
@@ -62,13 +54,6 @@ bool isEmpty(const Image& image)
     return image.width == 0 && image.height == 0 && image.data == nullptr;
 }
 
-// Failures after which there may be a result all the same: those of waiting and of giving the maps back.
-bool mayBeIgnored(const std::string& call)
-{
-    static const std::set<std::string> calls = {"clWaitForEvents", "clEnqueueUnmapMemObject", "clFlush", "clFinish"};
-    return calls.count(call) > 0;
-}
-
 } // namespace
 
 TEST_F(GaussianBlurCalls, RunsOnTheDeviceWhereNothingFails)
@@ -91,33 +76,8 @@ TEST_F(GaussianBlurCalls, EveryFailureEndsInTheResultOfTheProcessor)
 {
     const Image source = withMetadata(kWidth, kHeight);
     const Image expected = GaussianBlur_CPU(source, 3, 2, GaussianEdge::Blank, RunStatus());
-    for (const bool failOn : {false, true})
-        for (int number = 1;; ++number) {
-            reset();
-            recorder().failAt = number;
-            recorder().failOn = failOn;
-            testing::internal::CaptureStdout();
-            const Image result = GaussianBlur(source, 3, 2, GaussianEdge::Blank, RunStatus());
-            const std::string output = testing::internal::GetCapturedStdout();
-            const std::string failed = recorder().failedCall;
-            SCOPED_TRACE(testing::Message() << "call " << number << ", " << failed);
-            if (failed.empty()) {
-                EXPECT_TRUE(isDeviceResult(result, kWidth, kHeight));
-                EXPECT_GT(number, 30);
-                break;
-            }
-            const bool same = samePixels(result, expected);
-            EXPECT_TRUE(same || (mayBeIgnored(recorder().calls[std::size_t(number - 1)]) &&
-                                 isDeviceResult(result, kWidth, kHeight)));
-            expectNoMetadata(result);
-            if (!failOn) {
-                EXPECT_EQ(output, failed == "clEnqueueNDRangeKernel" ? "-5\n" : "");
-            }
-            EXPECT_EQ(alive(), kIdle);
-            ASSERT_TRUE(lockIsFree());
-            ASSERT_TRUE(isEnabled()) << "the next operation is to try again";
-            ASSERT_LT(number, 200);
-        }
+    expectTheProcessorsResult([&] { return GaussianBlur(source, 3, 2, GaussianEdge::Blank, RunStatus()); }, expected,
+                              30, [](const Image& result) { expectNoMetadata(result); });
 }
 
 TEST_F(GaussianBlurCalls, AProgramThatDidNotBuildLeavesTheProcessor)

@@ -1,12 +1,10 @@
 // Scaling on a device that records what it is asked for and fails where the test wants.
 
-#include "withrecordingdriver.h"
+#include "failingcalls.h"
 
 #include "../support/testimages.h"
 
 #include <ondrel/pixel/scaleopencl.h>
-
-#include <set>
 
 using namespace OndrelTest;
 using Ondrel::FilterMethod;
@@ -18,15 +16,9 @@ namespace
 // More than one slice of output pixels.
 constexpr unsigned int kWidth = 150, kHeight = 130;
 
-class ScaleOpenCLCalls : public WithRecordingDriver
+class ScaleOpenCLCalls : public WithFailingCalls
 {
 protected:
-    void SetUp() override
-    {
-        WithRecordingDriver::SetUp();
-        useDevice();
-    }
-
     // A buffer as a plug-in has it, outside of a token.
     static cl::Buffer pluginBuffer(const Borrowed& work, unsigned int width, unsigned int height)
     {
@@ -44,13 +36,6 @@ void expectOnlyTheProfileOf(const Image& source, const Image& result)
     EXPECT_EQ(result.rawToneCurve, nullptr);
 }
 
-// Failures after which there may be a result all the same: those of waiting and of giving the maps back.
-bool mayBeIgnored(const std::string& call)
-{
-    static const std::set<std::string> calls = {"clWaitForEvents", "clEnqueueUnmapMemObject", "clFlush", "clFinish"};
-    return calls.count(call) > 0;
-}
-
 } // namespace
 
 TEST_F(ScaleOpenCLCalls, RunsOnTheDeviceWhereNothingFails)
@@ -62,39 +47,13 @@ TEST_F(ScaleOpenCLCalls, RunsOnTheDeviceWhereNothingFails)
     EXPECT_EQ(alive(), kIdle);
 }
 
-// Each call in turn, and then each call with all that follow, as of a device that has gone away.
 TEST_F(ScaleOpenCLCalls, EveryFailureEndsInTheResultOfTheProcessor)
 {
     const Image source = withMetadata(40, 30);
     Image expected;
     Scale_CPU(source, expected, kWidth, kHeight, FilterMethod::Bilinear);
-    for (const bool failOn : {false, true})
-        for (int number = 1;; ++number) {
-            reset();
-            recorder().failAt = number;
-            recorder().failOn = failOn;
-            testing::internal::CaptureStdout();
-            const Image result = Scale(source, kWidth, kHeight, FilterMethod::Bilinear);
-            const std::string output = testing::internal::GetCapturedStdout();
-            const std::string failed = recorder().failedCall;
-            SCOPED_TRACE(testing::Message() << "call " << number << ", " << failed);
-            if (failed.empty()) {
-                EXPECT_TRUE(isDeviceResult(result, kWidth, kHeight));
-                EXPECT_GT(number, 15);
-                break;
-            }
-            const bool same = samePixels(result, expected);
-            EXPECT_TRUE(same || (mayBeIgnored(recorder().calls[std::size_t(number - 1)]) &&
-                                 isDeviceResult(result, kWidth, kHeight)));
-            expectOnlyTheProfileOf(source, result);
-            if (!failOn) {
-                EXPECT_EQ(output, failed == "clEnqueueNDRangeKernel" ? "-5\n" : "");
-            }
-            EXPECT_EQ(alive(), kIdle);
-            ASSERT_TRUE(lockIsFree());
-            ASSERT_TRUE(isEnabled()) << "the next operation is to try again";
-            ASSERT_LT(number, 100);
-        }
+    expectTheProcessorsResult([&] { return Scale(source, kWidth, kHeight, FilterMethod::Bilinear); }, expected, 15,
+                              [&](const Image& result) { expectOnlyTheProfileOf(source, result); });
 }
 
 TEST_F(ScaleOpenCLCalls, AProgramThatDidNotBuildLeavesTheProcessor)
